@@ -1,0 +1,54 @@
+# Settings and helpers that every folder of the project shares.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+# The two programs stand directly in the build folder, where README and ./run name them.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR})
+
+find_program(QUORVANT_CCACHE ccache)
+if(QUORVANT_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${QUORVANT_CCACHE})
+endif()
+
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+
+add_library(quorvant_options INTERFACE)
+target_compile_options(quorvant_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Werror)
+target_include_directories(quorvant_options INTERFACE ${CMAKE_SOURCE_DIR})
+
+set(QUORVANT_SANITIZE "" CACHE STRING "Value for -fsanitize=, for example address,undefined")
+if(QUORVANT_SANITIZE)
+    target_compile_options(quorvant_options INTERFACE
+        -fsanitize=${QUORVANT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(quorvant_options INTERFACE -fsanitize=${QUORVANT_SANITIZE})
+endif()
+
+# quorvant_library(NAME SOURCES file... [PUBLIC lib...] [PRIVATE lib...])
+# One static library for a folder. PUBLIC: what its headers show; PRIVATE: what only its sources use.
+function(quorvant_library name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+    add_library(${name} STATIC ${ARG_SOURCES})
+    target_link_libraries(${name} PUBLIC quorvant_options ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
+endfunction()
+
+# quorvant_test(NAME SOURCES file... LIBS lib... [LABELS label...] [TIMEOUT seconds])
+# One GoogleTest program; CTest lists each of its tests by name.
+function(quorvant_test name)
+    cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS;LABELS" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    target_link_libraries(${name} PRIVATE quorvant_options test_support ${ARG_LIBS} GTest::gmock GTest::gtest_main)
+    target_compile_definitions(${name} PRIVATE
+        TEST_DATA_DIR="${CMAKE_SOURCE_DIR}/tests/data" SOURCE_DIR="${CMAKE_SOURCE_DIR}" BUILD_DIR="${CMAKE_BINARY_DIR}")
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 300)
+    endif()
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
+        PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
+endfunction()

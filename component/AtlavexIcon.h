@@ -1,0 +1,23 @@
+#pragma once
+
+#include "component/AtlavexImage.h"
+#include "component/Metadata.h"
+
+#include <memory>
+
+/// One icon of a library.
+class AtlavexIcon : public Metadata {
+public:
+    /// The "name" metadata; when that is empty, the name given when the icon was added.
+    virtual std::string Name() const = 0;
+
+    /// The icon's picture. Throws FileDamaged when the stored picture does not match its digest.
+    virtual std::shared_ptr<const AtlavexImage> Image() = 0;
+
+    /// Displacement of the icon from its position in pixels: positive X moves it right, positive Y down,
+    /// 0 centres it.
+    virtual std::int32_t OffsetX() const = 0;
+    virtual std::int32_t OffsetY() const = 0;
+    virtual void SetOffsetX(std::int32_t pixels) = 0;
+    virtual void SetOffsetY(std::int32_t pixels) = 0;
+};

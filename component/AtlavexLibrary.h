@@ -1,0 +1,94 @@
+#pragma once
+
+#include "component/AtlavexIcon.h"
+#include "component/AtlavexMap.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+/// Where the tiles of maps that are not saved yet are kept.
+enum class NewTiles {
+    Scratch,    ///< in a private scratch file, so that the library file stays untouched until it is saved
+    LibraryFile ///< directly in the file that was loaded, in a transaction that SaveToFile completes
+};
+
+struct LibraryOptions {
+    NewTiles newTiles = NewTiles::Scratch;
+    std::string scratchFolder; ///< empty: the user's cache folder
+    int keyOperations = 3;     ///< Argon2id passes for a new key, 1 to 4
+    int keyMemoryMiB = 256;    ///< Argon2id memory for a new key, 8 to 512 MiB
+    int threads = 0;           ///< workers inside one call; 0: one a core
+};
+
+/// One thing that does not match its digest or cannot be read.
+struct Damage {
+    std::string object; ///< "Map 2 'North', level 0, row 3, column 4"
+    std::string reason; ///< one sentence
+};
+
+/// One open map library. Texts are UTF-8. Positions count from 1. Maps and icons handed out stay the same
+/// objects as long as the library holds them; afterwards every use of them throws NoSuchMap or NoSuchIcon.
+/// One thread at a time. Every operation throws ComponentError and then leaves the library as it was.
+class AtlavexLibrary {
+public:
+    virtual ~AtlavexLibrary() = default;
+
+    virtual std::int32_t MapCount() const = 0;
+    virtual std::int32_t IconCount() const = 0;
+    /// An opaque reference, the same as long as the library is open. NoSuchMap / NoSuchIcon.
+    virtual std::string MapIdAt(std::int32_t position) const = 0;
+    virtual std::string IconIdAt(std::int32_t position) const = 0;
+    virtual std::shared_ptr<AtlavexMap> GetMap(const std::string& reference) = 0;
+    virtual std::shared_ptr<AtlavexIcon> GetIcon(const std::string& reference) = 0;
+
+    /// Reads the image and builds its tiles. Tile sides 64 to 1024 pixels, independently. The map comes last,
+    /// without identifier and metadata. Errors: see OpenImage; InvalidTileSize; Cancelled.
+    virtual std::shared_ptr<AtlavexMap> AddMapFromImageFile(const std::string& file, const std::string& name,
+                                                            std::int32_t tileWidth, std::int32_t tileHeight) = 0;
+    virtual std::shared_ptr<AtlavexIcon> AddIconFromImageFile(const std::string& file,
+                                                              const std::string& name) = 0;
+    virtual void RemoveMap(const std::string& reference) = 0;
+    virtual void RemoveIcon(const std::string& reference) = 0;
+
+    /// True when the file is a library sealed under a key. Reads a flag only. Errors: FileNotFound,
+    /// FileNotReadable, NotALibrary, NewerVersion, FileDamaged.
+    virtual bool IsEncrypted(const std::string& file) = 0;
+    /// Replaces the content by the file's. A wrong key is no error: nothing is loaded, the counts stay. The
+    /// key is ignored for a plain file. Errors as IsEncrypted; Cancelled.
+    virtual void LoadFromFile(const std::string& file, const std::string& key) = 0;
+    /// Saves in place (file and key those that were loaded or last saved) or writes a new file that replaces
+    /// the target at once. An empty key: a plain file. Any failure, Cancelled included, leaves the target as
+    /// it was. Errors: FileNotWritable, DiskFull, FileChanged, FileLocked, FileDamaged.
+    virtual void SaveToFile(const std::string& file, const std::string& key) = 0;
+    /// Adds the other file's maps and icons in their order behind those here; an identifier that is used
+    /// already is replaced by a fresh one. A wrong key adds nothing and is no error. The file may be the one
+    /// that is open here.
+    virtual void MergeFromFile(const std::string& file, const std::string& key) = 0;
+    /// Whether the last LoadFromFile or MergeFromFile could open the file: false after a wrong key.
+    virtual bool KeyFitted() const = 0;
+
+    /// Ends the operation that is running (to be called from inside an event). Takes effect within 50 ms.
+    virtual void CancelOperation() = 0;
+
+    /// Reads everything and names what is damaged; an empty answer means that all is well.
+    virtual std::vector<Damage> Verify() = 0;
+    /// Writes the loaded file anew without free pages.
+    virtual void Compact() = 0;
+    /// The file loaded or last saved; empty when there is none.
+    virtual std::string FileName() const = 0;
+    /// Whether that file is sealed under a key.
+    virtual bool IsSealed() const = 0;
+
+    // Raised on the caller's thread from inside load, save, merge, adding a map, reading all pixels, verify
+    // and export. Amounts are in one unit, whatever it is, the same for total and done. OnProgressEnd follows
+    // every OnProgressBegin, also after a failure.
+    std::function<void(float total, AtlavexLibrary& library)> OnProgressBegin;
+    std::function<void(float done)> OnProgress;
+    std::function<void()> OnProgressEnd;
+};
+
+/// A new, empty library.
+std::unique_ptr<AtlavexLibrary> CreateAtlavexLibrary(const LibraryOptions& options = {});

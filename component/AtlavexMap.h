@@ -1,0 +1,84 @@
+#pragma once
+
+#include "component/AtlavexImage.h"
+#include "component/Metadata.h"
+#include "component/imaging/PyramidLayout.h"
+#include "component/imaging/RowReader.h"
+#include "component/scaling/Scaling.h"
+#include "coordinates/Projection.h"
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+
+/// One raster map of a library. Pixels are unzoomed unless said otherwise; the integer pixel (x, y) is the
+/// centre of that pixel, (0, 0) the upper left one.
+class AtlavexMap : public AtlavexImage, public Metadata {
+public:
+    /// The "name" metadata; when that is empty, the name given when the map was added.
+    virtual std::string Name() const = 0;
+    /// The map's own identifier, normally a GUID text.
+    virtual std::string Identifier() const = 0;
+    virtual void SetIdentifier(const std::string& identifier) = 0;
+
+    virtual const PyramidLayout& Layout() const = 0;
+    virtual PixelFormat Format() const = 0;
+    virtual const Palette& ColourTable() const = 0; ///< empty unless Format() is Palette
+
+    /// Screen pixels per image pixel; 1.0 at first. Kept for the life of the object, stored with the map.
+    virtual double Zoom() const = 0;
+    /// InvalidArgument unless finite and above 0.
+    virtual void SetZoom(double zoom) = 0;
+
+    // Scaling. ------------------------------------------------------------------------------------------
+
+    /// The datum of the map's coordinates; drops an earlier grid. ValueNotFinite for numbers that are none.
+    virtual void SetMapDatum(const QuorvantDatum::Numbers& datum) = 0;
+    /// The grid of the map's easting/northing coordinates: two integers, then seven doubles.
+    virtual void SetMapGrid(std::int32_t method, std::int32_t zone, const std::array<double, 7>& values) = 0;
+    /// The catalogue's identifier of the grid and its zone as a decimal string, for display only.
+    virtual void SetGridIdentifier(std::int32_t identifier) = 0;
+    virtual void SetZone(const std::string& zone) = 0;
+    /// Affine scaling through three points. PointsOnALine, ValueNotFinite: the former scaling stays.
+    virtual void SetScalingThreePoints(const ReferencePoint& first, const ReferencePoint& second,
+                                       const ReferencePoint& third) = 0;
+    /// Polar scaling. CornersImpossible, ValueNotFinite: the former scaling stays.
+    virtual void SetScalingCorners(const ReferencePoint& upperLeft, const ReferencePoint& lowerLeft,
+                                   const ReferencePoint& upperRight, const ReferencePoint& lowerRight) = 0;
+
+    virtual bool IsScaled() const = 0;
+    /// True: coordinates are easting/northing in metres; false: longitude/latitude in degrees.
+    virtual bool HasGrid() const = 0;
+    virtual const Georeference& MapGeoreference() const = 0;
+
+    /// The coordinate of a pixel: easting/northing or longitude/latitude, see HasGrid. MapNotScaled.
+    virtual WorldPosition PixelToWorld(const PixelPosition& pixel) const = 0;
+    /// The inverse. MapNotScaled, OutsideArea.
+    virtual PixelPosition WorldToPixel(const WorldPosition& world) const = 0;
+    /// The map's own coordinate as WGS84 longitude/latitude, and back, through the datum's nine numbers.
+    /// A map without a datum is taken as WGS84. OutsideArea.
+    virtual LonLat WorldToWgs84(const WorldPosition& world) const = 0;
+    virtual WorldPosition Wgs84ToWorld(const LonLat& position) const = 0;
+
+    // Pixels. -------------------------------------------------------------------------------------------
+
+    /// The part of the map that a viewer shows at the map's zoom. `left` and `top` count zoomed pixels from
+    /// the map's upper left corner, `width` and `height` are the viewer's size in screen pixels. The flag is
+    /// false, and `image` left alone, when nothing differs from the last answer. Damaged tiles are hatched.
+    virtual bool RenderView(std::int32_t left, std::int32_t top, std::int32_t width, std::int32_t height,
+                            std::shared_ptr<const AtlavexImage>& image) = 0;
+
+    /// All pixels of the map, bit for bit, in bands of one tile height from the top, in Format(). The
+    /// callback gets the rows (width × BytesPerPixel bytes each, without gaps) and their number. Throws
+    /// FileDamaged, naming map and tile. Raises the library's progress events.
+    virtual void ReadPixels(
+        const std::function<void(std::span<const std::uint8_t> rows, std::int32_t count)>& band) = 0;
+
+    /// Writes every tile of every level into the folder (which must exist): z/x/y.png with z = 0 the smallest
+    /// level, tiles.json, map.vrt and index.html. `extension` must be ".png". Raises the library's progress
+    /// events. A folder that holds another map's tiles is left alone (InvalidArgument).
+    virtual void ExportTiles(const std::string& folder, const std::string& extension) = 0;
+};

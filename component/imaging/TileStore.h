@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+/// Takes the tiles of a map while its pyramid is built.
+class TileSink {
+public:
+    virtual ~TileSink() = default;
+    /// Keeps one encoded tile (a PNG of exactly one tile's size). Called once for every tile of every level,
+    /// in no fixed order, by several threads at the same time.
+    virtual void Put(int level, std::int32_t row, std::int32_t column, std::span<const std::uint8_t> encoded) = 0;
+};
+
+/// Gives the tiles of a map.
+class TileSource {
+public:
+    virtual ~TileSource() = default;
+    /// The encoded tile, checked against its digest. Throws FileDamaged, naming map and tile, when it does
+    /// not match; FileNotReadable on an I/O error. Called by one thread at a time.
+    virtual std::vector<std::uint8_t> ReadTile(int level, std::int32_t row, std::int32_t column) = 0;
+};

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "component/scaling/Georeference.h"
+
+#include <array>
+#include <memory>
+#include <span>
+
+/// A place in a map's pixels; whole numbers are pixel centres.
+struct PixelPosition {
+    double x = 0;
+    double y = 0;
+};
+
+/// A place in a map's own coordinates: longitude/latitude in degrees or easting/northing in metres.
+struct WorldPosition {
+    double x = 0;
+    double y = 0;
+};
+
+/// Turns pixels into coordinates and back.
+class Scaling {
+public:
+    virtual ~Scaling() = default;
+    virtual WorldPosition PixelToWorld(const PixelPosition& pixel) const = 0;
+    /// Throws OutsideArea where no pixel has this coordinate.
+    virtual PixelPosition WorldToPixel(const WorldPosition& world) const = 0;
+};
+
+/// The affine map through three points, solved about their centroid. Throws PointsOnALine for points that
+/// are (nearly) on one line or coincide, in pixels or in coordinates, and ValueNotFinite; the sentence says
+/// which.
+std::unique_ptr<Scaling> MakeLinearScaling(std::span<const ReferencePoint, 3> points);
+
+/// The polar map through four corners (upper left, lower left, upper right, lower right): meridians are
+/// straight lines that meet in the apex, parallels are arcs about it. Throws CornersImpossible for corners
+/// that are crossed, span no area, or have equal values where they must differ, and ValueNotFinite.
+std::unique_ptr<Scaling> MakePolarScaling(std::span<const ReferencePoint, 4> corners);
+
+/// The scaling that a georeference describes; nothing for ScalingKind::None. Throws as above.
+std::unique_ptr<Scaling> MakeScaling(const Georeference& georeference);
+
+/// An affine map as six numbers: X = a·px + b·py + c, Y = d·px + e·py + f.
+struct Affine {
+    double a = 0, b = 0, c = 0;
+    double d = 0, e = 0, f = 0;
+};
+
+/// The affine map of a linear scaling (for a geotransform or a worldfile).
+Affine AffineOf(std::span<const ReferencePoint, 3> points);
