@@ -19,7 +19,8 @@ struct PixelView {
 };
 
 /// Writes tiles as PNG: one IDAT chunk, filter "sub" for RGB and RGBA, "none" for palette and grey, the
-/// fastest deflate level. One object a thread: it keeps its buffers from tile to tile.
+/// fastest deflate level. A palette tile carries the entries up to its own highest index only, so its palette
+/// is the beginning of the map's. One object a thread: it keeps its buffers from tile to tile.
 class TileEncoder {
 public:
     TileEncoder();
@@ -43,7 +44,9 @@ struct TileHeader {
     Palette palette; ///< for PixelFormat::Palette
 };
 
-/// Reads the PNG files that TileEncoder writes. One object a thread: it keeps its buffers.
+/// Reads the PNG files that TileEncoder writes, and others of the same layout with any row filter and any
+/// number of IDAT chunks. The chunks' CRCs are not computed: the store's digest covers the whole file, and the
+/// compressed stream has a checksum of its own. One object a thread: it keeps its buffers.
 class TileDecoder {
 public:
     TileDecoder();
