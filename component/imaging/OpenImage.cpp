@@ -1,0 +1,49 @@
+#include "component/imaging/ImageError.h"
+#include "component/imaging/ImageFile.h"
+#include "component/imaging/JpegReader.h"
+#include "component/imaging/PngReader.h"
+#include "component/imaging/RowReader.h"
+
+#include <algorithm>
+#include <array>
+#include <new>
+#include <span>
+#include <string_view>
+
+namespace {
+
+using namespace std::string_view_literals;
+
+/// A kind of image file: how its first bytes read, and who reads the rest.
+struct ImageKind {
+    std::string_view firstBytes;
+    std::unique_ptr<RowReader> (*open)(const std::filesystem::path&);
+};
+
+constexpr std::array Kinds{
+    ImageKind{"\xFF\xD8\xFF"sv, OpenJpeg},
+    ImageKind{"\x89PNG\r\n\x1A\n"sv, OpenPng},
+};
+
+constexpr std::size_t LongestFirstBytes = 8;
+
+const ImageKind& RecogniseKind(const std::filesystem::path& path) {
+    std::array<std::uint8_t, LongestFirstBytes> bytes{};
+    const std::size_t length = ImageFile(path).ReadSome(bytes);
+    const std::string_view begin(reinterpret_cast<const char*>(bytes.data()), length);
+    const auto kind = std::ranges::find_if(
+        Kinds, [begin](const ImageKind& candidate) { return begin.starts_with(candidate.firstBytes); });
+    if (kind == Kinds.end())
+        ThrowNotReadable(path, "it is no BMP, GIF, JPEG, TIFF or PNG image");
+    return *kind;
+}
+
+} // namespace
+
+std::unique_ptr<RowReader> OpenImage(const std::filesystem::path& file) {
+    try {
+        return RecogniseKind(file).open(file);
+    } catch (const std::bad_alloc&) {
+        ThrowImageError(ErrorNumber::OutOfMemory, file, "there is not enough memory");
+    }
+}

@@ -1,0 +1,5 @@
+#include "component/imaging/OrientedReader.h"
+
+std::unique_ptr<RowReader> ApplyOrientation(std::unique_ptr<RowReader> reader, Orientation) {
+    return reader;
+}

@@ -1,0 +1,47 @@
+"""Makes the images that the tests of the decoders read.
+
+usage: make_images.py THEME FOLDER
+
+Each theme writes image files, and beside an image whose pixels are known by construction the truth as raw
+RGBA, NAME.rgba: width and height as little-endian 32-bit numbers, then four bytes a pixel.
+"""
+
+import os
+import struct
+import sys
+
+import numpy
+from PIL import Image
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+
+
+def test_picture(width, height):
+    """A picture with slopes, edges and noise in all three channels, the same in every run."""
+    y, x = numpy.mgrid[0:height, 0:width]
+    random = numpy.random.default_rng(width * 65537 + height)
+    picture = numpy.empty((height, width, 3), numpy.uint8)
+    picture[..., 0] = x * 255 // max(width - 1, 1)
+    picture[..., 1] = (y * 255 // max(height - 1, 1) + random.integers(0, 30, (height, width))).clip(0, 255)
+    picture[..., 2] = numpy.where((x // 5 + y // 3) % 2 == 0, 230, 20)
+    return picture
+
+
+def write_truth(name, rgba):
+    height, width = rgba.shape[:2]
+    with open(name + ".rgba", "wb") as out:
+        out.write(struct.pack("<ii", width, height))
+        out.write(numpy.ascontiguousarray(rgba, numpy.uint8).tobytes())
+
+
+def make_kinds(folder):
+    picture = Image.fromarray(test_picture(37, 23))
+    for kind in ("bmp", "gif", "jpg", "png", "tif"):
+        picture.save(os.path.join(folder, "image." + kind))
+
+
+THEMES = {"kinds": make_kinds}
+
+
+if __name__ == "__main__":
+    THEMES[sys.argv[1]](sys.argv[2])
