@@ -5,7 +5,8 @@
 
 #include <memory>
 
-/// Longitude and latitude in signed decimal degrees from Greenwich, east and north positive.
+/// Longitude and latitude in signed decimal degrees from Greenwich, east and north positive. Results have a
+/// longitude within ±180 degrees; a longitude given may lie within ±360.
 struct LonLat {
     double longitude = 0;
     double latitude = 0;
@@ -22,14 +23,17 @@ struct EastNorth {
 /// Not for use by two threads at once.
 class GridProjection {
 public:
-    /// The datum gives the ellipsoid. Throws UnknownGrid for numbers that describe no projection,
-    /// ValueNotFinite for numbers that are none.
+    /// The datum gives the ellipsoid (the New Zealand Map Grid and the Danish systems exist on International
+    /// 1924 only and use that one whatever the datum). Throws UnknownGrid for numbers that describe no
+    /// projection, UnknownZone for a Danish system that there is not, UnknownDatum for an ellipsoid that is
+    /// none, ValueNotFinite for numbers that are none.
     GridProjection(const GridNumbers& grid, const QuorvantDatum& datum);
     ~GridProjection();
     GridProjection(GridProjection&&) noexcept;
     GridProjection& operator=(GridProjection&&) noexcept;
 
-    /// Throws OutsideArea where the grid is not defined.
+    /// Both throw OutsideArea where the grid is not defined: where its formula fails or does not lead back to
+    /// where it started, beyond ±90 degrees of latitude or ±360 of longitude, and for values not finite.
     EastNorth Forward(const LonLat& position) const;
     LonLat Inverse(const EastNorth& position) const;
 
@@ -42,12 +46,14 @@ private:
 /// height 0 on the input side, resulting height dropped). Not for use by two threads at once.
 class DatumShift {
 public:
+    /// Throws ValueNotFinite for numbers that are none, UnknownDatum for an ellipsoid that is none.
     explicit DatumShift(const QuorvantDatum& datum);
     ~DatumShift();
     DatumShift(DatumShift&&) noexcept;
     DatumShift& operator=(DatumShift&&) noexcept;
 
-    /// Throws OutsideArea for a latitude beyond ±90 degrees or a value that is not finite.
+    /// Throws OutsideArea for a latitude beyond ±90, a longitude beyond ±360 degrees or a value that is not
+    /// finite.
     LonLat ToWgs84(const LonLat& position) const;
     LonLat FromWgs84(const LonLat& position) const;
 
