@@ -1,0 +1,103 @@
+#include "catalogue/GridChoice.h"
+
+#include "base/ComponentError.h"
+#include "catalogue/modCountryGadgets.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <vector>
+
+namespace {
+
+/// A whole number of digits only.
+std::optional<std::int32_t> WholeNumber(std::string_view text) {
+    const bool digits = !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+    std::int32_t number = 0;
+    if (!digits || std::from_chars(text.data(), text.data() + text.size(), number).ec != std::errc{})
+        return std::nullopt;
+    return number;
+}
+
+[[noreturn]] void ThrowZone(const std::string& grid, const std::string& zone, const std::string& expected) {
+    const std::string fault = zone.empty() ? "The grid \"" + grid + "\" needs a zone"
+                                           : "The grid \"" + grid + "\" has no zone \"" + zone + "\"";
+    throw ComponentError(ErrorNumber::UnknownZone, fault + ": " + expected + ".");
+}
+
+/// The number of a state-plane zone: its item is four digits of code, a blank, and the name.
+std::optional<std::int32_t> StatePlaneCode(const std::vector<std::string>& items, const std::string& text) {
+    constexpr std::size_t codeLength = 4;
+    const auto number = WholeNumber(text);
+    for (const std::string& item : items) {
+        const auto code = WholeNumber(item.substr(0, codeLength));
+        if (item == text || item.substr(codeLength + 1) == text || code == number)
+            return code;
+    }
+    return std::nullopt;
+}
+
+/// The 1-based place of a zone in its list.
+std::optional<std::int32_t> ListPlace(const std::vector<std::string>& items, const std::string& text) {
+    const auto item = std::ranges::find(items, text);
+    if (item != items.end())
+        return static_cast<std::int32_t>(item - items.begin()) + 1;
+    const auto place = WholeNumber(text);
+    const bool inList = place && *place >= 1 && static_cast<std::size_t>(*place) <= items.size();
+    return inList ? place : std::nullopt;
+}
+
+std::string Quoted(const std::vector<std::string>& items) {
+    std::string text;
+    for (const std::string& item : items)
+        text += (text.empty() ? "\"" : ", \"") + item + "\"";
+    return text;
+}
+
+GridChoice TypedZone(const std::string& grid, const std::string& zone) {
+    const auto number = WholeNumber(zone);
+    if (!number || *number < 1 || *number > 60)
+        ThrowZone(grid, zone, "a whole number from 1 to 60 is expected");
+    const auto identifier = GridIdentifier(grid, 0);
+    return {identifier, *number, MakeGrid(identifier, *number)};
+}
+
+GridChoice StatePlaneZone(const std::string& grid, const std::string& zone,
+                          const std::vector<std::string>& items) {
+    const auto code = StatePlaneCode(items, zone);
+    if (!code)
+        ThrowZone(grid, zone,
+                  "a state-plane code or name such as " + Quoted({items.front()}) +
+                      " is expected; all are listed by: atlavex catalogue");
+    const auto identifier = GridIdentifier(grid, 0);
+    return {identifier, *code, MakeGrid(identifier, *code)};
+}
+
+GridChoice ListZone(const std::string& grid, const std::string& zone, const std::vector<std::string>& items) {
+    const auto place = ListPlace(items, zone);
+    if (!place)
+        ThrowZone(grid, zone,
+                  "one of " + Quoted(items) + " or its place from 1 to " + std::to_string(items.size()) +
+                      " is expected");
+    const auto identifier = GridIdentifier(grid, static_cast<std::int16_t>(*place - 1));
+    return {identifier, *place, MakeGrid(identifier, *place)};
+}
+
+} // namespace
+
+GridChoice ChooseGrid(const std::string& gridText, const std::string& zoneText) {
+    const auto identifier = GridIdentifier(gridText, 0);
+    if (identifier == 0)
+        throw ComponentError(ErrorNumber::UnknownGrid,
+                             "There is no grid \"" + gridText + "\"; all are listed by: atlavex catalogue.");
+    if (GridHasNumericZone(gridText))
+        return TypedZone(gridText, zoneText);
+    const auto zones = ZonesOf(gridText);
+    if (gridText.starts_with("State Plane"))
+        return StatePlaneZone(gridText, zoneText, zones);
+    if (!zones.empty())
+        return ListZone(gridText, zoneText, zones);
+    if (!zoneText.empty())
+        ThrowZone(gridText, zoneText, "it is a single grid without zones");
+    return {identifier, 0, MakeGrid(identifier, 0)};
+}

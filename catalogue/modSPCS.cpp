@@ -1,0 +1,3 @@
+#include "catalogue/modSPCS.h"
+
+void FillStatePlaneZones() {}
