@@ -32,6 +32,7 @@ void PngDeinterlacer::SpoolPasses() {
         const std::size_t bytes =
             static_cast<std::size_t>(columns) * static_cast<std::size_t>(BytesPerPixel(info_.format));
         for (std::int32_t row = 0; columns > 0 && row < PassRows(info_, pass); ++row) {
+            ThrowIfCancelled();
             decoder_->ReadRow(part_.data(), PNG_ROW_FROM_PASS_ROW(row, pass));
             spool_.Write(at, {part_.data(), bytes});
             at += static_cast<std::int64_t>(bytes);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Progress.h"
 #include "component/imaging/PixelFormat.h"
 
 #include <cstddef>
@@ -25,7 +26,7 @@ struct ImageInfo {
     std::int32_t width = 0;  ///< pixels of the displayed image, 1 to MaxImageSide
     std::int32_t height = 0; ///< likewise
     PixelFormat format = PixelFormat::Rgb;
-    Palette palette;         ///< filled for PixelFormat::Palette only
+    Palette palette; ///< filled for PixelFormat::Palette only
     /// The turn that has been applied already; numbers that count stored pixels (a worldfile's) need it too.
     Orientation orientation = Orientation::TopLeft;
 };
@@ -48,8 +49,21 @@ public:
     /// file and reason, when the image breaks off or contradicts itself.
     virtual void ReadRows(std::uint8_t* rows, std::ptrdiff_t stride, std::int32_t count) = 0;
 
+    /// Some kinds (interlaced, progressive, turned) must decode the whole image before they can give the
+    /// first row. From now on such a long ReadRows ends with ErrorNumber::Cancelled soon after
+    /// progress.Cancel(); `progress` must outlive the reader's use.
+    virtual void WatchForCancel(const Progress& progress) { progress_ = &progress; }
+
 protected:
+    void ThrowIfCancelled() const {
+        if (progress_ != nullptr)
+            progress_->ThrowIfCancelled();
+    }
+
     ImageInfo info_;
+
+private:
+    const Progress* progress_ = nullptr;
 };
 
 /// Opens an image file of any supported kind: BMP, GIF, JPEG, TIFF or PNG. The content decides the kind, not

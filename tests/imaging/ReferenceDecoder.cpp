@@ -4,6 +4,7 @@
 #include "tests/support/TempFolder.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <stdexcept>
 
@@ -18,7 +19,7 @@ with open(sys.argv[2], "wb") as out:
     out.write(struct.pack("<ii", *image.size) + image.tobytes())
 )";
 
-void AppendPixel(RgbaImage& image, const std::uint8_t* stored, const ImageInfo& info) {
+PaletteEntry ToRgba(const std::uint8_t* stored, const ImageInfo& info) {
     PaletteEntry pixel;
     switch (info.format) {
     case PixelFormat::Grey:
@@ -37,7 +38,7 @@ void AppendPixel(RgbaImage& image, const std::uint8_t* stored, const ImageInfo& 
         pixel = {stored[0], stored[1], stored[2], stored[3]};
         break;
     }
-    image.pixels.insert(image.pixels.end(), {pixel.red, pixel.green, pixel.blue, pixel.alpha});
+    return pixel;
 }
 
 /// Runs a reference decoder; a decoder that fails or is missing ends the test.
@@ -69,14 +70,19 @@ std::string PixelText(const std::uint8_t* pixel) {
 RgbaImage ReadAllRows(RowReader& reader, std::int32_t rowsAtOnce) {
     const ImageInfo& info = reader.Info();
     RgbaImage image{info.width, info.height, {}};
+    image.pixels.resize(std::size_t{4} * static_cast<std::size_t>(info.width) *
+                        static_cast<std::size_t>(info.height));
+    std::uint8_t* target = image.pixels.data();
     const auto pixelBytes = static_cast<std::size_t>(BytesPerPixel(info.format));
     const std::size_t rowBytes = static_cast<std::size_t>(info.width) * pixelBytes;
     for (std::int32_t row = 0; row < info.height; row += rowsAtOnce) {
         const std::int32_t count = std::min(rowsAtOnce, info.height - row);
         std::vector<std::uint8_t> rows(rowBytes * static_cast<std::size_t>(count));
         reader.ReadRows(rows.data(), static_cast<std::ptrdiff_t>(rowBytes), count);
-        for (std::size_t at = 0; at < rows.size(); at += pixelBytes)
-            AppendPixel(image, rows.data() + at, info);
+        for (std::size_t at = 0; at < rows.size(); at += pixelBytes, target += 4) {
+            const PaletteEntry pixel = ToRgba(rows.data() + at, info);
+            std::ranges::copy(std::array{pixel.red, pixel.green, pixel.blue, pixel.alpha}, target);
+        }
     }
     return image;
 }
@@ -146,6 +152,20 @@ testing::AssertionResult SamePixels(const RgbaImage& actual, const RgbaImage& ex
            << differing << " pixels differ, by up to " << largest << "; first at column " << pixel % width
            << ", row " << pixel / width << ": " << PixelText(&actual.pixels[first]) << ", expected "
            << PixelText(&expected.pixels[first]);
+}
+
+std::vector<std::filesystem::path> ImagesWithTruth(const std::filesystem::path& folder) {
+    std::vector<std::filesystem::path> images;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        if (entry.path().extension() == ".rgba")
+            images.push_back(entry.path().parent_path() / entry.path().stem());
+    std::ranges::sort(images);
+    EXPECT_FALSE(images.empty()) << "no images in " << folder;
+    return images;
+}
+
+RgbaImage ReadTruth(const std::filesystem::path& image) {
+    return ReadRawImage(image.string() + ".rgba");
 }
 
 void RunScript(const std::string& script, const std::vector<std::string>& arguments) {

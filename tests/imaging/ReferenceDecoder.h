@@ -46,5 +46,9 @@ struct Tolerance {
 testing::AssertionResult SamePixels(const RgbaImage& actual, const RgbaImage& expected,
                                     Tolerance tolerance = {});
 
+/// The images in a folder that have a raw image of the truth beside them ("a.png" and "a.png.rgba"), by name.
+std::vector<std::filesystem::path> ImagesWithTruth(const std::filesystem::path& folder);
+RgbaImage ReadTruth(const std::filesystem::path& image);
+
 /// Runs a Python script of this folder with Debian's Python; fails the test when the script does.
 void RunScript(const std::string& script, const std::vector<std::string>& arguments);

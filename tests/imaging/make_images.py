@@ -11,10 +11,9 @@ import struct
 import sys
 
 import numpy
-from PIL import Image
+from PIL import Image, ImageOps
 
-sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-
+Image.MAX_IMAGE_PIXELS = None
 
 def test_picture(width, height):
     """A picture with slopes, edges and noise in all three channels, the same in every run."""
@@ -40,7 +39,35 @@ def make_kinds(folder):
         picture.save(os.path.join(folder, "image." + kind))
 
 
-THEMES = {"kinds": make_kinds}
+def save_turned(folder, name, picture, orientations=range(1, 9)):
+    """The picture once for each of the Exif orientations, with the turned picture as truth."""
+    for orientation in orientations:
+        exif = Image.Exif()
+        exif[0x0112] = orientation
+        file = os.path.join(folder, f"{name}-{orientation}.png")
+        picture.save(file, exif=exif, compress_level=1)
+        write_truth(file, numpy.asarray(ImageOps.exif_transpose(Image.open(file)).convert("RGBA")))
+
+
+def make_turned(folder):
+    rgb = Image.fromarray(test_picture(67, 41))
+    save_turned(folder, "rgb", rgb)
+    save_turned(folder, "grey", rgb.convert("L"))
+    save_turned(folder, "palette", rgb.quantize(50))
+    rgba = rgb.copy()
+    rgba.putalpha(rgb.getchannel("G"))
+    save_turned(folder, "rgba", rgba)
+    save_turned(folder, "one-row", rgb.crop((0, 7, 67, 8)))
+    save_turned(folder, "one-column", rgb.crop((7, 0, 8, 41)))
+
+
+def make_turned_large(folder):
+    """More than one buffer of a turn (16 MiB) in both directions, the last ones not full."""
+    picture = Image.fromarray(test_picture(4801, 3607)).convert("L")
+    save_turned(folder, "large", picture, (3, 5, 7))
+
+
+THEMES = {"kinds": make_kinds, "turned": make_turned, "turned-large": make_turned_large}
 
 
 if __name__ == "__main__":
