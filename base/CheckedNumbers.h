@@ -10,7 +10,9 @@
 
 /// Rounds to the nearest whole number, ties to even (10.5 gives 10, 11.5 gives 12). Relies on the default
 /// floating-point rounding direction, which this program never changes.
-inline double RoundHalfEven(double value) { return std::nearbyint(value); }
+inline double RoundHalfEven(double value) {
+    return std::nearbyint(value);
+}
 
 /// The value as a narrower integer, or ErrorNumber::Overflow when it does not fit.
 template <std::integral To, std::integral From>
@@ -34,7 +36,6 @@ To CheckedRound(double value) {
 
 /// a + b in 16- or 32-bit arithmetic; ErrorNumber::Overflow instead of a wrap.
 template <std::signed_integral T>
-    requires(sizeof(T) <= 4)
-constexpr T CheckedAdd(T a, T b) {
+requires(sizeof(T) <= 4) constexpr T CheckedAdd(T a, T b) {
     return CheckedNarrow<T>(std::int64_t{a} + std::int64_t{b});
 }

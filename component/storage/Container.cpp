@@ -1,0 +1,46 @@
+#include "component/storage/Container.h"
+
+Container::Container(std::unique_ptr<Database> database, std::shared_ptr<const Envelope> form)
+    : database_(std::move(database)), form_(std::move(form)),
+      blobs_(*database_, "INSERT INTO blob(id, data) VALUES(?1, ?2)", "SELECT data FROM blob WHERE id = ?1",
+             "DELETE FROM blob WHERE id = ?1"),
+      pages_(*database_, "INSERT INTO tile_index(id, data) VALUES(?1, ?2)",
+             "SELECT data FROM tile_index WHERE id = ?1", "DELETE FROM tile_index WHERE id = ?1") {}
+
+Container::Table& Container::TableOf(BlobKind kind) {
+    return kind == BlobKind::DirectoryPage ? pages_ : blobs_;
+}
+
+void Container::PutStored(BlobKind kind, std::int64_t number, ByteSpan stored) {
+    const std::scoped_lock lock(mutex_);
+    TableOf(kind).insert.Bind(1, number).Bind(2, stored).Run();
+}
+
+std::optional<Bytes> Container::GetStored(BlobKind kind, std::int64_t number) {
+    const std::scoped_lock lock(mutex_);
+    Statement& select = TableOf(kind).select;
+    select.Reset(); // an earlier look may have ended in an exception
+    std::optional<Bytes> stored;
+    if (select.Bind(1, number).Step()) {
+        const ByteSpan blob = select.Blob(0);
+        stored.emplace(blob.begin(), blob.end());
+    }
+    select.Reset();
+    return stored;
+}
+
+void Container::Remove(BlobKind kind, std::int64_t number) {
+    const std::scoped_lock lock(mutex_);
+    TableOf(kind).remove.Bind(1, number).Run();
+}
+
+ClosedBlob Container::Put(BlobKind kind, std::int64_t number, ByteSpan plain) {
+    ClosedBlob closed = form_->Close(kind, number, plain);
+    PutStored(kind, number, closed.bytes);
+    return closed;
+}
+
+bool Container::Get(BlobKind kind, std::int64_t number, const Digest& digest, Bytes& plain) {
+    const std::optional<Bytes> stored = GetStored(kind, number);
+    return stored && form_->Open(kind, number, *stored, digest, plain);
+}

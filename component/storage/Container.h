@@ -1,0 +1,64 @@
+#pragma once
+
+#include "component/storage/Database.h"
+#include "component/storage/Envelope.h"
+
+#include <atomic>
+#include <mutex>
+#include <optional>
+
+/// Gives the numbers under which maps, icons, directory pages and blobs are stored. No number is given
+/// twice in the life of a library, so a sealed blob can be bound to its own.
+class NumberSource {
+public:
+    explicit NumberSource(std::int64_t next = 1) : next_(next) {}
+    std::int64_t Take() { return next_.fetch_add(1); }
+    std::int64_t Next() const { return next_.load(); }
+    /// Never goes back.
+    void Raise(std::int64_t next) {
+        std::int64_t now = next_.load();
+        while (now < next && !next_.compare_exchange_weak(now, next)) {
+        }
+    }
+
+private:
+    std::atomic<std::int64_t> next_;
+};
+
+/// A database with the tables for blobs and directory pages, and the form in which they stand there. May be
+/// used by several threads at once.
+class Container {
+public:
+    Container(std::unique_ptr<Database> database, std::shared_ptr<const Envelope> form);
+
+    Database& File() { return *database_; }
+    const Envelope& Form() const { return *form_; }
+    std::shared_ptr<const Envelope> SharedForm() const { return form_; }
+
+    /// Kinds: Tile, IconPicture and DirectoryPage.
+    void PutStored(BlobKind kind, std::int64_t number, ByteSpan stored);
+    /// Nothing when there is no such row.
+    std::optional<Bytes> GetStored(BlobKind kind, std::int64_t number);
+    void Remove(BlobKind kind, std::int64_t number);
+
+    /// Closes the blob and stores it; gives its length as stored and its digest.
+    ClosedBlob Put(BlobKind kind, std::int64_t number, ByteSpan plain);
+    /// False when there is no such row or it is not the blob of this digest.
+    bool Get(BlobKind kind, std::int64_t number, const Digest& digest, Bytes& plain);
+
+private:
+    struct Table {
+        Table(Database& database, const char* insertSql, const char* selectSql, const char* removeSql)
+            : insert(database, insertSql), select(database, selectSql), remove(database, removeSql) {}
+        Statement insert;
+        Statement select;
+        Statement remove;
+    };
+    Table& TableOf(BlobKind kind);
+
+    std::unique_ptr<Database> database_;
+    std::shared_ptr<const Envelope> form_;
+    std::mutex mutex_;
+    Table blobs_;
+    Table pages_;
+};

@@ -1,0 +1,116 @@
+#pragma once
+
+#include "base/ComponentError.h"
+#include "component/storage/Digest.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+/// One connection to an SQLite file, hardened for files that nobody vouches for. Errors are ComponentErrors
+/// that name the file.
+class Database {
+public:
+    enum class Mode {
+        Existing, ///< read and write, as far as the file permits; it must exist
+        Fill      ///< an existing empty file that is filled in one go: no journal, no sync
+    };
+
+    /// `shownName` is the name that error sentences give; the path may be that of a temporary.
+    Database(const std::filesystem::path& file, Mode mode, std::string shownName);
+
+    sqlite3* Handle() const { return handle_.get(); }
+    const std::string& ShownName() const { return shownName_; }
+
+    /// Runs statements that give no rows.
+    void Execute(const char* sql);
+    /// The single number that a statement gives.
+    std::int64_t Number(const char* sql);
+
+    /// Size of the main file in bytes and bytes of it, through the descriptor that SQLite holds: opening and
+    /// closing the file by another descriptor would drop SQLite's locks.
+    std::int64_t FileSize() const;
+    Bytes ReadRaw(std::int64_t offset, int length) const;
+    /// Whether the path no longer names the file that is open.
+    bool HasMoved() const;
+    bool InTransaction() const;
+    bool IsReadOnly() const;
+
+    /// Throws the error of SQLite's last result code for this connection.
+    [[noreturn]] void Fail(int code) const;
+    void Check(int code) const;
+
+    [[noreturn]] void Damaged(const std::string& reason) const;
+
+private:
+    struct Closer {
+        void operator()(sqlite3* handle) const;
+    };
+    std::unique_ptr<sqlite3, Closer> handle_;
+    std::string shownName_;
+};
+
+/// A prepared statement. The database must outlive it.
+class Statement {
+public:
+    Statement(Database& database, const char* sql);
+
+    Statement& Bind(int index, std::int64_t value);
+    /// The bytes must stay until the statement is reset.
+    Statement& Bind(int index, ByteSpan bytes);
+    Statement& Bind(int index, const char* text);
+
+    /// True when a row is there.
+    bool Step();
+    void Reset();
+    /// Step to the end and reset, for statements that give no rows.
+    void Run();
+
+    /// Columns count from 0. FileDamaged when the column has another type: SQLite's types are per value.
+    std::int64_t Integer(int column) const;
+    ByteSpan Blob(int column) const;
+    std::string Text(int column) const;
+
+private:
+    struct Finalizer {
+        void operator()(sqlite3_stmt* statement) const;
+    };
+    void RequireType(int column, int type) const;
+
+    Database* database_;
+    std::unique_ptr<sqlite3_stmt, Finalizer> statement_;
+};
+
+/// A transaction that is rolled back unless it is committed.
+class Transaction {
+public:
+    /// Takes the write lock at once. FileLocked when another program holds it.
+    explicit Transaction(Database& database);
+    ~Transaction();
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    void Commit();
+
+private:
+    Database* database_;
+    bool open_ = true;
+};
+
+/// A part of a transaction (or a transaction of its own) that is undone unless it is kept.
+class Savepoint {
+public:
+    explicit Savepoint(Database& database);
+    ~Savepoint();
+    Savepoint(const Savepoint&) = delete;
+    Savepoint& operator=(const Savepoint&) = delete;
+
+    void Keep();
+
+private:
+    Database* database_;
+    bool open_ = true;
+};

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "component/storage/Sealing.h"
+
+/// Version of the file format that this program writes, and the newest that it reads.
+inline constexpr std::uint32_t FormatVersion = 1;
+
+/// The plain head of a library file, one row of fixed length, covered by a code over all of it.
+struct FileHeader {
+    /// Length of the encoded header in bytes, and of its head, to which the wrapped key is bound.
+    static constexpr std::size_t EncodedSize = 184;
+    static constexpr std::size_t HeadSize = 48;
+
+    std::uint32_t version = FormatVersion;
+    bool sealed = false;
+    KeyCost cost{0, 0}; ///< zeros in a plain file
+    LibraryId id{};
+    Salt salt{};
+    WrappedKey wrapped{};
+    std::int64_t generation = 0; ///< grows by one with every save
+    std::int64_t nextNumber = 1; ///< the first number that no map, icon, page or blob has had yet
+    std::int32_t mapCount = 0;
+    std::int32_t iconCount = 0;
+    HeaderMac root{}; ///< over the digests of all records
+
+    Bytes Encode() const;
+    /// Throws MalformedRecord.
+    static FileHeader Decode(ByteSpan bytes);
+};

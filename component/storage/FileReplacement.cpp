@@ -1,0 +1,90 @@
+#include "component/storage/FileReplacement.h"
+
+#include "base/ComponentError.h"
+#include "component/storage/Sealing.h"
+
+#include <array>
+
+namespace {
+
+constexpr std::size_t RandomDigits = 16;
+constexpr std::string_view TemporaryEnding = ".tmp";
+/// Longest part of the target's name in the temporary's: with the additions it stays below 255 bytes.
+constexpr std::size_t LongestNamePart = 200;
+
+std::filesystem::path FolderOf(const std::filesystem::path& file) {
+    return file.has_parent_path() ? file.parent_path() : std::filesystem::path(".");
+}
+
+std::string TemporaryStart(const std::filesystem::path& target) {
+    return "." + target.filename().string().substr(0, LongestNamePart) + ".";
+}
+
+std::string RandomText() {
+    std::array<std::uint8_t, RandomDigits / 2> random{};
+    FillRandom(random.data(), random.size());
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string text;
+    for (const std::uint8_t byte : random)
+        (text += digits[byte >> 4U]) += digits[byte & 15U];
+    return text;
+}
+
+bool IsTemporaryOf(const std::string& name, const std::string& start) {
+    return name.size() == start.size() + RandomDigits + TemporaryEnding.size() && name.starts_with(start) &&
+           name.ends_with(TemporaryEnding) &&
+           name.find_first_not_of("0123456789abcdef", start.size()) == start.size() + RandomDigits;
+}
+
+} // namespace
+
+FileReplacement::FileReplacement(std::shared_ptr<FileSystem> files, std::filesystem::path target)
+    : files_(std::move(files)), target_(std::move(target)) {
+    SweepAbandoned();
+    temporary_ = FolderOf(target_) / (TemporaryStart(target_) + RandomText() + std::string(TemporaryEnding));
+    locked_ = files_->CreateLocked(temporary_);
+}
+
+FileReplacement::~FileReplacement() {
+    if (!placed_)
+        files_->Remove(temporary_);
+}
+
+void FileReplacement::SweepAbandoned() const {
+    const std::string start = TemporaryStart(target_);
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(FolderOf(target_), error), end; !error && entry != end;
+         entry.increment(error))
+        if (IsTemporaryOf(entry->path().filename().string(), start))
+            files_->RemoveIfAbandoned(entry->path());
+}
+
+void FileReplacement::KeepFormer() {
+    for (int number = 1;; ++number) {
+        std::filesystem::path name = target_;
+        name += ".bak" + (number > 1 ? std::to_string(number) : std::string());
+        if (files_->AddName(target_, name))
+            return;
+    }
+}
+
+void FileReplacement::TakePlace(bool keepFormer) {
+    std::error_code ignored;
+    // A journal or log beside the target would be rolled into the new file and destroy it.
+    for (const char* sibling : {"-journal", "-wal"})
+        if (std::filesystem::exists(target_.string() + sibling, ignored))
+            throw ComponentError(ErrorNumber::FileLocked,
+                                 "The file '" + target_.string() +
+                                     "' is in the middle of a save by another program, or was left so. Open "
+                                     "it once, or remove '" +
+                                     target_.string() + sibling + "'.");
+    locked_->TakeRightsOf(target_);
+    if (keepFormer && std::filesystem::exists(std::filesystem::symlink_status(target_, ignored)))
+        KeepFormer();
+    files_->Replace(temporary_, target_);
+    placed_ = true;
+}
+
+void FileReplacement::SyncFolder() {
+    files_->SyncFolder(FolderOf(target_));
+}

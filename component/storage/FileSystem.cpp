@@ -1,0 +1,111 @@
+#include "component/storage/FileSystem.h"
+
+#include "base/ComponentError.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+namespace {
+
+[[noreturn]] void Fail(const std::filesystem::path& file, int error) {
+    const std::string name = file.string();
+    if (error == ENOSPC || error == EDQUOT || error == EFBIG)
+        throw ComponentError(ErrorNumber::DiskFull, "There is no space left to write '" + name + "'.");
+    throw ComponentError(ErrorNumber::FileNotWritable,
+                         "The file '" + name + "' could not be written: " + std::strerror(error) + ".");
+}
+
+void Check(bool succeeded, const std::filesystem::path& file) {
+    if (!succeeded)
+        Fail(file, errno);
+}
+
+class Descriptor {
+public:
+    explicit Descriptor(int number) : number_(number) {}
+    ~Descriptor() {
+        if (number_ >= 0)
+            close(number_);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    int Number() const { return number_; }
+    bool IsOpen() const { return number_ >= 0; }
+
+private:
+    int number_;
+};
+
+class SystemLockedFile : public FileSystem::LockedFile {
+public:
+    explicit SystemLockedFile(const std::filesystem::path& file)
+        : path_(file), descriptor_(open(file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600)) {
+        Check(descriptor_.IsOpen(), path_);
+        // A lock of the whole open file, unlike SQLite's: it stays when SQLite closes its own descriptor.
+        Check(flock(descriptor_.Number(), LOCK_EX | LOCK_NB) == 0, path_);
+    }
+
+    void Sync() override { Check(fsync(descriptor_.Number()) == 0, path_); }
+
+    void TakeRightsOf(const std::filesystem::path& other) override {
+        struct stat status {};
+        if (stat(other.c_str(), &status) == 0) {
+            Check(fchmod(descriptor_.Number(), status.st_mode & 07777) == 0, path_);
+            // The owner can be kept only by a privileged user; the rights are what counts.
+            [[maybe_unused]] const int ignored = fchown(descriptor_.Number(), status.st_uid, status.st_gid);
+            return;
+        }
+        const mode_t mask = umask(0);
+        umask(mask);
+        Check(fchmod(descriptor_.Number(), 0666 & ~mask) == 0, path_);
+    }
+
+private:
+    std::filesystem::path path_;
+    Descriptor descriptor_;
+};
+
+class SystemFileSystem : public FileSystem {
+public:
+    std::unique_ptr<LockedFile> CreateLocked(const std::filesystem::path& file) override {
+        return std::make_unique<SystemLockedFile>(file);
+    }
+
+    void Replace(const std::filesystem::path& from, const std::filesystem::path& to) override {
+        Check(rename(from.c_str(), to.c_str()) == 0, to);
+    }
+
+    bool AddName(const std::filesystem::path& file, const std::filesystem::path& name) override {
+        if (link(file.c_str(), name.c_str()) == 0)
+            return true;
+        if (errno != EEXIST)
+            Fail(name, errno);
+        return false;
+    }
+
+    void SyncFolder(const std::filesystem::path& folder) override {
+        const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        Check(descriptor.IsOpen(), folder);
+        // Some file systems do not know this call for folders; they order names by themselves.
+        Check(fsync(descriptor.Number()) == 0 || errno == EINVAL, folder);
+    }
+
+    void Remove(const std::filesystem::path& file) noexcept override { unlink(file.c_str()); }
+
+    void RemoveIfAbandoned(const std::filesystem::path& file) noexcept override {
+        const Descriptor descriptor(open(file.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        if (descriptor.IsOpen() && flock(descriptor.Number(), LOCK_EX | LOCK_NB) == 0)
+            unlink(file.c_str());
+    }
+};
+
+} // namespace
+
+std::shared_ptr<FileSystem> SystemFiles() {
+    return std::make_shared<SystemFileSystem>();
+}

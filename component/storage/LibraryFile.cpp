@@ -1,0 +1,228 @@
+#include "component/storage/LibraryFile.h"
+
+#include "component/storage/ByteCodec.h"
+#include "component/storage/Schema.h"
+
+#include <array>
+
+namespace {
+
+struct RecordSource {
+    BlobKind kind;
+    const char* all;
+    const char* one;
+};
+
+constexpr std::array<RecordSource, 3> Sources = {{
+    {BlobKind::MapRecord, "SELECT id, record FROM map ORDER BY id", "SELECT record FROM map WHERE id = ?1"},
+    {BlobKind::IconRecord, "SELECT id, record FROM icon ORDER BY id",
+     "SELECT record FROM icon WHERE id = ?1"},
+    {BlobKind::MetadataRecord, "SELECT id, record FROM metadata ORDER BY id",
+     "SELECT record FROM metadata WHERE id = ?1"},
+}};
+
+const RecordSource& SourceOf(BlobKind kind) {
+    for (const RecordSource& source : Sources)
+        if (source.kind == kind)
+            return source;
+    throw ComponentError(ErrorNumber::InvalidArgument, "There is no such record.");
+}
+
+std::string NameOf(const RecordKey& key) {
+    const std::string number = std::to_string(key.second);
+    switch (key.first) {
+    case BlobKind::MapRecord:
+        return "the record of map " + number;
+    case BlobKind::IconRecord:
+        return "the record of icon " + number;
+    default:
+        return "the metadata of number " + number;
+    }
+}
+
+/// All or nothing is read from one state of the file, whatever another program does meanwhile.
+class ReadTransaction {
+public:
+    explicit ReadTransaction(Database& database) : database_(database), own_(!database.InTransaction()) {
+        if (own_)
+            database_.Execute("BEGIN");
+    }
+    ~ReadTransaction() {
+        try {
+            if (own_ && database_.InTransaction())
+                database_.Execute("COMMIT");
+        } catch (const ComponentError&) {
+            // Nothing was written; the lock goes with the connection at the latest.
+        }
+    }
+    ReadTransaction(const ReadTransaction&) = delete;
+    ReadTransaction& operator=(const ReadTransaction&) = delete;
+
+private:
+    Database& database_;
+    bool own_;
+};
+
+std::unique_ptr<Database> OpenChecked(const std::filesystem::path& file, const std::string& shownName) {
+    RequireRegularFile(file);
+    auto database = std::make_unique<Database>(file, Database::Mode::Existing, shownName);
+    database->Execute("PRAGMA synchronous=EXTRA");
+    const ReadTransaction reading(*database);
+    CheckLibraryFile(*database);
+    return database;
+}
+
+} // namespace
+
+void RequireRegularFile(const std::filesystem::path& file) {
+    std::error_code error;
+    const auto status = std::filesystem::status(file, error);
+    const std::string name = file.string();
+    if (status.type() == std::filesystem::file_type::not_found)
+        throw ComponentError(ErrorNumber::FileNotFound, "There is no file '" + name + "'.");
+    if (error)
+        throw ComponentError(ErrorNumber::FileNotReadable,
+                             "The file '" + name + "' could not be opened: " + error.message() + ".");
+    if (status.type() == std::filesystem::file_type::directory)
+        throw ComponentError(ErrorNumber::FileNotReadable, "'" + name + "' is a folder, not a file.");
+    if (status.type() != std::filesystem::file_type::regular)
+        throw ComponentError(ErrorNumber::FileNotReadable, "'" + name + "' is a device, not a file.");
+}
+
+LibraryFile::LibraryFile(std::filesystem::path path, std::unique_ptr<Database> database)
+    : path_(std::move(path)), opening_(std::move(database)) {
+    row_ = ReadHeaderRow(*opening_);
+    header_ = DecodeHeader(*opening_, row_);
+}
+
+bool LibraryFile::IsSealed(const std::filesystem::path& file) {
+    const LibraryFile opened(file, OpenChecked(file, file.string()));
+    return opened.header_.sealed;
+}
+
+std::unique_ptr<LibraryFile> LibraryFile::Open(const std::filesystem::path& file, const std::string& key,
+                                               const std::string& shownName) {
+    std::unique_ptr<LibraryFile> opened(new LibraryFile(file, OpenChecked(file, shownName)));
+    try {
+        auto form = Envelope::Of(opened->header_, opened->row_.header, opened->row_.mac, key);
+        if (!form)
+            return nullptr;
+        opened->Accept(std::move(form));
+    } catch (const MalformedRecord& malformed) {
+        Database& database = opened->opening_ ? *opened->opening_ : opened->File();
+        database.Damaged(malformed.what());
+    }
+    return opened;
+}
+
+std::unique_ptr<LibraryFile> LibraryFile::Open(const std::filesystem::path& file,
+                                               std::shared_ptr<const Envelope> form,
+                                               const std::string& shownName) {
+    std::unique_ptr<LibraryFile> opened(new LibraryFile(file, OpenChecked(file, shownName)));
+    if (form->MacOf(opened->row_.header) != opened->row_.mac || form->Id() != opened->header_.id)
+        opened->opening_->Damaged("its header does not match its digest");
+    opened->Accept(std::move(form));
+    return opened;
+}
+
+LibraryFile::HeaderRow LibraryFile::ReadHeaderRow(Database& database) {
+    Statement select(database, "SELECT id, header, mac FROM library");
+    if (!select.Step() || select.Integer(0) != 1 || select.Blob(1).size() != FileHeader::EncodedSize ||
+        select.Blob(2).size() != std::tuple_size_v<HeaderMac>)
+        database.Damaged("it has no header");
+    HeaderRow row;
+    row.header.assign(select.Blob(1).begin(), select.Blob(1).end());
+    std::copy(select.Blob(2).begin(), select.Blob(2).end(), row.mac.begin());
+    if (select.Step())
+        database.Damaged("it has two headers");
+    return row;
+}
+
+FileHeader LibraryFile::DecodeHeader(Database& database, const HeaderRow& row) {
+    try {
+        const FileHeader header = FileHeader::Decode(row.header);
+        if (header.version != FormatVersion)
+            database.Damaged("its header names another format version");
+        return header;
+    } catch (const MalformedRecord& malformed) {
+        database.Damaged(std::string("its header cannot be read: ") + malformed.what());
+    }
+}
+
+void LibraryFile::Accept(std::shared_ptr<const Envelope> form) {
+    container_ = std::make_shared<Container>(std::move(opening_), std::move(form));
+    ReadRecords();
+}
+
+void LibraryFile::ReadRecords() {
+    const ReadTransaction reading(File());
+    if (ReadHeaderRow(File()) != row_)
+        throw ComponentError(ErrorNumber::FileChanged,
+                             "The file '" + File().ShownName() + "' was changed while it was opened.");
+    for (const RecordSource& source : Sources) {
+        Statement rows(File(), source.all);
+        while (rows.Step()) {
+            const RecordKey key{source.kind, rows.Integer(0)};
+            records_[key].stored = container_->Form().DigestOf(rows.Blob(1));
+        }
+    }
+    if (container_->Form().RootOf(RecordListOf(records_)) != header_.root)
+        File().Damaged("its records do not match their digest");
+}
+
+Bytes LibraryFile::RecordOf(const RecordKey& key) {
+    const auto record = records_.find(key);
+    Statement select(File(), SourceOf(key.first).one);
+    if (record == records_.end() || !select.Bind(1, key.second).Step())
+        File().Damaged(NameOf(key) + " is missing");
+    Bytes plain;
+    if (!container_->Form().Open(key.first, key.second, select.Blob(0), record->second.stored, plain))
+        File().Damaged(NameOf(key) + " does not match its digest");
+    record->second.plain = PlainDigest(plain);
+    return plain;
+}
+
+LibraryState LibraryFile::ReadState() {
+    const ReadTransaction reading(File());
+    LibraryState state;
+    for (const auto& [key, digests] : records_) {
+        try {
+            if (key.first == BlobKind::MapRecord) {
+                state.maps.push_back(std::make_shared<MapState>(
+                    MapState{key.second, MapRecord::Decode(RecordOf(key)), {}, container_}));
+                state.maps.back()->metadata =
+                    DecodeMetadata(RecordOf({BlobKind::MetadataRecord, key.second}));
+            } else if (key.first == BlobKind::IconRecord) {
+                state.icons.push_back(std::make_shared<IconState>(
+                    IconState{key.second, IconRecord::Decode(RecordOf(key)), {}, container_}));
+                state.icons.back()->metadata =
+                    DecodeMetadata(RecordOf({BlobKind::MetadataRecord, key.second}));
+            }
+        } catch (const MalformedRecord& malformed) {
+            File().Damaged(NameOf(key) + " cannot be read: " + malformed.what());
+        }
+    }
+    if (state.maps.size() != static_cast<std::size_t>(header_.mapCount) ||
+        state.icons.size() != static_cast<std::size_t>(header_.iconCount))
+        File().Damaged("its counts are not those of its header");
+    return state;
+}
+
+void LibraryFile::RequireUnchanged() const {
+    if (File().HasMoved() || ReadHeaderRow(File()) != row_)
+        throw ComponentError(ErrorNumber::FileChanged,
+                             "The file '" + File().ShownName() +
+                                 "' was changed by another program since it was opened. Use Save As to keep "
+                                 "your version under another name.");
+}
+
+bool LibraryFile::Holds(const FileHeader& header) const {
+    return ReadHeaderRow(File()).header == header.Encode();
+}
+
+void LibraryFile::Saved(const FileHeader& header, RecordTable records) {
+    header_ = header;
+    row_.header = header.Encode();
+    row_.mac = container_->Form().MacOf(row_.header);
+    records_ = std::move(records);
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "component/storage/FileHeader.h"
+#include "component/storage/LibraryState.h"
+
+#include <filesystem>
+
+/// A library file that is open. Opening reads header and records and checks them against the digest tree;
+/// tiles are read when they are looked at.
+class LibraryFile {
+public:
+    /// Whether the file is sealed. Reads a flag only. Throws what opening throws.
+    static bool IsSealed(const std::filesystem::path& file);
+
+    /// Nothing when the key is wrong. Throws FileNotFound, FileNotReadable, NotALibrary, NewerVersion,
+    /// FileDamaged, FileLocked. `shownName` is the name that error sentences give.
+    static std::unique_ptr<LibraryFile> Open(const std::filesystem::path& file, const std::string& key,
+                                             const std::string& shownName);
+    /// With the envelope known: no key derivation.
+    static std::unique_ptr<LibraryFile> Open(const std::filesystem::path& file,
+                                             std::shared_ptr<const Envelope> form,
+                                             const std::string& shownName);
+
+    const std::filesystem::path& Path() const { return path_; }
+    const FileHeader& Header() const { return header_; }
+    const std::shared_ptr<Container>& Tiles() const { return container_; }
+    Database& File() const { return container_->File(); }
+    const RecordTable& Records() const { return records_; }
+
+    /// The maps and icons as stored; each call gives fresh copies.
+    LibraryState ReadState();
+
+    /// Throws FileChanged unless the path still names this file and its header is the one that was read or
+    /// last saved. To be called while the write lock is held.
+    void RequireUnchanged() const;
+    /// Whether this header is the one that stands in the file now.
+    bool Holds(const FileHeader& header) const;
+    /// Takes over header and records that have been committed to this file.
+    void Saved(const FileHeader& header, RecordTable records);
+
+private:
+    LibraryFile(std::filesystem::path path, std::unique_ptr<Database> database);
+    struct HeaderRow {
+        Bytes header;
+        HeaderMac mac{};
+        bool operator==(const HeaderRow&) const = default;
+    };
+    static HeaderRow ReadHeaderRow(Database& database);
+    static FileHeader DecodeHeader(Database& database, const HeaderRow& row);
+    void Accept(std::shared_ptr<const Envelope> form);
+    void ReadRecords();
+    Bytes RecordOf(const RecordKey& key);
+
+    std::filesystem::path path_;
+    std::unique_ptr<Database> opening_; ///< until the key is known to fit
+    HeaderRow row_;
+    FileHeader header_;
+    std::shared_ptr<Container> container_;
+    RecordTable records_;
+};
+
+/// Throws unless the path names a regular file: a folder, device or pipe is never opened.
+void RequireRegularFile(const std::filesystem::path& file);

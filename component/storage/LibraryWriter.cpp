@@ -1,0 +1,179 @@
+#include "component/storage/LibraryWriter.h"
+
+#include "component/storage/ByteCodec.h"
+#include "component/storage/TileDirectory.h"
+
+#include <set>
+
+namespace {
+
+struct RecordTarget {
+    const char* put;
+    const char* get;
+    const char* remove;
+};
+
+RecordTarget TargetOf(BlobKind kind) {
+    switch (kind) {
+    case BlobKind::MapRecord:
+        return {"INSERT OR REPLACE INTO map(id, record) VALUES(?1, ?2)",
+                "SELECT record FROM map WHERE id = ?1", "DELETE FROM map WHERE id = ?1"};
+    case BlobKind::IconRecord:
+        return {"INSERT OR REPLACE INTO icon(id, record) VALUES(?1, ?2)",
+                "SELECT record FROM icon WHERE id = ?1", "DELETE FROM icon WHERE id = ?1"};
+    default:
+        return {"INSERT OR REPLACE INTO metadata(id, record) VALUES(?1, ?2)",
+                "SELECT record FROM metadata WHERE id = ?1", "DELETE FROM metadata WHERE id = ?1"};
+    }
+}
+
+} // namespace
+
+LibraryWriter::LibraryWriter(std::shared_ptr<Container> target, RecordTable former, const LibraryState& state)
+    : target_(std::move(target)), former_(std::move(former)), state_(state) {}
+
+std::int64_t LibraryWriter::Work() const {
+    auto work = static_cast<std::int64_t>(1 + state_.maps.size() + state_.icons.size());
+    for (const auto& map : state_.maps)
+        if (map->container != target_)
+            work += map->record.Layout().Entries();
+    return work;
+}
+
+void LibraryWriter::Write(FileHeader& header, Progress& progress) {
+    records_ = former_;
+    RemoveGoneRecords();
+    for (const auto& map : state_.maps) {
+        WriteMap(map, progress);
+        progress.Add(1);
+    }
+    for (const auto& icon : state_.icons) {
+        progress.ThrowIfCancelled();
+        WriteIcon(icon);
+        progress.Add(1);
+    }
+    WriteHeader(header);
+    progress.ThrowIfCancelled();
+    progress.Add(1);
+}
+
+void LibraryWriter::RemoveGoneRecords() {
+    std::set<std::int64_t> staying;
+    for (const auto& map : state_.maps)
+        staying.insert(map->id);
+    for (const auto& icon : state_.icons)
+        staying.insert(icon->id);
+    for (const auto& [key, digests] : former_) {
+        if (staying.contains(key.second))
+            continue;
+        if (key.first == BlobKind::MapRecord)
+            RemoveTilesOf(key.second);
+        if (key.first == BlobKind::IconRecord)
+            RemovePictureOf(key.second);
+        Statement(target_->File(), TargetOf(key.first).remove).Bind(1, key.second).Run();
+        records_.erase(key);
+    }
+}
+
+Bytes LibraryWriter::FormerRecord(const RecordKey& key) {
+    Statement select(target_->File(), TargetOf(key.first).get);
+    Bytes plain;
+    if (!select.Bind(1, key.second).Step() ||
+        !target_->Form().Open(key.first, key.second, select.Blob(0), former_.at(key).stored, plain))
+        target_->File().Damaged("a record does not match its digest");
+    return plain;
+}
+
+void LibraryWriter::RemoveTilesOf(std::int64_t mapId) {
+    const MapRecord record = MapRecord::Decode(FormerRecord({BlobKind::MapRecord, mapId}));
+    const PyramidLayout layout = record.Layout();
+    TileReader reader(target_, layout, record.pages, record.name);
+    for (std::int64_t entry = 0; entry < layout.Entries(); ++entry) {
+        try {
+            target_->Remove(BlobKind::Tile, reader.Entry(entry).number);
+        } catch (const ComponentError& error) {
+            // A damaged page hides which tiles it lists. They stay as free cargo until the file is written
+            // anew; the map must be removable all the same.
+            if (error.Number() != ErrorNumber::FileDamaged)
+                throw;
+            entry += EntriesPerPage - 1 - entry % EntriesPerPage;
+        }
+    }
+    for (const PageRef& page : record.pages)
+        target_->Remove(BlobKind::DirectoryPage, page.number);
+}
+
+void LibraryWriter::RemovePictureOf(std::int64_t iconId) {
+    const IconRecord record = IconRecord::Decode(FormerRecord({BlobKind::IconRecord, iconId}));
+    target_->Remove(BlobKind::IconPicture, record.picture.number);
+}
+
+void LibraryWriter::WriteMap(const std::shared_ptr<MapState>& map, Progress& progress) {
+    progress.ThrowIfCancelled();
+    MapRecord record = map->record;
+    if (map->container != target_) {
+        const PyramidLayout layout = record.Layout();
+        TileReader reader(map->container, layout, record.pages, map->Name());
+        record.pages = CopyTiles(reader, *map->container, layout, record.pages, *target_, nullptr, progress);
+        placed_.maps.push_back({map, record.pages});
+    }
+    WriteRecord({BlobKind::MapRecord, map->id}, record.Encode());
+    WriteRecord({BlobKind::MetadataRecord, map->id}, EncodeMetadata(map->metadata));
+}
+
+void LibraryWriter::WriteIcon(const std::shared_ptr<IconState>& icon) {
+    IconRecord record = icon->record;
+    if (icon->container != target_) {
+        record.picture = CopyPicture(*icon, *target_, nullptr);
+        placed_.icons.push_back({icon, record.picture});
+    }
+    WriteRecord({BlobKind::IconRecord, icon->id}, record.Encode());
+    WriteRecord({BlobKind::MetadataRecord, icon->id}, EncodeMetadata(icon->metadata));
+}
+
+void LibraryWriter::WriteRecord(const RecordKey& key, ByteSpan plain) {
+    const Digest content = PlainDigest(plain);
+    const auto former = former_.find(key);
+    if (former != former_.end() && former->second.plain == content)
+        return;
+    const ClosedBlob closed = target_->Form().Close(key.first, key.second, plain);
+    Statement(target_->File(), TargetOf(key.first).put).Bind(1, key.second).Bind(2, closed.bytes).Run();
+    records_[key] = {closed.digest, content};
+}
+
+void LibraryWriter::WriteHeader(FileHeader& header) {
+    target_->Form().Describe(header);
+    header.mapCount = static_cast<std::int32_t>(state_.maps.size());
+    header.iconCount = static_cast<std::int32_t>(state_.icons.size());
+    header.root = target_->Form().RootOf(RecordListOf(records_));
+    const Bytes encoded = header.Encode();
+    const HeaderMac mac = target_->Form().MacOf(encoded);
+    Statement(target_->File(), "INSERT OR REPLACE INTO library(id, header, mac) VALUES(1, ?1, ?2)")
+        .Bind(1, encoded)
+        .Bind(2, mac)
+        .Run();
+}
+
+void LibraryWriterResult::Apply(const std::shared_ptr<Container>& container) {
+    for (PlacedMap& placed : maps) {
+        placed.map->record.pages = std::move(placed.pages);
+        placed.map->container = container;
+    }
+    for (const PlacedIcon& placed : icons) {
+        placed.icon->record.picture = placed.picture;
+        placed.icon->container = container;
+    }
+}
+
+BlobRef CopyPicture(const IconState& icon, Container& to, NumberSource* fresh) {
+    BlobRef ref = icon.record.picture;
+    Bytes plain;
+    if (!icon.container->Get(BlobKind::IconPicture, ref.number, ref.digest, plain))
+        icon.container->File().Damaged("the picture of icon '" + icon.Name() + "' does not match its digest");
+    if (fresh != nullptr)
+        ref.number = fresh->Take();
+    const ClosedBlob closed = to.Put(BlobKind::IconPicture, ref.number, plain);
+    ref.length = static_cast<std::uint32_t>(closed.bytes.size());
+    ref.digest = closed.digest;
+    return ref;
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "base/Progress.h"
+#include "component/storage/FileHeader.h"
+#include "component/storage/LibraryState.h"
+
+/// Where maps and icons lie after they were copied into another file.
+struct LibraryWriterResult {
+    struct PlacedMap {
+        std::shared_ptr<MapState> map;
+        std::vector<PageRef> pages;
+    };
+    struct PlacedIcon {
+        std::shared_ptr<IconState> icon;
+        BlobRef picture;
+    };
+    std::vector<PlacedMap> maps;
+    std::vector<PlacedIcon> icons;
+
+    /// Once the file has been committed: the copied maps and icons now lie in this container.
+    void Apply(const std::shared_ptr<Container>& container);
+};
+
+/// Writes a library's state into a file inside the caller's transaction: what the file lacks or has in
+/// another version is written, what it holds beyond the state is removed. The state itself stays as it is
+/// until the result is applied, so that a failed or cancelled save changes nothing in memory.
+class LibraryWriter {
+public:
+    /// `former` is what the file holds now: nothing for a new one.
+    LibraryWriter(std::shared_ptr<Container> target, RecordTable former, const LibraryState& state);
+
+    /// Work that Write adds to the progress: tiles to copy and records to look at.
+    std::int64_t Work() const;
+    /// `header` comes with generation and next number; counts, root and description are filled in.
+    void Write(FileHeader& header, Progress& progress);
+
+    const RecordTable& Records() const { return records_; }
+    LibraryWriterResult TakeResult() { return std::move(placed_); }
+
+private:
+    void RemoveGoneRecords();
+    void RemoveTilesOf(std::int64_t mapId);
+    void RemovePictureOf(std::int64_t iconId);
+    Bytes FormerRecord(const RecordKey& key);
+    void WriteMap(const std::shared_ptr<MapState>& map, Progress& progress);
+    void WriteIcon(const std::shared_ptr<IconState>& icon);
+    void WriteRecord(const RecordKey& key, ByteSpan plain);
+    void WriteHeader(FileHeader& header);
+
+    std::shared_ptr<Container> target_;
+    RecordTable former_;
+    RecordTable records_;
+    const LibraryState& state_;
+    LibraryWriterResult placed_;
+};
+
+/// Copies an icon's picture into another container; as CopyTiles.
+BlobRef CopyPicture(const IconState& icon, Container& to, NumberSource* fresh);

@@ -1,0 +1,109 @@
+#include "component/storage/Saving.h"
+
+#include "component/storage/FileReplacement.h"
+#include "component/storage/Schema.h"
+#include "component/storage/Verification.h"
+
+namespace {
+
+/// A failed commit is one thing, a commit whose folder could not be made durable another: SQLite reports an
+/// error for both, but in the second case the new state stands in the file.
+void Commit(LibraryFile& file, Transaction& transaction, const FileHeader& header) {
+    try {
+        transaction.Commit();
+    } catch (const ComponentError&) {
+        if (file.File().InTransaction() || !file.Holds(header))
+            throw;
+    }
+}
+
+} // namespace
+
+void SaveInPlace(LibraryFile& file, const LibraryState& state, const NumberSource& numbers,
+                 std::unique_ptr<Transaction> begun, Progress& progress) {
+    if (!begun) {
+        begun = std::make_unique<Transaction>(file.File());
+        file.RequireUnchanged();
+    } else if (file.File().HasMoved()) {
+        file.RequireUnchanged();
+    }
+    LibraryWriter writer(file.Tiles(), file.Records(), state);
+    FileHeader header = file.Header();
+    ++header.generation;
+    header.nextNumber = numbers.Next();
+    writer.Write(header, progress);
+    Commit(file, *begun, header);
+    file.Saved(header, writer.Records());
+    writer.TakeResult().Apply(file.Tiles());
+}
+
+bool IsMostlyFree(LibraryFile& file) {
+    return file.File().Number("PRAGMA freelist_count") * 4 > file.File().Number("PRAGMA page_count");
+}
+
+std::int64_t NewFileWork(const LibraryState& state) {
+    auto work = static_cast<std::int64_t>(1 + state.maps.size() + state.icons.size());
+    for (const auto& map : state.maps)
+        work += 2 * map->record.Layout().Entries(); // written, then read back
+    return work;
+}
+
+namespace {
+
+/// Fills the temporary and closes it again; gives the header that it has now.
+FileHeader Fill(const FileReplacement& replacement, const NewFileRequest& request,
+                LibraryWriterResult& result, const LibraryState& state, const NumberSource& numbers,
+                Progress& progress) {
+    auto database =
+        std::make_unique<Database>(replacement.Temporary(), Database::Mode::Fill, request.target.string());
+    CreateLibrarySchema(*database);
+    const auto container = std::make_shared<Container>(std::move(database), request.form);
+    LibraryWriter writer(container, {}, state);
+    FileHeader header;
+    header.generation = request.generation;
+    header.nextNumber = numbers.Next();
+    Transaction transaction(container->File());
+    writer.Write(header, progress);
+    transaction.Commit();
+    result = writer.TakeResult();
+    return header;
+}
+
+/// Reads the new file back before anything is given up for it: what a full or failing disk swallowed without
+/// a word shows here.
+void ReadBack(const FileReplacement& replacement, const NewFileRequest& request, Progress& progress) {
+    const auto written = LibraryFile::Open(replacement.Temporary(), request.form, request.target.string());
+    VerifyTiles(written->ReadState(), progress, [&](const std::string& object, const std::string&) {
+        throw ComponentError(ErrorNumber::FileNotWritable,
+                             "The file '" + request.target.string() +
+                                 "' could not be written: what was written for " + object +
+                                 " reads back otherwise.");
+    });
+}
+
+} // namespace
+
+std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& files,
+                                           const NewFileRequest& request, const LibraryState& state,
+                                           const NumberSource& numbers, Progress& progress) {
+    std::unique_ptr<Transaction> held;
+    if (request.replaced != nullptr) {
+        if (!request.replaced->File().InTransaction())
+            held = std::make_unique<Transaction>(request.replaced->File());
+        request.replaced->RequireUnchanged();
+    }
+    FileReplacement replacement(files, request.target);
+    LibraryWriterResult result;
+    const FileHeader header = Fill(replacement, request, result, state, numbers, progress);
+    replacement.Sync();
+    ReadBack(replacement, request, progress);
+    progress.ThrowIfCancelled();
+    replacement.TakePlace(request.replaced == nullptr);
+    auto file = LibraryFile::Open(request.target, request.form, request.target.string());
+    if (!file->Holds(header))
+        file->RequireUnchanged();
+    file->ReadState();
+    result.Apply(file->Tiles());
+    replacement.SyncFolder();
+    return file;
+}

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "component/storage/FileSystem.h"
+#include "component/storage/LibraryFile.h"
+#include "component/storage/LibraryWriter.h"
+
+/// Writes the state into the open file in one transaction: it costs what changed. `begun` is a transaction on
+/// the file that has been begun already (it is committed too), or nothing. Throws FileChanged when another
+/// program changed or replaced the file since it was opened. Any failure leaves the file as it was.
+void SaveInPlace(LibraryFile& file, const LibraryState& state, const NumberSource& numbers,
+                 std::unique_ptr<Transaction> begun, Progress& progress);
+
+/// Whether more than a quarter of the file's pages are free.
+bool IsMostlyFree(LibraryFile& file);
+
+/// What a new file is made of.
+struct NewFileRequest {
+    std::filesystem::path target;
+    std::shared_ptr<const Envelope> form;
+    /// The open file when it is the one that is replaced: its write lock is held until the new one is in
+    /// place, and it must be unchanged. Nothing: a file that stands at the target is kept as a .bak.
+    LibraryFile* replaced = nullptr;
+    std::int64_t generation = 0;
+};
+
+/// Work that SaveAsNewFile adds to the progress.
+std::int64_t NewFileWork(const LibraryState& state);
+
+/// Builds the file beside its target, makes it durable, reads it back and puts it in place; then the state's
+/// maps and icons lie in it. Gives the new file, open. Any failure leaves the target as it was.
+std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& files,
+                                           const NewFileRequest& request, const LibraryState& state,
+                                           const NumberSource& numbers, Progress& progress);

@@ -1,0 +1,100 @@
+#include "component/storage/Schema.h"
+
+#include "component/storage/FileHeader.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace {
+
+struct TableText {
+    const char* name;
+    const char* sql;
+};
+
+/// The stored texts must equal these byte for byte, so that no file brings a view, trigger or index along.
+constexpr std::array<TableText, 6> Tables = {{
+    {"library", "CREATE TABLE library(id INTEGER PRIMARY KEY, header BLOB NOT NULL, mac BLOB NOT NULL)"},
+    {"map", "CREATE TABLE map(id INTEGER PRIMARY KEY, record BLOB NOT NULL)"},
+    {"icon", "CREATE TABLE icon(id INTEGER PRIMARY KEY, record BLOB NOT NULL)"},
+    {"metadata", "CREATE TABLE metadata(id INTEGER PRIMARY KEY, record BLOB NOT NULL)"},
+    {"tile_index", "CREATE TABLE tile_index(id INTEGER PRIMARY KEY, data BLOB NOT NULL)"},
+    {"blob", "CREATE TABLE blob(id INTEGER PRIMARY KEY, data BLOB NOT NULL)"},
+}};
+
+constexpr std::string_view SqliteMagic("SQLite format 3\0", 16);
+constexpr int SqliteHeaderSize = 100;
+
+std::int64_t BigEndian(const Bytes& bytes, std::size_t at, std::size_t length) {
+    std::int64_t value = 0;
+    for (std::size_t i = 0; i < length; ++i)
+        value = value << 8 | bytes[at + i];
+    return value;
+}
+
+[[noreturn]] void NotALibrary(const Database& database) {
+    throw ComponentError(ErrorNumber::NotALibrary,
+                         "The file '" + database.ShownName() + "' is not a map library.");
+}
+
+/// What can be told from the first bytes, before SQLite reads anything.
+void CheckFirstBytes(const Database& database) {
+    const std::int64_t size = database.FileSize();
+    if (size == 0)
+        throw ComponentError(ErrorNumber::NotALibrary,
+                             "The file '" + database.ShownName() + "' is empty; it is not a map library.");
+    const Bytes start = database.ReadRaw(0, static_cast<int>(std::min<std::int64_t>(size, SqliteHeaderSize)));
+    const std::string_view text(reinterpret_cast<const char*>(start.data()), start.size());
+    if (!text.starts_with(SqliteMagic.substr(0, std::min(start.size(), SqliteMagic.size()))))
+        NotALibrary(database);
+    if (size < SqliteHeaderSize)
+        database.Damaged("it breaks off");
+    if (BigEndian(start, 68, 4) != ApplicationId)
+        NotALibrary(database);
+    const std::int64_t version = BigEndian(start, 60, 4);
+    if (version > FormatVersion)
+        throw ComponentError(ErrorNumber::NewerVersion,
+                             "The file '" + database.ShownName() + "' has format version " +
+                                 std::to_string(version) + "; this program reads versions up to " +
+                                 std::to_string(FormatVersion) + ".");
+    if (version < 1 || BigEndian(start, 16, 2) != PageSize || start[18] != 1 || start[19] != 1)
+        database.Damaged("its first page is not that of a map library");
+}
+
+void CheckSchema(Database& database) {
+    Statement rows(database, "SELECT type, name, tbl_name, sql FROM sqlite_schema ORDER BY rowid");
+    for (const TableText& table : Tables)
+        if (!rows.Step() || rows.Text(0) != "table" || rows.Text(1) != table.name ||
+            rows.Text(2) != table.name || rows.Text(3) != table.sql)
+            database.Damaged("its tables are not those of a map library");
+    if (rows.Step())
+        database.Damaged("it holds a table that no map library has");
+}
+
+} // namespace
+
+void CreateLibrarySchema(Database& database) {
+    database.Execute(("PRAGMA page_size=" + std::to_string(PageSize) + ";PRAGMA application_id=" +
+                      std::to_string(ApplicationId) + ";PRAGMA user_version=" + std::to_string(FormatVersion))
+                         .c_str());
+    for (const TableText& table : Tables)
+        database.Execute(table.sql);
+}
+
+void CreateScratchSchema(Database& database) {
+    database.Execute(("PRAGMA page_size=" + std::to_string(PageSize)).c_str());
+    database.Execute(Tables[4].sql);
+    database.Execute(Tables[5].sql);
+}
+
+void CheckLibraryFile(Database& database) {
+    CheckFirstBytes(database);
+    // The first look takes SQLite's lock and brings back a file that was left in the middle of a save.
+    database.Number("SELECT count(*) FROM sqlite_schema");
+    CheckFirstBytes(database);
+    const Bytes start = database.ReadRaw(0, SqliteHeaderSize);
+    if (BigEndian(start, 28, 4) * PageSize != database.FileSize())
+        database.Damaged("its length is not what it says");
+    CheckSchema(database);
+}

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "component/storage/Database.h"
+
+/// "Atlx" in ASCII: marks a file as a map library for SQLite and for tools that recognise files.
+inline constexpr std::int64_t ApplicationId = 0x41746C78;
+inline constexpr std::int64_t PageSize = 8192;
+
+/// Makes the tables of a library in an empty database.
+void CreateLibrarySchema(Database& database);
+/// Makes the two tables that unsaved tiles need in an empty database.
+void CreateScratchSchema(Database& database);
+
+/// Checks that the file is a library of a version that is read, whole and with our tables and nothing else,
+/// before anything in it is believed. Throws NotALibrary, NewerVersion, FileDamaged, or an I/O error.
+void CheckLibraryFile(Database& database);

@@ -1,0 +1,93 @@
+#include "component/storage/Scratch.h"
+
+#include "component/storage/Schema.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+
+namespace {
+
+constexpr std::string_view NameStart = "unsaved-";
+constexpr std::string_view NameEnding = ".scratch";
+
+/// The scratch file with the lock that tells others it is in use.
+class ScratchFile {
+public:
+    ScratchFile(std::shared_ptr<FileSystem> files, std::filesystem::path path,
+                std::shared_ptr<const Envelope> form)
+        : files_(std::move(files)), path_(std::move(path)), locked_(files_->CreateLocked(path_)) {
+        try {
+            auto database = std::make_unique<Database>(path_, Database::Mode::Fill, path_.string());
+            // Kept in memory: an import that fails is undone, a crash needs nothing of this file.
+            database->Execute("PRAGMA journal_mode=MEMORY");
+            CreateScratchSchema(*database);
+            container_ = std::make_unique<Container>(std::move(database), std::move(form));
+        } catch (const ComponentError&) {
+            files_->Remove(path_);
+            throw;
+        }
+    }
+    ~ScratchFile() {
+        container_.reset();
+        files_->Remove(path_);
+    }
+    ScratchFile(const ScratchFile&) = delete;
+    ScratchFile& operator=(const ScratchFile&) = delete;
+
+    Container* Tiles() { return container_.get(); }
+
+private:
+    std::shared_ptr<FileSystem> files_;
+    std::filesystem::path path_;
+    std::unique_ptr<FileSystem::LockedFile> locked_;
+    std::unique_ptr<Container> container_;
+};
+
+void SweepAbandoned(FileSystem& files, const std::filesystem::path& folder) {
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        const std::string name = entry->path().filename().string();
+        if (name.starts_with(NameStart) && name.ends_with(NameEnding))
+            files.RemoveIfAbandoned(entry->path());
+    }
+}
+
+std::string UniqueName() {
+    std::uint64_t random = 0;
+    FillRandom(reinterpret_cast<std::uint8_t*>(&random), sizeof(random));
+    return std::string(NameStart) + std::to_string(getpid()) + "-" + std::to_string(random) +
+           std::string(NameEnding);
+}
+
+std::string Environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+} // namespace
+
+std::filesystem::path UserCacheFolder() {
+    const std::string cache = Environment("XDG_CACHE_HOME");
+    const std::string home = Environment("HOME");
+    std::filesystem::path folder = !cache.empty()  ? std::filesystem::path(cache)
+                                   : !home.empty() ? std::filesystem::path(home) / ".cache"
+                                                   : std::filesystem::temp_directory_path();
+    folder /= "quorvant-studio";
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error)
+        throw ComponentError(ErrorNumber::FileNotWritable, "The folder '" + folder.string() +
+                                                               "' could not be made: " + error.message() +
+                                                               ".");
+    return folder;
+}
+
+std::shared_ptr<Container> MakeScratch(const std::shared_ptr<FileSystem>& files, const std::string& folder,
+                                       std::shared_ptr<const Envelope> form) {
+    const std::filesystem::path place = folder.empty() ? UserCacheFolder() : std::filesystem::path(folder);
+    SweepAbandoned(*files, place);
+    auto file = std::make_shared<ScratchFile>(files, place / UniqueName(), std::move(form));
+    return {file, file->Tiles()};
+}

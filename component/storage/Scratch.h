@@ -1,0 +1,13 @@
+#pragma once
+
+#include "component/storage/Container.h"
+#include "component/storage/FileSystem.h"
+
+/// A private file for tiles that are not saved yet. They stand in it in the form in which they will be
+/// stored, so that saving copies them as they are. It goes away with the last map that needs it; one that a
+/// killed program left is swept by the next start. An empty folder name means the user's cache folder.
+std::shared_ptr<Container> MakeScratch(const std::shared_ptr<FileSystem>& files, const std::string& folder,
+                                       std::shared_ptr<const Envelope> form);
+
+/// The user's cache folder for this program; made when it is missing.
+std::filesystem::path UserCacheFolder();

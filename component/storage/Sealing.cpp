@@ -1,0 +1,127 @@
+#include "component/storage/Sealing.h"
+
+#include "base/ComponentError.h"
+
+#include <sodium.h>
+#include <utf8proc.h>
+
+#include <cstring>
+#include <new>
+
+namespace {
+
+constexpr char SubkeyContext[] = "Atlavex1";
+
+/// libsodium must be initialised before its first use; the call is idempotent and safe from any thread.
+void NeedSodium() {
+    if (sodium_init() < 0)
+        throw ComponentError(ErrorNumber::Failed, "The encryption library could not be started.");
+}
+
+} // namespace
+
+void Secret::Wiper::operator()(std::uint8_t* bytes) const {
+    sodium_free(bytes);
+}
+
+Secret::Secret(std::size_t size) : size_(size) {
+    NeedSodium();
+    bytes_.reset(static_cast<std::uint8_t*>(sodium_malloc(size)));
+    if (!bytes_)
+        throw std::bad_alloc();
+}
+
+bool KeyCost::IsAcceptable() const {
+    return operations >= 1 && operations <= 4 && memoryKiB >= 8U * 1024 && memoryKiB <= 512U * 1024;
+}
+
+std::string NormalizedKey(const std::string& key) {
+    utf8proc_uint8_t* composed = nullptr;
+    const auto length = utf8proc_map(reinterpret_cast<const utf8proc_uint8_t*>(key.data()),
+                                     static_cast<utf8proc_ssize_t>(key.size()), &composed,
+                                     static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8PROC_COMPOSE));
+    if (length < 0)
+        return key;
+    const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owner(composed, &std::free);
+    std::string text(reinterpret_cast<const char*>(composed), static_cast<std::size_t>(length));
+    sodium_memzero(composed, static_cast<std::size_t>(length));
+    return text;
+}
+
+DerivedKeys DeriveKeys(const std::string& key, const Salt& salt, const KeyCost& cost) {
+    static_assert(std::tuple_size_v<Salt> == crypto_pwhash_SALTBYTES);
+    Secret both(64);
+    std::string normalized = NormalizedKey(key);
+    const int failed =
+        crypto_pwhash(both.Data(), both.Size(), normalized.data(), normalized.size(), salt.data(),
+                      cost.operations, std::size_t{cost.memoryKiB} * 1024, crypto_pwhash_ALG_ARGON2ID13);
+    sodium_memzero(normalized.data(), normalized.size());
+    if (failed != 0)
+        throw ComponentError(ErrorNumber::OutOfMemory,
+                             "There is not enough memory to check the encryption key.");
+    DerivedKeys keys;
+    std::memcpy(keys.wrap.Data(), both.Data(), 32);
+    std::memcpy(keys.mac.Data(), both.Data() + 32, 32);
+    return keys;
+}
+
+Secret NewDataKey() {
+    Secret key(32);
+    randombytes_buf(key.Data(), key.Size());
+    return key;
+}
+
+WrappedKey WrapDataKey(const Secret& dataKey, const DerivedKeys& keys, ByteSpan headerHead) {
+    const Bytes sealed = Seal({dataKey.Data(), dataKey.Size()}, headerHead, keys.wrap);
+    WrappedKey wrapped{};
+    std::memcpy(wrapped.data(), sealed.data(), wrapped.size());
+    return wrapped;
+}
+
+bool UnwrapDataKey(const WrappedKey& wrapped, const DerivedKeys& keys, ByteSpan headerHead, Secret& dataKey) {
+    return crypto_aead_xchacha20poly1305_ietf_decrypt(
+               dataKey.Data(), nullptr, nullptr, wrapped.data() + 24, wrapped.size() - 24, headerHead.data(),
+               headerHead.size(), wrapped.data(), keys.wrap.Data()) == 0;
+}
+
+HeaderMac KeyedHash(ByteSpan bytes, const Secret& key) {
+    HeaderMac mac{};
+    crypto_generichash(mac.data(), mac.size(), bytes.data(), bytes.size(), key.Data(), key.Size());
+    return mac;
+}
+
+bool EqualInConstantTime(const HeaderMac& a, const HeaderMac& b) {
+    return sodium_memcmp(a.data(), b.data(), a.size()) == 0;
+}
+
+Secret Subkey(const Secret& dataKey, KeyUse use) {
+    Secret key(32);
+    crypto_kdf_derive_from_key(key.Data(), key.Size(), static_cast<std::uint64_t>(use), SubkeyContext,
+                               dataKey.Data());
+    return key;
+}
+
+Bytes Seal(ByteSpan plain, ByteSpan bound, const Secret& key) {
+    static_assert(SealOverhead ==
+                  crypto_aead_xchacha20poly1305_ietf_NPUBBYTES + crypto_aead_xchacha20poly1305_ietf_ABYTES);
+    Bytes sealed(plain.size() + SealOverhead);
+    randombytes_buf(sealed.data(), 24);
+    crypto_aead_xchacha20poly1305_ietf_encrypt(sealed.data() + 24, nullptr, plain.data(), plain.size(),
+                                               bound.data(), bound.size(), nullptr, sealed.data(),
+                                               key.Data());
+    return sealed;
+}
+
+bool Unseal(ByteSpan sealed, ByteSpan bound, const Secret& key, Bytes& plain) {
+    if (sealed.size() < SealOverhead)
+        return false;
+    plain.resize(sealed.size() - SealOverhead);
+    return crypto_aead_xchacha20poly1305_ietf_decrypt(plain.data(), nullptr, nullptr, sealed.data() + 24,
+                                                      sealed.size() - 24, bound.data(), bound.size(),
+                                                      sealed.data(), key.Data()) == 0;
+}
+
+void FillRandom(std::uint8_t* bytes, std::size_t size) {
+    NeedSodium();
+    randombytes_buf(bytes, size);
+}

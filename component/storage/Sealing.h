@@ -1,0 +1,78 @@
+#pragma once
+
+#include "component/storage/Digest.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+/// Bytes that must not reach a swap file or a core dump, wiped when they go.
+class Secret {
+public:
+    explicit Secret(std::size_t size);
+    Secret(Secret&&) noexcept = default;
+    Secret& operator=(Secret&&) noexcept = default;
+
+    std::uint8_t* Data() { return bytes_.get(); }
+    const std::uint8_t* Data() const { return bytes_.get(); }
+    std::size_t Size() const { return size_; }
+
+private:
+    struct Wiper {
+        void operator()(std::uint8_t* bytes) const;
+    };
+    std::unique_ptr<std::uint8_t, Wiper> bytes_;
+    std::size_t size_;
+};
+
+/// Cost of turning a key text into keys: Argon2id13 passes and memory.
+struct KeyCost {
+    std::uint32_t operations = 3;          ///< 1 to 4
+    std::uint32_t memoryKiB = 256U * 1024; ///< 8 to 512 MiB
+
+    bool IsAcceptable() const;
+    bool operator==(const KeyCost&) const = default;
+};
+
+using Salt = std::array<std::uint8_t, 16>;
+using LibraryId = std::array<std::uint8_t, 16>;
+using HeaderMac = std::array<std::uint8_t, 32>;
+/// Nonce (24), sealed data key (32), tag (16).
+using WrappedKey = std::array<std::uint8_t, 72>;
+
+/// Bytes that sealing adds to a blob: nonce 24 in front, tag 16 behind.
+inline constexpr std::size_t SealOverhead = 40;
+
+/// The key text as it enters the derivation: Unicode NFC in UTF-8, nothing trimmed or folded. Bytes that are
+/// no UTF-8 stay as they are.
+std::string NormalizedKey(const std::string& key);
+
+/// The two keys that a key text gives: one wraps the data key, one authenticates the header.
+struct DerivedKeys {
+    Secret wrap{32};
+    Secret mac{32};
+};
+
+/// Argon2id13 over the normalised key text. Throws OutOfMemory.
+DerivedKeys DeriveKeys(const std::string& key, const Salt& salt, const KeyCost& cost);
+
+/// A random data key, and the data key under a wrapping key, bound to the head of the file header.
+Secret NewDataKey();
+WrappedKey WrapDataKey(const Secret& dataKey, const DerivedKeys& keys, ByteSpan headerHead);
+/// False when the wrapped key does not open under these keys.
+bool UnwrapDataKey(const WrappedKey& wrapped, const DerivedKeys& keys, ByteSpan headerHead, Secret& dataKey);
+
+/// Keyed BLAKE2b-256.
+HeaderMac KeyedHash(ByteSpan bytes, const Secret& key);
+bool EqualInConstantTime(const HeaderMac& a, const HeaderMac& b);
+
+/// A key of its own for each use of the data key.
+enum class KeyUse : std::uint64_t { Blobs = 1, Records = 2, Root = 3 };
+Secret Subkey(const Secret& dataKey, KeyUse use);
+
+/// nonce | ciphertext | tag by XChaCha20-Poly1305 with a fresh random nonce; `bound` is authenticated too.
+Bytes Seal(ByteSpan plain, ByteSpan bound, const Secret& key);
+/// False when the bytes were not sealed under this key with this binding.
+bool Unseal(ByteSpan sealed, ByteSpan bound, const Secret& key, Bytes& plain);
+
+void FillRandom(std::uint8_t* bytes, std::size_t size);

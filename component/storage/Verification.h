@@ -1,0 +1,18 @@
+#pragma once
+
+#include "base/Progress.h"
+#include "component/storage/LibraryFile.h"
+
+#include <functional>
+
+/// Told of one thing that is damaged: what it is, and one sentence why.
+using DamageReport = std::function<void(const std::string& object, const std::string& reason)>;
+
+/// Work that VerifyTiles adds to the progress.
+std::int64_t VerifyWork(const LibraryState& state);
+
+/// Reads every directory page, tile and icon picture of the state and compares each with its digest.
+void VerifyTiles(const LibraryState& state, Progress& progress, const DamageReport& report);
+
+/// Looks for what belongs to no map or icon, and lets SQLite check its own structures.
+void VerifyStructure(LibraryFile& file, const LibraryState& state, const DamageReport& report);
