@@ -1,0 +1,41 @@
+#include "component/render/ShortThreads.h"
+
+#include <algorithm>
+#include <exception>
+#include <mutex>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+int ThreadCount(int wanted) {
+    if (wanted > 0)
+        return wanted;
+    return std::max(1, static_cast<int>(std::thread::hardware_concurrency()));
+}
+
+void RunOnThreads(int count, const std::function<void(int)>& work) {
+    std::mutex mutex;
+    std::exception_ptr fault;
+    const auto guarded = [&](int number) {
+        try {
+            work(number);
+        } catch (...) { // carried to the caller's thread, where it is thrown again
+            const std::lock_guard lock(mutex);
+            if (!fault)
+                fault = std::current_exception();
+        }
+    };
+    {
+        std::vector<std::jthread> threads;
+        threads.reserve(static_cast<std::size_t>(std::max(0, count - 1)));
+        try {
+            for (int number = 1; number < count; ++number)
+                threads.emplace_back(guarded, number);
+        } catch (const std::system_error&) {
+            // No more threads to be had: those that run are enough.
+        }
+        guarded(0);
+    }
+    if (fault)
+        std::rethrow_exception(fault);
+}

@@ -1,0 +1,113 @@
+#include "component/render/ViewPainter.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+/// The four channels of a pixel, 16 bits each, in the order in which they lie in memory.
+using Lanes = std::uint64_t;
+
+/// Makes each lane one byte, dropping the 8 bits that the weights added.
+std::uint32_t Packed(Lanes sum) {
+    Lanes lanes = (sum >> 8) & 0x00FF00FF00FF00FF;
+    lanes = (lanes | lanes >> 8) & 0x0000FFFF0000FFFF;
+    return static_cast<std::uint32_t>(lanes | lanes >> 16);
+}
+
+/// Half of the last bit in each lane, so that Packed rounds.
+constexpr Lanes Half = 0x0080008000800080;
+
+/// Weighted sum of three rows of pixels, byte by byte, rounded back to 0 to 255. Plain loops over bytes: the
+/// compiler makes vector code of them.
+void AddRows(const std::array<const std::uint32_t*, 3>& rows, const Taps& taps, std::size_t count,
+             Lanes* to) {
+    const auto* a = reinterpret_cast<const std::uint8_t*>(rows[0]);
+    const auto* b = reinterpret_cast<const std::uint8_t*>(rows[1]);
+    const auto* c = reinterpret_cast<const std::uint8_t*>(rows[2]);
+    const auto [wa, wb, wc] = taps.weights;
+    std::uint16_t sums[256];
+    constexpr std::size_t atOnce = std::size(sums);
+    for (std::size_t done = 0; done < 4 * count; done += atOnce) {
+        const std::size_t part = std::min(atOnce, 4 * count - done);
+        if (wc == 0)
+            for (std::size_t i = 0; i < part; ++i)
+                sums[i] = static_cast<std::uint16_t>((a[done + i] * wa + b[done + i] * wb + 128) >> 8);
+        else
+            for (std::size_t i = 0; i < part; ++i)
+                sums[i] = static_cast<std::uint16_t>(
+                    (a[done + i] * wa + b[done + i] * wb + c[done + i] * wc + 128) >> 8);
+        std::memcpy(to + done / 4, sums, 2 * part);
+    }
+}
+
+/// Weights first the rows, then the columns.
+class SmoothPainter : public ViewPainter {
+public:
+    SmoothPainter(const ViewRequest& request, const PyramidLayout& layout, int level, double step,
+                  ScreenRange columns, ScreenRange rows)
+        : ViewPainter(level, columns, rows),
+          columnTaps_(CoveredPixels(columns, request.left, layout.Level(level).width, step)),
+          rowTaps_(CoveredPixels(rows, request.top, layout.Level(level).height, step)) {
+        firstColumn_ = columnTaps_.front().first;
+        lastColumn_ = LastOf(columnTaps_.back());
+    }
+
+    LevelSpan LevelColumns() const override { return {firstColumn_, lastColumn_}; }
+    LevelSpan LevelRows(std::int32_t screenRow) const override {
+        const Taps& taps = RowTaps(screenRow);
+        return {taps.first, LastOf(taps)};
+    }
+
+    void Paint(const TileBlock& block, ScreenRange screenRows, Bitmap& view) const override {
+        // Two more than there are: a tap without weight may lie beyond the last column.
+        std::vector<Lanes> sums(static_cast<std::size_t>(lastColumn_ - firstColumn_) + 3);
+        for (std::int32_t row = screenRows.first; row < screenRows.end; ++row) {
+            SumRows(block, RowTaps(row), sums.data());
+            SumColumns(sums.data(), view.Row(row) + Columns().first);
+        }
+    }
+
+private:
+    static std::int32_t LastOf(const Taps& taps) {
+        return taps.first + (taps.weights[2] != 0 ? 2 : taps.weights[1] != 0 ? 1 : 0);
+    }
+
+    const Taps& RowTaps(std::int32_t screenRow) const {
+        return rowTaps_[static_cast<std::size_t>(screenRow - Rows().first)];
+    }
+
+    void SumRows(const TileBlock& block, const Taps& taps, Lanes* sums) const {
+        const std::int32_t last = LastOf(taps);
+        for (std::int32_t x = firstColumn_; x <= lastColumn_;) {
+            const std::int32_t tile = x / block.tileWidth, inTile = x % block.tileWidth;
+            const std::int32_t count = std::min(block.tileWidth - inTile, lastColumn_ + 1 - x);
+            std::array<const std::uint32_t*, 3> rows{};
+            for (std::int32_t i = 0; i < 3; ++i)
+                rows[static_cast<std::size_t>(i)] = block.Row(std::min(taps.first + i, last), tile) + inTile;
+            AddRows(rows, taps, static_cast<std::size_t>(count), sums + (x - firstColumn_));
+            x += count;
+        }
+    }
+
+    void SumColumns(const Lanes* sums, std::uint32_t* to) const {
+        for (const Taps& taps : columnTaps_) {
+            const Lanes* from = sums + (taps.first - firstColumn_);
+            const auto [wa, wb, wc] = taps.weights;
+            *to++ = Packed(from[0] * wa + from[1] * wb + from[2] * wc + Half);
+        }
+    }
+
+    std::vector<Taps> columnTaps_;
+    std::vector<Taps> rowTaps_;
+    std::int32_t firstColumn_ = 0;
+    std::int32_t lastColumn_ = 0;
+};
+
+} // namespace
+
+std::unique_ptr<ViewPainter> MakeSmoothPainter(const ViewRequest& request, const PyramidLayout& layout,
+                                               int level, double step, ScreenRange columns,
+                                               ScreenRange rows) {
+    return std::make_unique<SmoothPainter>(request, layout, level, step, columns, rows);
+}

@@ -1,0 +1,174 @@
+#include "component/render/TileLoader.h"
+
+#include "base/ComponentError.h"
+#include "component/render/ShortThreads.h"
+
+#include <algorithm>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+namespace {
+
+/// Decoded tiles that are kept from view to view: at least two full screens of 1920×1080 at any zoom.
+constexpr std::size_t UsualCacheBytes = std::size_t{128} << 20;
+
+/// Decoded tiles of one block. A view of 3840×2160 fits at any zoom and tile size, so that it is not decoded
+/// again with each step of the mouse; larger views are drawn in several blocks.
+constexpr std::size_t LargestBlockBytes = std::size_t{256} << 20;
+
+/// Encoded tiles that may wait for a decoder, for each thread.
+constexpr std::size_t WaitingTiles = 8;
+
+constexpr std::uint32_t HatchGround = 0xFFE4E4E4;
+constexpr std::uint32_t HatchLine = 0xFFB04040;
+constexpr std::int32_t HatchPeriod = 16;
+constexpr std::int32_t HatchWidth = 3;
+
+std::shared_ptr<std::uint32_t[]> NewTile(std::int32_t width, std::int32_t height) {
+    const auto count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+    return std::make_shared_for_overwrite<std::uint32_t[]>(count);
+}
+
+TilePixels MakeHatchedTile(std::int32_t width, std::int32_t height) {
+    auto tile = NewTile(width, height);
+    for (std::int32_t y = 0, i = 0; y < height; ++y)
+        for (std::int32_t x = 0; x < width; ++x, ++i)
+            tile[i] = (x + y) % HatchPeriod < HatchWidth ? HatchLine : HatchGround;
+    return tile;
+}
+
+} // namespace
+
+/// A tile that is not in the cache.
+struct TileLoader::Missing {
+    std::size_t place = 0; ///< in the block
+    std::int32_t row = 0, column = 0;
+};
+
+/// Encoded tiles on their way to the decoders.
+class TileLoader::Work {
+public:
+    struct Job {
+        std::size_t place = 0;
+        std::vector<std::uint8_t> encoded;
+    };
+
+    explicit Work(std::size_t bound) : bound_(bound) {}
+
+    /// False when so many wait that the caller should rather decode one itself.
+    bool Push(Job& job) {
+        const std::lock_guard lock(mutex_);
+        if (jobs_.size() >= bound_)
+            return false;
+        jobs_.push_back(std::move(job));
+        arrived_.notify_one();
+        return true;
+    }
+
+    void Finish() {
+        const std::lock_guard lock(mutex_);
+        finished_ = true;
+        arrived_.notify_all();
+    }
+
+    /// The next job; nothing when there will be no more.
+    std::optional<Job> Pop() {
+        std::unique_lock lock(mutex_);
+        arrived_.wait(lock, [this] { return finished_ || !jobs_.empty(); });
+        if (jobs_.empty())
+            return std::nullopt;
+        Job job = std::move(jobs_.front());
+        jobs_.pop_front();
+        return job;
+    }
+
+private:
+    std::size_t bound_;
+    std::mutex mutex_;
+    std::condition_variable arrived_;
+    std::deque<Job> jobs_;
+    bool finished_ = false;
+};
+
+TileLoader::TileLoader(const PyramidLayout& layout, TileSource& source, int threads)
+    : layout_(layout), source_(source), decoders_(static_cast<std::size_t>(threads)), usualCapacity_(0),
+      largestBlock_(0), cache_(0), hatched_(MakeHatchedTile(layout.TileWidth(), layout.TileHeight())) {
+    const std::size_t bytes = std::size_t{4} * static_cast<std::size_t>(layout.TileWidth()) *
+                              static_cast<std::size_t>(layout.TileHeight());
+    usualCapacity_ = std::max<std::size_t>(1, UsualCacheBytes / bytes);
+    largestBlock_ = std::max<std::size_t>(1, LargestBlockBytes / bytes);
+}
+
+void TileLoader::Load(TileBlock& block) {
+    block.tileWidth = layout_.TileWidth();
+    block.tileHeight = layout_.TileHeight();
+    const auto count = static_cast<std::size_t>(block.rows) * static_cast<std::size_t>(block.columns);
+    block.tiles.assign(count, nullptr);
+    cache_.SetCapacity(std::max(usualCapacity_, count));
+    std::vector<Missing> missing = TakeFromCache(block);
+    if (missing.empty())
+        return;
+    LoadMissing(block, missing);
+    for (const Missing& tile : missing)
+        cache_.Put(layout_.Entry(block.level, tile.row, tile.column), block.tiles[tile.place]);
+}
+
+std::vector<TileLoader::Missing> TileLoader::TakeFromCache(TileBlock& block) {
+    std::vector<Missing> missing;
+    std::size_t place = 0;
+    for (std::int32_t row = block.firstRow; row < block.firstRow + block.rows; ++row)
+        for (std::int32_t column = block.firstColumn; column < block.firstColumn + block.columns; ++column) {
+            block.tiles[place] = cache_.Find(layout_.Entry(block.level, row, column));
+            if (!block.tiles[place])
+                missing.push_back({place, row, column});
+            ++place;
+        }
+    return missing;
+}
+
+void TileLoader::LoadMissing(TileBlock& block, std::vector<Missing>& missing) {
+    const std::size_t threads = std::min(decoders_.size(), missing.size());
+    Work work(WaitingTiles * threads);
+    const auto decodeRest = [&](std::size_t thread) {
+        while (auto job = work.Pop())
+            block.tiles[job->place] = Decode(decoders_[thread], job->encoded);
+    };
+    const auto readAll = [&] {
+        for (const Missing& tile : missing) {
+            Work::Job job{tile.place, {}};
+            try {
+                job.encoded = source_.ReadTile(block.level, tile.row, tile.column);
+            } catch (const ComponentError&) {
+                block.tiles[tile.place] = hatched_; // the rest of the view is still worth seeing
+                continue;
+            }
+            if (!work.Push(job))
+                block.tiles[tile.place] = Decode(decoders_[0], job.encoded);
+        }
+    };
+    RunOnThreads(static_cast<int>(threads), [&](int thread) {
+        if (thread == 0) {
+            // Whatever ends the reading, the helpers must not wait for more.
+            struct AtEnd {
+                Work& work;
+                ~AtEnd() { work.Finish(); }
+            } const atEnd{work};
+            readAll();
+        }
+        decodeRest(static_cast<std::size_t>(thread));
+    });
+}
+
+TilePixels TileLoader::Decode(TileDecoder& decoder, const std::vector<std::uint8_t>& encoded) const {
+    auto tile = NewTile(layout_.TileWidth(), layout_.TileHeight());
+    try {
+        decoder.DecodeToScreen(encoded, layout_.TileWidth(), layout_.TileHeight(), tile.get(),
+                               layout_.TileWidth());
+    } catch (const ComponentError&) {
+        return hatched_;
+    }
+    return tile;
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "component/imaging/PyramidLayout.h"
+#include "component/imaging/TileCodec.h"
+#include "component/imaging/TileStore.h"
+#include "component/render/TileCache.h"
+
+#include <vector>
+
+/// A rectangle of tiles of one level, decoded.
+struct TileBlock {
+    int level = 0;
+    std::int32_t firstRow = 0, rows = 0;
+    std::int32_t firstColumn = 0, columns = 0;
+    std::int32_t tileWidth = 0, tileHeight = 0;
+    std::vector<TilePixels> tiles; ///< row by row
+
+    /// The pixel row y of the level inside the tile column (a number of the level, not of the block).
+    const std::uint32_t* Row(std::int32_t y, std::int32_t column) const {
+        const std::int64_t tile = std::int64_t{y / tileHeight - firstRow} * columns + (column - firstColumn);
+        return tiles[static_cast<std::size_t>(tile)].get() +
+               static_cast<std::ptrdiff_t>(y % tileHeight) * tileWidth;
+    }
+};
+
+/// Brings decoded tiles from the cache or the source. Encoded tiles are read on the calling thread and
+/// decoded by short-lived helpers beside it. A tile that cannot be read or decoded is hatched, and remembered
+/// as such as long as it stays in the cache.
+class TileLoader {
+public:
+    TileLoader(const PyramidLayout& layout, TileSource& source, int threads);
+
+    /// Fills the block's tiles; its other members say which.
+    void Load(TileBlock& block);
+
+    /// Most tiles that a block should have, for memory's sake.
+    std::size_t LargestBlock() const { return largestBlock_; }
+
+private:
+    struct Missing;
+    class Work;
+
+    TilePixels Decode(TileDecoder& decoder, const std::vector<std::uint8_t>& encoded) const;
+    std::vector<Missing> TakeFromCache(TileBlock& block);
+    void LoadMissing(TileBlock& block, std::vector<Missing>& missing);
+
+    const PyramidLayout& layout_;
+    TileSource& source_;
+    std::vector<TileDecoder> decoders_; ///< one a thread
+    std::size_t usualCapacity_;
+    std::size_t largestBlock_;
+    TileCache cache_;
+    TilePixels hatched_;
+};

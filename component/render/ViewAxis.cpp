@@ -1,0 +1,63 @@
+#include "component/render/ViewAxis.h"
+
+#include "base/CheckedNumbers.h"
+
+#include <algorithm>
+#include <cmath>
+
+ScreenRange ShownRange(std::int32_t offset, std::int32_t size, std::int32_t mapSize, double zoom) {
+    const std::int64_t begin = std::clamp<std::int64_t>(-std::int64_t{offset}, 0, size);
+    // Compared as a double: at a large zoom the product is far beyond every integer.
+    const double beyond = std::ceil(static_cast<double>(mapSize) * zoom) - static_cast<double>(offset);
+    const double end = std::clamp(beyond, static_cast<double>(begin), static_cast<double>(size));
+    return {static_cast<std::int32_t>(begin), static_cast<std::int32_t>(end)};
+}
+
+std::vector<std::int32_t> PixelsUnder(ScreenRange range, std::int32_t offset, std::int32_t mapSize,
+                                      double zoom) {
+    std::vector<std::int32_t> pixels(static_cast<std::size_t>(range.Count()));
+    double position = static_cast<double>(offset) + range.first;
+    const double last = mapSize - 1;
+    for (std::int32_t& pixel : pixels) {
+        pixel = static_cast<std::int32_t>(std::min(RoundHalfEven(position / zoom), last));
+        position += 1;
+    }
+    return pixels;
+}
+
+Coverage CoverageOf(std::int64_t position, std::int32_t levelSize, double step) {
+    const double size = levelSize, at = static_cast<double>(position);
+    return {std::min(at * step, size), std::min((at + 1) * step, size)};
+}
+
+std::vector<Taps> CoveredPixels(ScreenRange range, std::int32_t offset, std::int32_t levelSize, double step) {
+    std::vector<Taps> taps(static_cast<std::size_t>(range.Count()));
+    std::int64_t position = std::int64_t{offset} + range.first;
+    for (Taps& tap : taps) {
+        const Coverage covered = CoverageOf(position++, levelSize, step);
+        // Rounding may put the last position's start on the very end of the level.
+        tap.first = std::min(static_cast<std::int32_t>(covered.from), levelSize - 1);
+        const double length = covered.to - covered.from;
+        long given = 0;
+        for (std::size_t i = 0; i < tap.weights.size(); ++i) {
+            const double reached = tap.first + static_cast<double>(i) + 1 - covered.from;
+            const double part = length > 0 && i < 2 ? std::clamp(reached / length, 0.0, 1.0) : 1.0;
+            // Rounding the running sum keeps the sum of the weights exact.
+            const long sum = std::lround(256 * part);
+            tap.weights[i] = static_cast<std::uint16_t>(sum - given);
+            given = sum;
+        }
+    }
+    return taps;
+}
+
+std::vector<TileRun> RunsOf(const std::vector<std::int32_t>& pixels, std::int32_t tileSide) {
+    std::vector<TileRun> runs;
+    for (std::size_t i = 0; i < pixels.size(); ++i) {
+        const std::int32_t tile = pixels[i] / tileSide;
+        if (runs.empty() || runs.back().tile != tile)
+            runs.push_back({tile, static_cast<std::int32_t>(i), 0});
+        runs.back().end = static_cast<std::int32_t>(i) + 1;
+    }
+    return runs;
+}
