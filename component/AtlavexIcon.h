@@ -3,7 +3,9 @@
 #include "component/AtlavexImage.h"
 #include "component/Metadata.h"
 
+#include <cstdint>
 #include <memory>
+#include <vector>
 
 /// One icon of a library.
 class AtlavexIcon : public Metadata {
@@ -13,6 +15,9 @@ public:
 
     /// The icon's picture. Throws FileDamaged when the stored picture does not match its digest.
     virtual std::shared_ptr<const AtlavexImage> Image() = 0;
+
+    /// The icon's picture as a PNG file. Throws as Image.
+    virtual std::vector<std::uint8_t> PngFile() = 0;
 
     /// Displacement of the icon from its position in pixels: positive X moves it right, positive Y down,
     /// 0 centres it.

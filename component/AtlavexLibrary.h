@@ -9,18 +9,23 @@
 #include <string>
 #include <vector>
 
+class FileSystem;
+
 /// Where the tiles of maps that are not saved yet are kept.
 enum class NewTiles {
-    Scratch,    ///< in a private scratch file, so that the library file stays untouched until it is saved
-    LibraryFile ///< directly in the file that was loaded, in a transaction that SaveToFile completes
+    Scratch, ///< in a private scratch file, so that the library file stays untouched until it is saved
+    /// Directly in the file that was loaded, in a transaction that SaveToFile completes. Whatever ends the
+    /// library before that, or a save that fails, gives up the maps and icons added since.
+    LibraryFile
 };
 
 struct LibraryOptions {
     NewTiles newTiles = NewTiles::Scratch;
-    std::string scratchFolder; ///< empty: the user's cache folder
-    int keyOperations = 3;     ///< Argon2id passes for a new key, 1 to 4
-    int keyMemoryMiB = 256;    ///< Argon2id memory for a new key, 8 to 512 MiB
-    int threads = 0;           ///< workers inside one call; 0: one a core
+    std::string scratchFolder;         ///< empty: the user's cache folder
+    int keyOperations = 3;             ///< Argon2id passes for a new key, 1 to 4
+    int keyMemoryMiB = 256;            ///< Argon2id memory for a new key, 8 to 512 MiB
+    int threads = 0;                   ///< workers inside one call; 0: one a core
+    std::shared_ptr<FileSystem> files; ///< nothing: the operating system's
 };
 
 /// One thing that does not match its digest or cannot be read.
@@ -47,7 +52,8 @@ public:
     /// Reads the image and builds its tiles. Tile sides 64 to 1024 pixels, independently. The map comes last,
     /// without identifier and metadata. Errors: see OpenImage; InvalidTileSize; Cancelled.
     virtual std::shared_ptr<AtlavexMap> AddMapFromImageFile(const std::string& file, const std::string& name,
-                                                            std::int32_t tileWidth, std::int32_t tileHeight) = 0;
+                                                            std::int32_t tileWidth,
+                                                            std::int32_t tileHeight) = 0;
     virtual std::shared_ptr<AtlavexIcon> AddIconFromImageFile(const std::string& file,
                                                               const std::string& name) = 0;
     virtual void RemoveMap(const std::string& reference) = 0;
@@ -57,7 +63,7 @@ public:
     /// FileNotReadable, NotALibrary, NewerVersion, FileDamaged.
     virtual bool IsEncrypted(const std::string& file) = 0;
     /// Replaces the content by the file's. A wrong key is no error: nothing is loaded, the counts stay. The
-    /// key is ignored for a plain file. Errors as IsEncrypted; Cancelled.
+    /// key is ignored for a plain file. Cancelled: returns with everything as before. Errors as IsEncrypted.
     virtual void LoadFromFile(const std::string& file, const std::string& key) = 0;
     /// Saves in place (file and key those that were loaded or last saved) or writes a new file that replaces
     /// the target at once. An empty key: a plain file. Any failure, Cancelled included, leaves the target as
@@ -65,12 +71,14 @@ public:
     virtual void SaveToFile(const std::string& file, const std::string& key) = 0;
     /// Adds the other file's maps and icons in their order behind those here; an identifier that is used
     /// already is replaced by a fresh one. A wrong key adds nothing and is no error. The file may be the one
-    /// that is open here.
+    /// that is open here. Cancelled: returns with everything as before.
     virtual void MergeFromFile(const std::string& file, const std::string& key) = 0;
     /// Whether the last LoadFromFile or MergeFromFile could open the file: false after a wrong key.
     virtual bool KeyFitted() const = 0;
 
-    /// Ends the operation that is running (to be called from inside an event). Takes effect within 50 ms.
+    /// Ends the operation that is running (to be called from inside an event). Takes effect within 50 ms; the
+    /// derivation of a key from its text (about 0.4 s) and the wait for the disk at the end of a save are
+    /// finished first.
     virtual void CancelOperation() = 0;
 
     /// Reads everything and names what is damaged; an empty answer means that all is well.

@@ -74,8 +74,8 @@ public:
     /// All pixels of the map, bit for bit, in bands of one tile height from the top, in Format(). The
     /// callback gets the rows (width × BytesPerPixel bytes each, without gaps) and their number. Throws
     /// FileDamaged, naming map and tile. Raises the library's progress events.
-    virtual void ReadPixels(
-        const std::function<void(std::span<const std::uint8_t> rows, std::int32_t count)>& band) = 0;
+    virtual void
+    ReadPixels(const std::function<void(std::span<const std::uint8_t> rows, std::int32_t count)>& band) = 0;
 
     /// Writes every tile of every level into the folder (which must exist): z/x/y.png with z = 0 the smallest
     /// level, tiles.json, map.vrt and index.html. `extension` must be ".png". Raises the library's progress

@@ -2,11 +2,17 @@
 
 #include "component/storage/Digest.h"
 
-RememberedKey::RememberedKey() : secret_(NewDataKey()) { Remember({}); }
+RememberedKey::RememberedKey() : secret_(NewDataKey()) {
+    Remember({});
+}
 
-void RememberedKey::Remember(const std::string& key) { trace_ = Trace(key); }
+void RememberedKey::Remember(const std::string& key) {
+    trace_ = Trace(key);
+}
 
-bool RememberedKey::Is(const std::string& key) const { return EqualInConstantTime(trace_, Trace(key)); }
+bool RememberedKey::Is(const std::string& key) const {
+    return EqualInConstantTime(trace_, Trace(key));
+}
 
 HeaderMac RememberedKey::Trace(const std::string& key) const {
     const std::string normalized = NormalizedKey(key);

@@ -28,6 +28,7 @@ void SaveInPlace(LibraryFile& file, const LibraryState& state, const NumberSourc
         file.RequireUnchanged();
     }
     LibraryWriter writer(file.Tiles(), file.Records(), state);
+    progress.Expect(writer.Work());
     FileHeader header = file.Header();
     ++header.generation;
     header.nextNumber = numbers.Next();
@@ -41,14 +42,14 @@ bool IsMostlyFree(LibraryFile& file) {
     return file.File().Number("PRAGMA freelist_count") * 4 > file.File().Number("PRAGMA page_count");
 }
 
+namespace {
+
 std::int64_t NewFileWork(const LibraryState& state) {
     auto work = static_cast<std::int64_t>(1 + state.maps.size() + state.icons.size());
     for (const auto& map : state.maps)
         work += 2 * map->record.Layout().Entries(); // written, then read back
     return work;
 }
-
-namespace {
 
 /// Fills the temporary and closes it again; gives the header that it has now.
 FileHeader Fill(const FileReplacement& replacement, const NewFileRequest& request,
@@ -86,6 +87,7 @@ void ReadBack(const FileReplacement& replacement, const NewFileRequest& request,
 std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& files,
                                            const NewFileRequest& request, const LibraryState& state,
                                            const NumberSource& numbers, Progress& progress) {
+    progress.Expect(NewFileWork(state));
     std::unique_ptr<Transaction> held;
     if (request.replaced != nullptr) {
         if (!request.replaced->File().InTransaction())

@@ -23,9 +23,6 @@ struct NewFileRequest {
     std::int64_t generation = 0;
 };
 
-/// Work that SaveAsNewFile adds to the progress.
-std::int64_t NewFileWork(const LibraryState& state);
-
 /// Builds the file beside its target, makes it durable, reads it back and puts it in place; then the state's
 /// maps and icons lie in it. Gives the new file, open. Any failure leaves the target as it was.
 std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& files,

@@ -1,0 +1,209 @@
+// Loading, saving and merging: the part of a library that deals with files.
+
+#include "component/LibraryObject.h"
+#include "component/storage/Saving.h"
+#include "component/storage/Verification.h"
+#include "platform/modGUID.h"
+
+#include <set>
+
+namespace {
+
+/// The real place of a file: a link is followed, so that a save replaces the file and not the link.
+std::filesystem::path RealPath(const std::string& file) {
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::weakly_canonical(file, error);
+    return error ? std::filesystem::absolute(file) : path;
+}
+
+/// A cancelled load or merge is no error: the caller sees that nothing came.
+void IgnoringCancel(const std::function<void()>& operation) {
+    try {
+        operation();
+    } catch (const ComponentError& error) {
+        if (error.Number() != ErrorNumber::Cancelled)
+            throw;
+    }
+}
+
+} // namespace
+
+bool LibraryObject::IsOpenFile(const std::filesystem::path& path) const {
+    return file_ && path == file_->Path() && !file_->File().HasMoved();
+}
+
+bool LibraryObject::IsEncrypted(const std::string& file) {
+    const std::filesystem::path path = RealPath(file);
+    return IsOpenFile(path) ? file_->Header().sealed : LibraryFile::IsSealed(path);
+}
+
+void LibraryObject::LoadFromFile(const std::string& file, const std::string& key) {
+    const std::filesystem::path path = RealPath(file);
+    std::unique_ptr<LibraryFile> opened;
+    LibraryState state;
+    bool cancelled = true;
+    IgnoringCancel([&] {
+        operations_->Run([&](Progress& progress) {
+            progress.Expect(2);
+            opened = LibraryFile::Open(path, key, path.string());
+            progress.Add(1);
+            if (opened)
+                state = opened->ReadState();
+            progress.ThrowIfCancelled();
+            progress.Add(1);
+        });
+        cancelled = false;
+    });
+    keyFitted_ = cancelled || opened != nullptr;
+    if (cancelled || !opened)
+        return;
+    direct_.reset();
+    Replace(std::move(state));
+    file_ = std::move(opened);
+    scratch_.reset();
+    form_ = file_->Tiles()->SharedForm();
+    numbers_.Raise(file_->Header().nextNumber);
+    key_.Remember(form_->IsSealed() ? key : std::string());
+}
+
+void LibraryObject::SaveToFile(const std::string& file, const std::string& key) {
+    const std::filesystem::path target = RealPath(file);
+    const bool sameFile = file_ && target == file_->Path();
+    const bool sameKey = key_.Is(key);
+    operations_->Run([&](Progress& progress) {
+        if (sameFile && sameKey)
+            SaveHere(progress);
+        else if (sameKey)
+            SaveAnew(target, form_, progress);
+        else
+            SaveAnew(target,
+                     key.empty()
+                         ? Envelope::Plain()
+                         : Envelope::Sealed(key, {static_cast<std::uint32_t>(options_.keyOperations),
+                                                  static_cast<std::uint32_t>(options_.keyMemoryMiB) * 1024}),
+                     progress);
+    });
+    key_.Remember(key);
+}
+
+void LibraryObject::SaveHere(Progress& progress) {
+    try {
+        SaveInPlace(*file_, state_, numbers_, std::move(direct_), progress);
+    } catch (const ComponentError&) {
+        GiveUpDirectWork();
+        throw;
+    }
+    scratch_.reset();
+    if (IsMostlyFree(*file_)) {
+        Progress unseen; // what was asked for is saved; the file only becomes smaller
+        SaveAnew(file_->Path(), form_, unseen);
+    }
+}
+
+void LibraryObject::SaveAnew(const std::filesystem::path& target, std::shared_ptr<const Envelope> form,
+                             Progress& progress) {
+    NewFileRequest request;
+    request.target = target;
+    request.form = form;
+    request.replaced = file_ && target == file_->Path() ? file_.get() : nullptr;
+    request.generation = file_ ? file_->Header().generation + 1 : 1;
+    std::unique_ptr<LibraryFile> saved = SaveAsNewFile(files_, request, state_, numbers_, progress);
+    direct_.reset();
+    file_ = std::move(saved);
+    form_ = std::move(form);
+    scratch_.reset();
+}
+
+void LibraryObject::GiveUpDirectWork() {
+    direct_.reset();
+    const RecordTable& stored = file_->Records();
+    LibraryState kept;
+    for (const auto& map : state_.maps)
+        if (map->container != file_->Tiles() || stored.contains({BlobKind::MapRecord, map->id}))
+            kept.maps.push_back(map);
+    for (const auto& icon : state_.icons)
+        if (icon->container != file_->Tiles() || stored.contains({BlobKind::IconRecord, icon->id}))
+            kept.icons.push_back(icon);
+    if (kept.maps.size() != state_.maps.size() || kept.icons.size() != state_.icons.size())
+        Replace(std::move(kept));
+}
+
+void LibraryObject::Compact() {
+    if (!file_)
+        throw ComponentError(ErrorNumber::FileNotFound, "The library has no file yet.");
+    operations_->Run([&](Progress& progress) { SaveAnew(file_->Path(), form_, progress); });
+}
+
+bool LibraryObject::OpenOther(const std::filesystem::path& path, const std::string& key,
+                              OtherLibrary& other) {
+    // The open file is read through the connection that is there: a second one would stand in the way of
+    // what is being written.
+    if (IsOpenFile(path)) {
+        if (form_->IsSealed() && !key_.Is(key))
+            return false;
+        other.state = file_->ReadState();
+        return true;
+    }
+    other.file = LibraryFile::Open(path, key, path.string());
+    if (!other.file)
+        return false;
+    other.state = other.file->ReadState();
+    return true;
+}
+
+LibraryState LibraryObject::CopyOther(const OtherLibrary& other, const std::shared_ptr<Container>& target,
+                                      Progress& progress) {
+    LibraryState added;
+    for (const auto& map : other.state.maps) {
+        auto copy = std::make_shared<MapState>(*map);
+        const PyramidLayout layout = copy->record.Layout();
+        TileReader reader(map->container, layout, map->record.pages, map->Name());
+        copy->record.pages =
+            CopyTiles(reader, *map->container, layout, map->record.pages, *target, &numbers_, progress);
+        copy->container = target;
+        copy->id = numbers_.Take();
+        added.maps.push_back(std::move(copy));
+    }
+    for (const auto& icon : other.state.icons) {
+        progress.ThrowIfCancelled();
+        auto copy = std::make_shared<IconState>(*icon);
+        copy->record.picture = CopyPicture(*icon, *target, &numbers_);
+        copy->container = target;
+        copy->id = numbers_.Take();
+        added.icons.push_back(std::move(copy));
+    }
+    MakeIdentifiersUnique(added);
+    return added;
+}
+
+void LibraryObject::MakeIdentifiersUnique(LibraryState& added) const {
+    std::set<std::string> used;
+    for (const auto& map : state_.maps)
+        used.insert(map->record.identifier);
+    for (const auto& map : added.maps)
+        if (!map->record.identifier.empty() && !used.insert(map->record.identifier).second)
+            used.insert(map->record.identifier = CreateGUID());
+}
+
+void LibraryObject::MergeFromFile(const std::string& file, const std::string& key) {
+    const std::filesystem::path path = RealPath(file);
+    LibraryState added;
+    keyFitted_ = true;
+    IgnoringCancel([&] {
+        LibraryState copied;
+        operations_->Run([&](Progress& progress) {
+            OtherLibrary other;
+            keyFitted_ = OpenOther(path, key, other);
+            if (!keyFitted_ || (other.state.maps.empty() && other.state.icons.empty()))
+                return;
+            progress.Expect(VerifyWork(other.state));
+            const std::shared_ptr<Container> target = ContainerForNew();
+            Savepoint savepoint(target->File());
+            copied = CopyOther(other, target, progress);
+            savepoint.Keep();
+        });
+        added = std::move(copied);
+    });
+    state_.maps.insert(state_.maps.end(), added.maps.begin(), added.maps.end());
+    state_.icons.insert(state_.icons.end(), added.icons.begin(), added.icons.end());
+}

@@ -1,0 +1,200 @@
+#include "component/LibraryObject.h"
+
+#include "component/imaging/PyramidBuilder.h"
+#include "component/storage/Saving.h"
+#include "component/storage/Scratch.h"
+#include "component/storage/Verification.h"
+
+#include <algorithm>
+#include <charconv>
+
+namespace {
+
+constexpr char MapMark = 'm';
+constexpr char IconMark = 'i';
+
+/// A reference is a mark and the number under which the object is stored; callers only hand it back.
+std::string ReferenceOf(char mark, std::int64_t id) {
+    return mark + std::to_string(id);
+}
+
+std::int64_t IdOf(char mark, const std::string& reference) {
+    std::int64_t id = 0;
+    if (reference.size() > 1 && reference.front() == mark)
+        std::from_chars(reference.data() + 1, reference.data() + reference.size(), id);
+    return id;
+}
+
+template <typename List>
+auto FindId(List& list, std::int64_t id) {
+    return std::find_if(list.begin(), list.end(), [id](const auto& object) { return object->id == id; });
+}
+
+[[noreturn]] void NoSuchMap() {
+    throw ComponentError(ErrorNumber::NoSuchMap, "The library has no such map.");
+}
+
+[[noreturn]] void NoSuchIcon() {
+    throw ComponentError(ErrorNumber::NoSuchIcon, "The library has no such icon.");
+}
+
+} // namespace
+
+LibraryObject::LibraryObject(const LibraryOptions& options)
+    : options_(options), files_(options.files ? options.files : SystemFiles()),
+      operations_(std::make_shared<Operations>(*this)), form_(Envelope::Plain()) {}
+
+LibraryObject::~LibraryObject() {
+    // Objects that callers still hold must not reach a library that is gone.
+    Replace({});
+    direct_.reset();
+}
+
+std::string LibraryObject::MapIdAt(std::int32_t position) const {
+    if (position < 1 || position > MapCount())
+        NoSuchMap();
+    return ReferenceOf(MapMark, state_.maps[static_cast<std::size_t>(position) - 1]->id);
+}
+
+std::string LibraryObject::IconIdAt(std::int32_t position) const {
+    if (position < 1 || position > IconCount())
+        NoSuchIcon();
+    return ReferenceOf(IconMark, state_.icons[static_cast<std::size_t>(position) - 1]->id);
+}
+
+std::shared_ptr<AtlavexMap> LibraryObject::GetMap(const std::string& reference) {
+    const std::int64_t id = IdOf(MapMark, reference);
+    std::shared_ptr<MapObject>& object = mapObjects_[id];
+    if (!object) {
+        const auto found = FindId(state_.maps, id);
+        if (found == state_.maps.end()) {
+            mapObjects_.erase(id);
+            NoSuchMap();
+        }
+        object = std::make_shared<MapObject>(*found, operations_, options_.threads);
+    }
+    return object;
+}
+
+std::shared_ptr<AtlavexIcon> LibraryObject::GetIcon(const std::string& reference) {
+    const std::int64_t id = IdOf(IconMark, reference);
+    std::shared_ptr<IconObject>& object = iconObjects_[id];
+    if (!object) {
+        const auto found = FindId(state_.icons, id);
+        if (found == state_.icons.end()) {
+            iconObjects_.erase(id);
+            NoSuchIcon();
+        }
+        object = std::make_shared<IconObject>(*found);
+    }
+    return object;
+}
+
+std::shared_ptr<AtlavexMap> LibraryObject::Append(std::shared_ptr<MapState> map) {
+    state_.maps.push_back(std::move(map));
+    return GetMap(ReferenceOf(MapMark, state_.maps.back()->id));
+}
+
+std::shared_ptr<AtlavexIcon> LibraryObject::Append(std::shared_ptr<IconState> icon) {
+    state_.icons.push_back(std::move(icon));
+    return GetIcon(ReferenceOf(IconMark, state_.icons.back()->id));
+}
+
+std::shared_ptr<Container> LibraryObject::ContainerForNew() {
+    if (options_.newTiles == NewTiles::LibraryFile && file_) {
+        if (!direct_) {
+            auto transaction = std::make_unique<Transaction>(file_->File());
+            file_->RequireUnchanged();
+            direct_ = std::move(transaction);
+        }
+        return file_->Tiles();
+    }
+    if (!scratch_)
+        scratch_ = MakeScratch(files_, options_.scratchFolder, form_);
+    return scratch_;
+}
+
+std::shared_ptr<AtlavexMap> LibraryObject::AddMapFromImageFile(const std::string& file,
+                                                               const std::string& name,
+                                                               std::int32_t tileWidth,
+                                                               std::int32_t tileHeight) {
+    const std::unique_ptr<RowReader> reader = OpenImage(file);
+    const ImageInfo& info = reader->Info();
+    const PyramidLayout layout(info.width, info.height, tileWidth, tileHeight);
+    auto map = std::make_shared<MapState>();
+    map->record.name = name;
+    map->record.format = info.format;
+    map->record.width = info.width;
+    map->record.height = info.height;
+    map->record.tileWidth = tileWidth;
+    map->record.tileHeight = tileHeight;
+    map->record.palette = info.palette;
+    operations_->Run([&](Progress& progress) {
+        progress.Expect(std::int64_t{info.width} * info.height);
+        map->container = ContainerForNew();
+        Savepoint savepoint(map->container->File());
+        TileWriter writer(*map->container, numbers_, layout);
+        BuildPyramid(*reader, layout, writer, progress, options_.threads);
+        map->record.pages = writer.Finish();
+        savepoint.Keep();
+    });
+    map->id = numbers_.Take();
+    return Append(std::move(map));
+}
+
+std::shared_ptr<AtlavexIcon> LibraryObject::AddIconFromImageFile(const std::string& file,
+                                                                 const std::string& name) {
+    auto icon = std::make_shared<IconState>();
+    icon->container = ContainerForNew();
+    Savepoint savepoint(icon->container->File());
+    icon->record = ImportIcon(file, name, *icon->container, numbers_);
+    savepoint.Keep();
+    icon->id = numbers_.Take();
+    return Append(std::move(icon));
+}
+
+void LibraryObject::RemoveMap(const std::string& reference) {
+    const auto found = FindId(state_.maps, IdOf(MapMark, reference));
+    if (found == state_.maps.end())
+        NoSuchMap();
+    if (const auto object = mapObjects_.extract((*found)->id))
+        object.mapped()->Detach();
+    state_.maps.erase(found);
+}
+
+void LibraryObject::RemoveIcon(const std::string& reference) {
+    const auto found = FindId(state_.icons, IdOf(IconMark, reference));
+    if (found == state_.icons.end())
+        NoSuchIcon();
+    if (const auto object = iconObjects_.extract((*found)->id))
+        object.mapped()->Detach();
+    state_.icons.erase(found);
+}
+
+void LibraryObject::Replace(LibraryState state) {
+    for (const auto& [id, object] : mapObjects_)
+        object->Detach();
+    for (const auto& [id, object] : iconObjects_)
+        object->Detach();
+    mapObjects_.clear();
+    iconObjects_.clear();
+    state_ = std::move(state);
+}
+
+std::vector<Damage> LibraryObject::Verify() {
+    std::vector<Damage> damages;
+    const auto report = [&](const std::string& object, const std::string& reason) {
+        damages.push_back({object, reason});
+    };
+    operations_->Run([&](Progress& progress) {
+        progress.Expect(VerifyWork(state_));
+        VerifyTiles(state_, progress, report);
+        if (file_ && !direct_)
+            VerifyStructure(*file_, file_->ReadState(), report);
+    });
+    return damages;
+}
+
+std::unique_ptr<AtlavexLibrary> CreateAtlavexLibrary(const LibraryOptions& options) {
+    return std::make_unique<LibraryObject>(options);
+}

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "component/AtlavexLibrary.h"
+#include "component/IconObject.h"
+#include "component/MapObject.h"
+#include "component/storage/LibraryFile.h"
+#include "component/storage/RememberedKey.h"
+
+#include <map>
+
+/// A map library over its file: keeps the state in memory, the open file, and the scratch for what is not
+/// saved yet.
+class LibraryObject final : public AtlavexLibrary {
+public:
+    explicit LibraryObject(const LibraryOptions& options);
+    ~LibraryObject() override;
+    LibraryObject(const LibraryObject&) = delete;
+    LibraryObject& operator=(const LibraryObject&) = delete;
+
+    std::int32_t MapCount() const override { return static_cast<std::int32_t>(state_.maps.size()); }
+    std::int32_t IconCount() const override { return static_cast<std::int32_t>(state_.icons.size()); }
+    std::string MapIdAt(std::int32_t position) const override;
+    std::string IconIdAt(std::int32_t position) const override;
+    std::shared_ptr<AtlavexMap> GetMap(const std::string& reference) override;
+    std::shared_ptr<AtlavexIcon> GetIcon(const std::string& reference) override;
+
+    std::shared_ptr<AtlavexMap> AddMapFromImageFile(const std::string& file, const std::string& name,
+                                                    std::int32_t tileWidth, std::int32_t tileHeight) override;
+    std::shared_ptr<AtlavexIcon> AddIconFromImageFile(const std::string& file,
+                                                      const std::string& name) override;
+    void RemoveMap(const std::string& reference) override;
+    void RemoveIcon(const std::string& reference) override;
+
+    bool IsEncrypted(const std::string& file) override;
+    void LoadFromFile(const std::string& file, const std::string& key) override;
+    void SaveToFile(const std::string& file, const std::string& key) override;
+    void MergeFromFile(const std::string& file, const std::string& key) override;
+    bool KeyFitted() const override { return keyFitted_; }
+    void CancelOperation() override { operations_->Cancel(); }
+
+    std::vector<Damage> Verify() override;
+    void Compact() override;
+    std::string FileName() const override { return file_ ? file_->Path().string() : std::string(); }
+    bool IsSealed() const override { return form_->IsSealed(); }
+
+private:
+    /// A file whose maps and icons are to be added.
+    struct OtherLibrary {
+        std::unique_ptr<LibraryFile> file; ///< nothing when it is the one that is open here
+        LibraryState state;
+    };
+
+    void Replace(LibraryState state);
+    std::shared_ptr<AtlavexMap> Append(std::shared_ptr<MapState> map);
+    std::shared_ptr<AtlavexIcon> Append(std::shared_ptr<IconState> icon);
+    bool IsOpenFile(const std::filesystem::path& path) const;
+    std::shared_ptr<Container> ContainerForNew();
+    void SaveHere(Progress& progress);
+    void SaveAnew(const std::filesystem::path& target, std::shared_ptr<const Envelope> form,
+                  Progress& progress);
+    void GiveUpDirectWork();
+    bool OpenOther(const std::filesystem::path& path, const std::string& key, OtherLibrary& other);
+    LibraryState CopyOther(const OtherLibrary& other, const std::shared_ptr<Container>& target,
+                           Progress& progress);
+    void MakeIdentifiersUnique(LibraryState& added) const;
+
+    LibraryOptions options_;
+    std::shared_ptr<FileSystem> files_;
+    std::shared_ptr<Operations> operations_;
+    LibraryState state_;
+    NumberSource numbers_;
+    RememberedKey key_;
+    bool keyFitted_ = true;
+    std::shared_ptr<const Envelope> form_;
+    std::unique_ptr<LibraryFile> file_;
+    std::shared_ptr<Container> scratch_;
+    std::unique_ptr<Transaction> direct_; ///< open while new tiles stand in the library file unsaved
+    std::map<std::int64_t, std::shared_ptr<MapObject>> mapObjects_;
+    std::map<std::int64_t, std::shared_ptr<IconObject>> iconObjects_;
+};

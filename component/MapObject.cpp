@@ -1,0 +1,165 @@
+#include "component/MapObject.h"
+
+#include "base/CheckedNumbers.h"
+#include "component/PixelBands.h"
+#include "component/PixelImage.h"
+#include "component/render/TileExport.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr const char* ExportExtension = ".png";
+
+template <typename Numbers>
+void RequireFinite(const Numbers& numbers, const char* what) {
+    if (!std::all_of(numbers.begin(), numbers.end(), [](double number) { return std::isfinite(number); }))
+        throw ComponentError(ErrorNumber::ValueNotFinite,
+                             std::string("The numbers of the ") + what + " are not all finite.");
+}
+
+} // namespace
+
+MapObject::MapObject(std::shared_ptr<MapState> state, std::shared_ptr<Operations> operations, int threads)
+    : MetadataObject(std::move(state)), layout_(Held().record.Layout()), operations_(std::move(operations)),
+      threads_(threads) {}
+
+void MapObject::SetZoom(double zoom) {
+    if (!std::isfinite(zoom) || zoom <= 0)
+        throw ComponentError(ErrorNumber::InvalidArgument, "A zoom must be a number above 0.");
+    Held().record.zoom = zoom;
+}
+
+void MapObject::SetMapDatum(const QuorvantDatum::Numbers& datum) {
+    RequireFinite(datum, "datum");
+    Georeference& georeference = Held().record.georeference;
+    georeference.datum = QuorvantDatum(datum);
+    georeference.grid.reset();
+    georeference.gridIdentifier = 0;
+    georeference.zone.clear();
+    converters_ = {};
+}
+
+void MapObject::SetMapGrid(std::int32_t method, std::int32_t zone, const std::array<double, 7>& values) {
+    RequireFinite(values, "grid");
+    const GridNumbers grid{method, zone, values};
+    // Refuses numbers that describe no projection, before anything is changed.
+    const GridProjection usable(grid, Held().record.georeference.datum.value_or(QuorvantDatum()));
+    Held().record.georeference.grid = grid;
+    converters_ = {};
+}
+
+void MapObject::SetGridIdentifier(std::int32_t identifier) {
+    Held().record.georeference.gridIdentifier = identifier;
+}
+
+void MapObject::SetScaling(ScalingKind kind, std::vector<ReferencePoint> points) {
+    Georeference changed = Held().record.georeference;
+    changed.kind = kind;
+    changed.points = std::move(points);
+    std::unique_ptr<Scaling> scaling = MakeScaling(changed);
+    Held().record.georeference = std::move(changed);
+    converters_.scaling = std::move(scaling);
+}
+
+void MapObject::SetScalingThreePoints(const ReferencePoint& first, const ReferencePoint& second,
+                                      const ReferencePoint& third) {
+    SetScaling(ScalingKind::Linear, {first, second, third});
+}
+
+void MapObject::SetScalingCorners(const ReferencePoint& upperLeft, const ReferencePoint& lowerLeft,
+                                  const ReferencePoint& upperRight, const ReferencePoint& lowerRight) {
+    SetScaling(ScalingKind::Polar, {upperLeft, lowerLeft, upperRight, lowerRight});
+}
+
+MapObject::Converters& MapObject::WithScaling() const {
+    if (!IsScaled())
+        throw ComponentError(ErrorNumber::MapNotScaled, "The map '" + Name() + "' is not scaled.");
+    if (!converters_.scaling)
+        converters_.scaling = MakeScaling(Held().record.georeference);
+    return converters_;
+}
+
+MapObject::Converters& MapObject::WithDatum() const {
+    const Georeference& georeference = Held().record.georeference;
+    const QuorvantDatum datum = georeference.datum.value_or(QuorvantDatum());
+    if (!converters_.shift)
+        converters_.shift = std::make_unique<DatumShift>(datum);
+    if (georeference.grid && !converters_.projection)
+        converters_.projection = std::make_unique<GridProjection>(*georeference.grid, datum);
+    return converters_;
+}
+
+WorldPosition MapObject::PixelToWorld(const PixelPosition& pixel) const {
+    return WithScaling().scaling->PixelToWorld(pixel);
+}
+
+PixelPosition MapObject::WorldToPixel(const WorldPosition& world) const {
+    return WithScaling().scaling->WorldToPixel(world);
+}
+
+LonLat MapObject::WorldToWgs84(const WorldPosition& world) const {
+    const Converters& converters = WithDatum();
+    LonLat position{world.x, world.y};
+    if (converters.projection)
+        position = converters.projection->Inverse({world.x, world.y});
+    return converters.shift->ToWgs84(position);
+}
+
+WorldPosition MapObject::Wgs84ToWorld(const LonLat& position) const {
+    const Converters& converters = WithDatum();
+    const LonLat own = converters.shift->FromWgs84(position);
+    if (!converters.projection)
+        return {own.longitude, own.latitude};
+    const EastNorth place = converters.projection->Forward(own);
+    return {place.easting, place.northing};
+}
+
+TileReader MapObject::NewReader() const {
+    return {Held().container, layout_, Held().record.pages, Name()};
+}
+
+bool MapObject::RenderView(std::int32_t left, std::int32_t top, std::int32_t width, std::int32_t height,
+                           std::shared_ptr<const AtlavexImage>& image) {
+    // While an operation works on the file the view keeps what it shows.
+    if (operations_->IsRunning())
+        return false;
+    if (shown_ != Held().container) {
+        renderer_.reset();
+        reader_ = std::make_unique<TileReader>(NewReader());
+        renderer_ = std::make_unique<ViewRenderer>(layout_, *reader_, threads_);
+        shown_ = Held().container;
+    }
+    Bitmap view;
+    if (!renderer_->Render({left, top, width, height, Zoom()}, view))
+        return false;
+    image = std::make_shared<PixelImage>(std::move(view));
+    return true;
+}
+
+void MapObject::ReadPixels(
+    const std::function<void(std::span<const std::uint8_t> rows, std::int32_t count)>& band) {
+    TileReader reader = NewReader();
+    PixelBands bands(layout_, Held().record.format, Held().record.palette, reader, threads_);
+    operations_->RunHere([&](Progress& progress, const Operations::Step& step) {
+        progress.Expect(layout_.Level(0).rows);
+        for (std::int32_t row = 0; row < layout_.Level(0).rows; ++row) {
+            const std::span<const std::uint8_t> rows = bands.Read(row, step);
+            band(rows, bands.RowsOf(row));
+            progress.Add(1);
+            step();
+        }
+    });
+}
+
+void MapObject::ExportTiles(const std::string& folder, const std::string& extension) {
+    if (extension != ExportExtension)
+        throw ComponentError(ErrorNumber::InvalidArgument,
+                             "Tiles can be exported as PNG only, not as '" + extension + "'.");
+    const ExportedMap exported{Identifier(), Name(), layout_, MapGeoreference()};
+    TileReader reader = NewReader();
+    operations_->Run([&](Progress& progress) {
+        progress.Expect(layout_.Entries());
+        ::ExportTiles(exported, reader, folder, progress, threads_);
+    });
+}
