@@ -58,7 +58,9 @@ private:
     bool IsOs2() const { return headerBytes_ < InfoHeaderBytes || headerBytes_ == Os2HeaderBytes; }
 
     /// Numbers of the info header by their offset in it; fields beyond a shorter header read as 0.
-    std::uint32_t Short(std::size_t at) const { return fields_.at(at) | std::uint32_t{fields_.at(at + 1)} << 8; }
+    std::uint32_t Short(std::size_t at) const {
+        return fields_.at(at) | std::uint32_t{fields_.at(at + 1)} << 8;
+    }
     std::uint32_t Long(std::size_t at) const { return Short(at) | Short(at + 2) << 16; }
 
     ImageFile& file_;
@@ -81,7 +83,8 @@ void HeaderReader::ReadFields() {
     declaredFirstPixel_ = number(10);
     headerBytes_ = number(14);
     if (headerBytes_ != CoreHeaderBytes && (headerBytes_ < ShortestOs2Header || headerBytes_ > LongestHeader))
-        ThrowNotReadable(file_.Path(), "a BMP header of " + std::to_string(headerBytes_) + " bytes is not read");
+        ThrowNotReadable(file_.Path(),
+                         "a BMP header of " + std::to_string(headerBytes_) + " bytes is not read");
     file_.Seek(FileHeaderBytes);
     file_.Read({fields_.data(), headerBytes_}, "its header");
     end_ = FileHeaderBytes + headerBytes_;
@@ -121,8 +124,9 @@ void HeaderReader::ReadPacking() {
         header_.packing = runs ? BmpPacking::RunLengths : BmpPacking::BitFields;
     }
     if (!known)
-        ThrowNotReadable(file_.Path(), "a BMP of " + std::to_string(bits) + " bits a pixel with compression " +
-                                           std::to_string(compression_) + " is not read");
+        ThrowNotReadable(file_.Path(), "a BMP of " + std::to_string(bits) +
+                                           " bits a pixel with compression " + std::to_string(compression_) +
+                                           " is not read");
 }
 
 void HeaderReader::ReadMasks() {
@@ -178,4 +182,6 @@ void HeaderReader::FindPixels() {
 
 } // namespace
 
-BmpHeader ReadBmpHeader(ImageFile& file) { return HeaderReader(file).Read(); }
+BmpHeader ReadBmpHeader(ImageFile& file) {
+    return HeaderReader(file).Read();
+}

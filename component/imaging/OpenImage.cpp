@@ -1,3 +1,5 @@
+#include "component/imaging/BmpReader.h"
+#include "component/imaging/GifReader.h"
 #include "component/imaging/ImageError.h"
 #include "component/imaging/ImageFile.h"
 #include "component/imaging/JpegReader.h"
@@ -21,6 +23,9 @@ struct ImageKind {
 };
 
 constexpr std::array Kinds{
+    ImageKind{"BM"sv, OpenBmp},
+    ImageKind{"GIF87a"sv, OpenGif},
+    ImageKind{"GIF89a"sv, OpenGif},
     ImageKind{"\xFF\xD8\xFF"sv, OpenJpeg},
     ImageKind{"\x89PNG\r\n\x1A\n"sv, OpenPng},
 };

@@ -7,31 +7,15 @@ RGBA, NAME.rgba: width and height as little-endian 32-bit numbers, then four byt
 """
 
 import os
-import struct
 import sys
 
 import numpy
 from PIL import Image, ImageOps
 
+import bmp_images
+from pictures import test_picture, write_truth
+
 Image.MAX_IMAGE_PIXELS = None
-
-def test_picture(width, height):
-    """A picture with slopes, edges and noise in all three channels, the same in every run."""
-    y, x = numpy.mgrid[0:height, 0:width]
-    random = numpy.random.default_rng(width * 65537 + height)
-    picture = numpy.empty((height, width, 3), numpy.uint8)
-    picture[..., 0] = x * 255 // max(width - 1, 1)
-    picture[..., 1] = (y * 255 // max(height - 1, 1) + random.integers(0, 30, (height, width))).clip(0, 255)
-    picture[..., 2] = numpy.where((x // 5 + y // 3) % 2 == 0, 230, 20)
-    return picture
-
-
-def write_truth(name, rgba):
-    height, width = rgba.shape[:2]
-    with open(name + ".rgba", "wb") as out:
-        out.write(struct.pack("<ii", width, height))
-        out.write(numpy.ascontiguousarray(rgba, numpy.uint8).tobytes())
-
 
 def make_kinds(folder):
     picture = Image.fromarray(test_picture(37, 23))
@@ -67,7 +51,12 @@ def make_turned_large(folder):
     save_turned(folder, "large", picture, (3, 5, 7))
 
 
-THEMES = {"kinds": make_kinds, "turned": make_turned, "turned-large": make_turned_large}
+THEMES = {
+    "bmp": bmp_images.make,
+    "kinds": make_kinds,
+    "turned": make_turned,
+    "turned-large": make_turned_large,
+}
 
 
 if __name__ == "__main__":
