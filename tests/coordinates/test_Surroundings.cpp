@@ -1,0 +1,121 @@
+#include "base/NumberText.h"
+#include "coordinates/CrsText.h"
+#include "coordinates/ProjTransform.h"
+#include "coordinates/Projection.h"
+#include "coordinates/QuorvantPosition.h"
+#include "tests/support/RunProgram.h"
+#include "tests/support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cstdlib>
+#include <locale>
+#include <optional>
+
+// The same numbers must come out whatever locale, environment or PROJ installation the user has.
+
+namespace {
+
+/// An environment variable with another value, until the end of the scope.
+class ScopedVariable {
+public:
+    ScopedVariable(std::string name, const std::string& value) : name_(std::move(name)) {
+        if (const char* old = std::getenv(name_.c_str()))
+            old_ = old;
+        setenv(name_.c_str(), value.c_str(), 1);
+    }
+    ~ScopedVariable() {
+        if (old_)
+            setenv(name_.c_str(), old_->c_str(), 1);
+        else
+            unsetenv(name_.c_str());
+    }
+    ScopedVariable(const ScopedVariable&) = delete;
+    ScopedVariable& operator=(const ScopedVariable&) = delete;
+
+private:
+    std::string name_;
+    std::optional<std::string> old_;
+};
+
+/// A German locale, compiled for the occasion so that none need be installed, in C and C++ alike.
+class ScopedDecimalComma {
+public:
+    ScopedDecimalComma() : path_("LOCPATH", folder_.Path().string()) {
+        const auto made =
+            RunProgram({"localedef", "-i", "de_DE", "-f", "UTF-8", (folder_ / "de_DE.UTF-8").string()});
+        if (made.status != 0)
+            throw std::runtime_error("localedef: " + made.err);
+        old_ = std::locale::global(std::locale("de_DE.UTF-8"));
+    }
+    ~ScopedDecimalComma() { std::locale::global(old_); }
+
+private:
+    TempFolder folder_;
+    ScopedVariable path_;
+    std::locale old_;
+};
+
+/// Numbers from every method, far from the axis too, and everything that is written as text.
+std::string Everything() {
+    std::string text;
+    const struct {
+        std::int16_t identifier;
+        std::int32_t zone;
+        LonLat position;
+    } rows[]{{3, 0, {-2.5, 52.25}}, {1, 32, {45.5, 10.25}}, {30, 4204, {-96.5, 28.5}},
+             {34, 0, {5.5, 52.5}},  {7, 0, {8.25, 46.75}},  {21, 0, {173.5, -41.5}},
+             {48, 0, {9.5, 56.5}},  {49, 0, {15, 55.1}},    {22, 0, {4.25, 50.5}}};
+    for (const auto& row : rows) {
+        const QuorvantGrid grid = MakeGrid(row.identifier, row.zone);
+        const GridProjection projection(grid.AsNumbers(), grid.Datum());
+        const EastNorth plane = projection.Forward(row.position);
+        const LonLat back = projection.Inverse(plane);
+        const LonLat wgs84 = DatumShift(grid.Datum()).ToWgs84(back);
+        for (const double number : {plane.easting, plane.northing, wgs84.longitude, wgs84.latitude})
+            text += NumberToText(number) + "\n";
+        text += QuorvantPosition(wgs84.longitude, wgs84.latitude)
+                    .LongitudeText(AngleFormat::DegreesMinutesSeconds);
+    }
+    return text;
+}
+
+} // namespace
+
+TEST(Surroundings, ADecimalCommaChangesNothing) {
+    const std::string expected = Everything();
+    const std::string wkt = CrsAsWkt(MakeDatum(3), MakeGrid(3, 0).AsNumbers());
+    const ScopedDecimalComma german;
+    ASSERT_STREQ(std::localeconv()->decimal_point, ",");
+    EXPECT_EQ(Everything(), expected);
+    EXPECT_EQ(CrsAsWkt(MakeDatum(3), MakeGrid(3, 0).AsNumbers()), wkt);
+    EXPECT_EQ(TextToNumber("12.5"), 12.5);
+    EXPECT_FALSE(TextToNumber("12,5"));
+}
+
+TEST(Surroundings, TheNetworkStaysOffWhenTheEnvironmentTurnsItOn) {
+    const std::string expected = Everything();
+    const ScopedVariable network("PROJ_NETWORK", "ON");
+    EXPECT_FALSE(proj_context_is_network_enabled(MakeProjContext().get()));
+    EXPECT_EQ(Everything(), expected);
+}
+
+TEST(Surroundings, NoDatabaseIsNeeded) {
+    const std::string expected = Everything();
+    const TempFolder empty;
+    const ScopedVariable data("PROJ_DATA", empty.Path().string());
+    const ScopedVariable library("PROJ_LIB", empty.Path().string());
+    EXPECT_EQ(Everything(), expected);
+    EXPECT_NE(CrsAsWkt(MakeDatum(3), MakeGrid(3, 0).AsNumbers()), "");
+}
+
+TEST(Surroundings, AnApproximateTransverseMercatorInTheSettingsIsNotUsed) {
+    const std::string expected = Everything();
+    const TempFolder folder;
+    WriteWholeFile(folder / "proj.ini", "[general]\ntmerc_default_algo = evenden_snyder\nnetwork = on\n");
+    const ScopedVariable data("PROJ_DATA", folder.Path().string());
+    const ScopedVariable library("PROJ_LIB", folder.Path().string());
+    EXPECT_FALSE(proj_context_is_network_enabled(MakeProjContext().get()));
+    EXPECT_EQ(Everything(), expected);
+}
