@@ -9,7 +9,7 @@ import struct
 
 import numpy
 
-from pictures import test_picture, write_truth
+from pictures import colours_of, indices_of, test_picture, write_truth
 
 HEADER_BYTES = {"core": 12, "os2-16": 16, "info": 40, "v2": 52, "v3": 56, "os2-64": 64, "v4": 108, "v5": 124}
 RGB, RLE8, RLE4, BITFIELDS, RLE24, ALPHABITFIELDS = 0, 1, 2, 3, 4, 6
@@ -53,11 +53,6 @@ def pack_indices(indices, bits):
     return rows
 
 
-def colours_of(count):
-    random = numpy.random.default_rng(count)
-    return random.integers(0, 256, (count, 3), numpy.uint8)
-
-
 def palette_bytes(colours, core):
     return b"".join(bytes((blue, green, red)) + (b"" if core else b"\0") for red, green, blue in colours.tolist())
 
@@ -68,11 +63,6 @@ def palette_truth(indices, colours):
     full[:, 3] = 255
     full[: len(colours), :3] = colours
     return full[indices]
-
-
-def indices_of(width, height, count):
-    random = numpy.random.default_rng(width * 1000 + height * 10 + count)
-    return random.integers(0, count, (height, width))
 
 
 def make_palettes(folder):

@@ -13,6 +13,8 @@ import numpy
 from PIL import Image, ImageOps
 
 import bmp_images
+import gif_images
+import png_images
 from pictures import test_picture, write_truth
 
 Image.MAX_IMAGE_PIXELS = None
@@ -53,7 +55,9 @@ def make_turned_large(folder):
 
 THEMES = {
     "bmp": bmp_images.make,
+    "gif": gif_images.make,
     "kinds": make_kinds,
+    "png": png_images.make,
     "turned": make_turned,
     "turned-large": make_turned_large,
 }

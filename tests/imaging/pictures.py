@@ -21,3 +21,15 @@ def write_truth(name, rgba):
     with open(name + ".rgba", "wb") as out:
         out.write(struct.pack("<ii", width, height))
         out.write(numpy.ascontiguousarray(rgba, numpy.uint8).tobytes())
+
+
+def colours_of(count):
+    """So many colours, red, green, blue, the same in every run."""
+    random = numpy.random.default_rng(count)
+    return random.integers(0, 256, (count, 3), numpy.uint8)
+
+
+def indices_of(width, height, count):
+    """A picture of indices below count, the same in every run."""
+    random = numpy.random.default_rng(width * 1000 + height * 10 + count)
+    return random.integers(0, count, (height, width))
