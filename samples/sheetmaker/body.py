@@ -3,10 +3,11 @@
 import numpy as np
 from PIL import Image
 
-from . import places, symbols, town
-from .canvas import DENSITY, Canvas
-from .curves import at_distance, contour_lines, evenly, lengths, runs_inside, upright
-from .lettering import Occupied, place, text_mask, text_size, write
+from . import symbols, town
+from .canvas import Canvas
+from .curves import at_distance, contour_lines, evenly, lengths, runs_inside
+from .lettering import Occupied, place
+from .naming import Naming
 
 _INTERVAL, _INDEX_INTERVAL = 20, 100  # metres between contours, and between the strong ones
 
@@ -38,16 +39,14 @@ class BodyDrawing:
     def draw(self):
         """Draw everything, lowest first."""
         self._ground()
-        self._ground_only = self.canvas.image.copy()
+        self._lakes()
+        self._ground_only = self.canvas.image.copy()  # what a letter's halo shows again
         self._contours()
         self._water()
         self._ways()
         self._houses()
-        self._summits()
-        self._settlement_names()
-        self._water_names()
-        self._forest_names()
-        self._contour_numbers()
+        naming = Naming(self._rng, self._land, self.canvas, self._ground_only, self._text, self._lines)
+        naming.letter(self._index_lines)
 
     def _ground(self):
         pixels = self.canvas.image.size
@@ -59,8 +58,8 @@ class BodyDrawing:
         for settlement in self._land.settlements:
             town.lay_streets(self._rng, settlement, self._land)
             for street in settlement.streets if settlement.size > 1 else []:
-                self.canvas.line(street, 56, "built")
-                self.canvas.disc(*street[-1], 28, "built")
+                for x, y in evenly(street, 5):  # discs: so wide a line would crack open at its joints
+                    self.canvas.disc(x, y, 30, "built")
 
     def _contours(self):
         self._index_lines = []
@@ -79,11 +78,14 @@ class BodyDrawing:
             self._lines.mark_points(evenly(reach.points, 3))
         for reach in self._land.streams:
             symbols.stream_surface(self.canvas, reach.points, reach.width)
+        self._lakes()
+        self._dam()
+
+    def _lakes(self):
         for lake in self._land.lakes:
             symbols.lake(self.canvas, lake.shore)
             for ring in lake.shore:
                 self._plots.take_area(ring)
-        self._dam()
 
     def _dam(self):
         lake = self._land.lakes[0]
@@ -106,134 +108,34 @@ class BodyDrawing:
             self._lines.mark_points(points)
         self._plots.take_line(self._land.railway, 16)
         self._lines.mark_points(evenly(self._land.railway, 3))
-        self._station()
+        self._stations()
 
-    def _station(self):
-        town_place = self._land.settlements[0]
+    def _stations(self):
         track = evenly(self._land.railway, 6)
-        k = int(np.hypot(track[:, 0] - town_place.x, track[:, 1] - town_place.y).argmin())
-        x, y, angle = at_distance(track, lengths(track)[k])
+        for settlement in self._land.settlements:
+            distance = np.hypot(track[:, 0] - settlement.x, track[:, 1] - settlement.y)
+            if settlement.size > 1 and distance.min() < 420:
+                self._station(*at_distance(track, lengths(track)[int(distance.argmin())]))
+
+    def _station(self, x, y, angle):
         symbols.station(self.canvas, x, y, angle)
         self._text.mark((x - 16, y - 16, x + 16, y + 16))
-        place(self.canvas, self._text, x, y, "Bf.", gap=18, size=17, halo=2, ground=self._ground_only)
+        place(self.canvas, self._text, x, y, "Bf.", gap=20, size=17, halo=2, ground=self._ground_only)
 
     def _houses(self):
         for settlement in self._land.settlements:
+            if settlement.size > 1:
+                self._church(settlement.x, settlement.y)
             for corners in town.houses(self._rng, settlement, self._land, self._plots):
                 self.canvas.polygon(corners, "black")
                 self._lines.mark_points(corners)
-            if settlement.size > 1:
-                x, y = settlement.x + 16, settlement.y - 18
-                self.canvas.disc(x, y, 10, "built")
+
+    def _church(self, middle_x, middle_y):
+        """Draw a church as near to a settlement's middle as the ways leave room for it."""
+        for distance, turn in [(d, t) for d in range(20, 120, 8) for t in range(0, 360, 30)]:
+            x = middle_x + distance * np.cos(np.radians(turn))
+            y = middle_y + distance * np.sin(np.radians(turn))
+            if self._plots.take_if_free(np.array([(x - 9, y - 21), (x + 9, y - 21), (x + 9, y + 9), (x - 9, y + 9)])):
                 symbols.church(self.canvas, x, y)
                 self._text.mark((x - 9, y - 21, x + 9, y + 9))
-
-    def _summits(self):
-        named = iter(places.SUMMITS)
-        for number, (x, y, metres) in enumerate(self._land.summits):
-            important = number < len(places.SUMMITS)
-            (symbols.triangulation_point if important else symbols.spot_height)(self.canvas, x, y)
-            self._text.mark((x - 9, y - 9, x + 9, y + 9))
-            text = f"{metres:.0f}"
-            style = {"size": 17, "halo": 2.5, "ground": self._ground_only}
-            place(self.canvas, self._text, x, y, text, gap=15, **style)
-            if important:
-                place(self.canvas, self._text, x, y, next(named), gap=16, face="sans", **{**style, "size": 21})
-
-    def _settlement_names(self):
-        sizes = {3: (40, "bold"), 2: (29, "sans"), 1: (21, "sans")}
-        for settlement in self._land.settlements:
-            size, face = sizes[settlement.size]
-            gap = {3: 60, 2: 40, 1: 22}[settlement.size]
-            style = {"face": face, "size": size, "halo": 3, "ground": self._ground_only}
-            place(self.canvas, self._text, settlement.x, settlement.y, settlement.name, gap=gap, **style)
-
-    def _along(self, text, points, style, lift=0.0):
-        """Write a text along the straightest free stretch of a line; return whether one was found."""
-        width, height = text_size(text, style.get("face", "sans"), style["size"], style.get("spacing", 0.0))
-        best, best_bend = None, np.inf
-        for at in np.arange(width, lengths(points)[-1] - width, 40):
-            x, y, angle = at_distance(points, at)
-            angle = upright(angle)
-            x, y = x - lift * np.sin(np.radians(angle)), y - lift * np.cos(np.radians(angle))
-            box = _turned_box(x, y, width, height, angle)
-            ends = [at_distance(points, at + side * width / 2)[2] for side in (-1, 1)]
-            bend = abs((ends[0] - ends[1] + 180) % 360 - 180)
-            if bend < best_bend and self._text.free(box):
-                best, best_bend = (x, y, angle, box), bend
-        if best is None or best_bend > 35:
-            return False
-        x, y, angle, box = best
-        self._text.mark(box)
-        write(self.canvas, x, y, text, angle=angle, **style)
-        return True
-
-    def _water_names(self):
-        style = {"face": "serif", "size": 22, "ink": "shore", "slant": True, "halo": 2.5, "ground": self._ground_only}
-        for lake, name in zip(self._land.lakes, places.LAKES):
-            x, y = lake.middle(self._land.terrain.height)
-            large = lake is self._land.lakes[0]
-            size = {"size": 28 if large else 18}
-            lake_style = {**style, **size, "halo": 0}
-            width, height = text_size(name, "serif", size["size"])
-            if large:
-                self._text.mark((x - width / 2, y - height / 2, x + width / 2, y + height / 2))
-                write(self.canvas, x, y, name, **lake_style)
-            else:
-                place(self.canvas, self._text, x, y, name, gap=50, **{**style, **size})
-        reaches = sorted(self._land.streams, key=lambda reach: -reach.width * lengths(reach.points)[-1])
-        names = iter(places.STREAMS)
-        name = next(names)
-        for reach in reaches:
-            for run in runs_inside(evenly(reach.points, 6), *self._size, margin=40):
-                if lengths(run)[-1] > 350 and self._along(name, run, style, lift=reach.width / 2 + 17):
-                    name = next(names, None)
-                    break
-            if name is None:
                 return
-
-    def _forest_names(self):
-        """Forest names go where the wood is widest."""
-        wide = self._land.woods
-        x, y = wide.position(np.arange(wide.values.size))
-        order = np.argsort(-wide.values, axis=None)
-        names = iter(places.FORESTS)
-        name, used = next(names), []
-        for k in order[:60000:7]:
-            if name is None:
-                return
-            width, height = text_size(name, "sans", 25, 9)
-            box = (x[k] - width / 2, y[k] - height / 2, x[k] + width / 2, y[k] + height / 2)
-            if all(np.hypot(x[k] - a, y[k] - b) > 900 for a, b in used) and self._text.free(box):
-                self._text.mark(box)
-                write(self.canvas, x[k], y[k], name, size=25, spacing=9, ink="sign", halo=2.5, ground=self._ground_only)
-                used.append((x[k], y[k]))
-                name = next(names, None)
-
-    def _contour_numbers(self):
-        """Number the strong contours, feet downhill, on stretches where nothing else is drawn."""
-        for level, points in self._index_lines:
-            text = f"{level:.0f}"
-            width, height = text_size(text, "sans", 14)
-            for at in np.arange(self._rng.uniform(100, 300), lengths(points)[-1] - 60, 620):
-                x, y, angle = at_distance(points, at)
-                box = _turned_box(x, y, width, height * 0.8, angle)
-                if not (self._text.free(box) and self._lines.free(box)):
-                    continue
-                self._text.mark(box)
-                angle = self._feet_downhill(x, y, angle)
-                self.canvas.stamp(text_mask(text, "sans", 14, angle, halo=3), x, y, self._ground_only)
-                self.canvas.stamp(text_mask(text, "sans", 14, angle), x, y, "index")
-
-    def _feet_downhill(self, x, y, angle):
-        turn = np.radians(angle)
-        up = (-np.sin(turn), -np.cos(turn))
-        rise = self._land.height.at(x + 12 * up[0], y + 12 * up[1]) - self._land.height.at(x - 12 * up[0], y - 12 * up[1])
-        return angle if rise >= 0 else angle + 180
-
-
-def _turned_box(x, y, width, height, angle):
-    turn = np.radians(angle)
-    cosine, sine = abs(np.cos(turn)), abs(np.sin(turn))
-    half_x, half_y = (width * cosine + height * sine) / 2, (width * sine + height * cosine) / 2
-    return x - half_x, y - half_y, x + half_x, y + half_y

@@ -23,7 +23,7 @@ def angle_text(minutes, letters):
 
 
 def _edge_crossings(edge, step):
-    """Return [(x, y, minutes)] where an edge of sheet pixels (an N×2 array) crosses whole minutes, and which are which.
+    """Return [(x, y, minutes)] where an edge of sheet pixels (an N×2 array) crosses whole minutes.
 
     The angle that changes along the edge is found by interpolation; a sample every few pixels keeps that exact to
     far below a pixel.
@@ -56,7 +56,7 @@ def _body_range():
 
 
 def graticule_crossings():
-    """Yield (x, y, longitude minutes, latitude minutes) of the graticule's crossings inside the body; x, y fractional."""
+    """Yield (x, y, longitude minutes, latitude minutes) of the graticule's crossings in the body; x, y fractional."""
     west, east, south, north = _body_range()
     for latitude in minutes_between(south, north, GRATICULE_MINUTES):
         for longitude in minutes_between(west, east, GRATICULE_MINUTES):
@@ -153,16 +153,15 @@ def _near_corner(side, x, y):
 
 def _graticule_ticks(canvas):
     """Join each graticule line's end at the map body with the frame's ladder, where its number stands."""
-    for outset_from, outset_to in ((1, _LADDER_INNER),):
-        inner, outer = edges(outset_from), edges(outset_to)
-        for side in inner:
-            ends = {m: (x, y) for x, y, m in _edge_crossings(outer[side], GRATICULE_MINUTES)}
-            for x, y, minutes in _edge_crossings(inner[side], GRATICULE_MINUTES):
-                far = ends.get(minutes)
-                if far:
-                    near = (far[0] + (x - far[0]) * 0.3, far[1] + (y - far[1]) * 0.3)
-                    canvas.line([near, far], 1.5, "graticule")
-                    canvas.line([(x, y), (x + (far[0] - x) * 0.2, y + (far[1] - y) * 0.2)], 1.5, "graticule")
+    inner, outer = edges(1), edges(_LADDER_INNER)
+    for side in inner:
+        ends = {m: (x, y) for x, y, m in _edge_crossings(outer[side], GRATICULE_MINUTES)}
+        for x, y, minutes in _edge_crossings(inner[side], GRATICULE_MINUTES):
+            far = ends.get(minutes)
+            if far:
+                near = (far[0] + (x - far[0]) * 0.2, far[1] + (y - far[1]) * 0.2)
+                canvas.line([near, far], 1.5, "graticule")
+                canvas.line([(x, y), (x + (far[0] - x) * 0.2, y + (far[1] - y) * 0.2)], 1.5, "graticule")
 
 
 def draw_frame(canvas):

@@ -77,7 +77,7 @@ class NearestColour:
             closer = distance < best
             best[closer] = distance[closer]
             self._table[closer] = number
-        for number, colour in enumerate(colours):  # a colour itself must come out as itself, whatever its cell's centre says
+        for number, colour in enumerate(colours):  # a colour must come out as itself
             self._table[self._key(np.array(colour, np.uint8))] = number
 
     @staticmethod

@@ -5,7 +5,7 @@ from dataclasses import dataclass
 import numpy as np
 
 from . import places, routes, terrain, water
-from .raster import Raster, nearest_source, smoothed, spectral_noise
+from .raster import Raster, smoothed, spectral_noise
 
 
 @dataclass(frozen=True)
@@ -29,9 +29,8 @@ def _woods(rng, land, settled):
     z = land.height.values
     down, right = np.gradient(smoothed(z, 1.2), 40.0)
     slope = np.hypot(down, right)
-    near, _ = nearest_source(settled, 14)
     patches = spectral_noise(rng, z.shape, 60, 1.3)
-    wish = 0.95 * patches + 5.5 * (slope - 0.16) - 2.2 * np.exp(-near / 5.0) - np.clip((z - 1120) / 60, 0, 4)
+    wish = 0.95 * patches + 5.5 * (slope - 0.16) - 3.0 * settled - np.clip((z - 1120) / 60, 0, 4)
     return land.height.with_values(smoothed(wish, 0.7))
 
 
@@ -42,10 +41,14 @@ def _meadows(rng, land):
     return land.height.with_values(smoothed(0.1 - 3 * np.hypot(down, right) + 0.35 * patches, 0.7))
 
 
-def _settled_mask(land, settlements):
-    mask = np.zeros(land.area.size, bool)
-    mask[[place.cell for place in settlements]] = True
-    return mask.reshape(land.height.values.shape)
+def _settled(land, settlements):
+    """Return how far each node belongs to a settlement's cleared land, 0..1."""
+    x, y = land.height.position(np.arange(land.area.size))
+    share = np.zeros(land.area.size)
+    for place in settlements:
+        reach = {3: 360, 2: 210, 1: 110}[place.size]
+        share = np.maximum(share, np.exp(-(np.hypot(x - place.x, y - place.y) / reach) ** 4))
+    return share.reshape(land.height.values.shape)
 
 
 def _edge_cells(land, body_size):
@@ -78,7 +81,7 @@ def _railway(ground, network, settlements, edges):
     town = settlements[0]
     ground.toll[np.hypot(x - town.x, y - town.y) < 240] *= 12.0
     cells = ground.way(edges[0] + 3 * ground.columns, {edges[1] + 3 * ground.columns}, 900)
-    return ground.line(cells)
+    return ground.line(cells, calm=9)
 
 
 def make_landscape(rng, body_size):
@@ -95,5 +98,5 @@ def make_landscape(rng, body_size):
     railway = _railway(ground, network, settlements, edges)
     flat = terrain.Terrain(water.flooded(land, lakes), land.receiver, land.groups, land.area)
     height = terrain.detailed(rng, flat)
-    return Landscape(flat, height, reaches, lakes, _woods(rng, land, _settled_mask(land, settlements)),
+    return Landscape(flat, height, reaches, lakes, _woods(rng, land, _settled(land, settlements)),
                      _meadows(rng, land), settlements, places.summits(height, body_size, 34), network.lines, railway)

@@ -4,7 +4,6 @@ import numpy as np
 import pyproj
 
 from . import sheet, symbols
-from .canvas import DENSITY
 from .lettering import write
 from .places import TOWN
 
@@ -57,8 +56,10 @@ def _lines(ink, width):
 
 
 def _houses(canvas, x, y):
-    for dx, dy, w, h in ((10, -14, 12, 8), (34, -16, 9, 7), (60, -12, 14, 8), (22, 8, 10, 8), (52, 10, 9, 7), (90, 2, 12, 8)):
-        canvas.polygon([(x + dx, y + dy), (x + dx + w, y + dy), (x + dx + w, y + dy + h), (x + dx, y + dy + h)], "black")
+    for dx, dy, w, h in ((10, -14, 12, 8), (34, -16, 9, 7), (60, -12, 14, 8),
+                         (22, 8, 10, 8), (52, 10, 9, 7), (90, 2, 12, 8)):
+        left, top = x + dx, y + dy
+        canvas.polygon([(left, top), (left + w, top), (left + w, top + h), (left, top + h)], "black")
 
 
 def _river(canvas, x, y):
@@ -98,10 +99,10 @@ _ENTRIES = [
 def _signs(canvas, top):
     write(canvas, _LEFT, top, "LEGEND", face="serifbold", size=46, anchor="l", spacing=4)
     for number, (text, draw) in enumerate(_ENTRIES):
-        y = top + 96 + 88 * number
+        y = top + 96 + 100 * number
         draw(canvas, _LEFT + 10, y)
         write(canvas, _LEFT + 190, y, text, size=30, anchor="l")
-    return top + 96 + 88 * len(_ENTRIES)
+    return top + 96 + 100 * len(_ENTRIES)
 
 
 def _arrow(canvas, x, y, degrees, length, text, ink):

@@ -57,7 +57,7 @@ def text_size(text, face, size, spacing=0.0):
 
 
 def write(canvas, x, y, text, face="sans", size=14, ink="black", anchor="m", **style):
-    """Write a text with its middle at y; anchor l, m or r says which of its points is at x. angle turns about (x, y)."""
+    """Remembers, at a quarter of the sheet's density, which parts of the map body are already taken."""
     halo, ground = style.pop("halo", 0), style.pop("ground", "white")
     width, _ = text_size(text, face, size, style.get("spacing", 0.0))
     x += {"l": width / 2, "m": 0, "r": -width / 2}[anchor]
@@ -67,7 +67,7 @@ def write(canvas, x, y, text, face="sans", size=14, ink="black", anchor="m", **s
 
 
 class Occupied:
-    """Remembers at a quarter of the sheet's density which parts of the map body are already lettered or must stay free."""
+    """Remembers, at a quarter of the sheet's density, which parts of the map body are taken."""
 
     _STEP = 4
 
@@ -79,7 +79,7 @@ class Occupied:
         return slice(max(0, int(top)), int(bottom) + 1), slice(max(0, int(left)), int(right) + 1)
 
     def inside(self, box, edge=6):
-        """Tell whether a box (left, top, right, bottom) lies on the map body with room to its edge."""
+        """Tell whether a box (left, top, right, bottom) lies on the body with room to its edge."""
         rows, columns = self._taken.shape
         return (box[0] > edge and box[1] > edge and box[2] < columns * self._STEP - edge - 8
                 and box[3] < rows * self._STEP - edge - 8)
@@ -105,14 +105,19 @@ def boxes_around(x, y, width, height, gap):
         yield x + right * reach_x, y + down * reach_y
 
 
-def place(canvas, occupied, x, y, text, gap=8, **style):
-    """Write a text beside a point where nothing else is written; return whether a place was found."""
+def place(canvas, occupied, x, y, text, gap=8, clear_of=None, **style):
+    """Write a text beside a point where nothing else is written; return whether a place was found.
+
+    clear_of names further ground to keep off, even at the price of some distance, as long as there is a way to.
+    """
     width, height = text_size(text, style.get("face", "sans"), style.get("size", 14), style.get("spacing", 0.0))
     height *= 0.8
-    for centre_x, centre_y in boxes_around(x, y, width, height, gap):
-        box = (centre_x - width / 2 - 3, centre_y - height / 2, centre_x + width / 2 + 3, centre_y + height / 2)
-        if occupied.free(box):
-            occupied.mark(box)
-            write(canvas, centre_x, centre_y, text, **style)
-            return True
+    tries = [(gap * stretch, clear_of) for stretch in (1, 1.6, 2.3)] if clear_of else []
+    for distance, other in tries + [(gap, None)]:
+        for centre_x, centre_y in boxes_around(x, y, width, height, distance):
+            box = (centre_x - width / 2 - 3, centre_y - height / 2, centre_x + width / 2 + 3, centre_y + height / 2)
+            if occupied.free(box) and (other is None or other.free(box)):
+                occupied.mark(box)
+                write(canvas, centre_x, centre_y, text, **style)
+                return True
     return False

@@ -41,7 +41,8 @@ def _grid_truth():
     rows = []
     for x, y, easting, northing in sheet.crossings():
         longitude, latitude = to_degrees.transform(easting, northing)
-        rows.append({"x": x, "y": y, "easting": easting, "northing": northing, "longitude": longitude, "latitude": latitude})
+        rows.append({"x": x, "y": y, "easting": easting, "northing": northing,
+                     "longitude": longitude, "latitude": latitude})
     return rows
 
 

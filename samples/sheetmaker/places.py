@@ -9,10 +9,10 @@ from .raster import nearest_source, smoothed
 # Invented names; they carry letters beyond ASCII on purpose, as real sheets do.
 TOWN = "Hohenlörach"
 VILLAGES = ["Žirnovec", "Oberfärchau", "Sankt Ölm", "Črnica"]
-HAMLETS = ["Großegg", "Štermec", "Mühltal", "Lärchau", "Döllern", "Kőhalm", "Brežkov", "Hüttwinkl", "Ročjane",
-           "Weißgrub", "Øvergard", "Öd", "Zalužje", "Finsterbühl"]
-SUMMITS = ["Hoher Rauß", "Velika Šepa", "Nebelköpfl", "Čelnik", "Kaltwand", "Schönalmkopf", "Mali Šepec", "Öder Stein",
-           "Žagar", "Grießkogel", "Blaßeck", "Dünnspitz"]
+HAMLETS = ["Großegg", "Štermec", "Mühltal", "Lärchau", "Döllern", "Kőhalm", "Brežkov", "Hüttwinkl",
+           "Ročjane", "Weißgrub", "Øvergard", "Öd", "Zalužje", "Finsterbühl"]
+SUMMITS = ["Hoher Rauß", "Velika Šepa", "Nebelköpfl", "Čelnik", "Kaltwand", "Schönalmkopf", "Mali Šepec",
+           "Öder Stein", "Žagar", "Grießkogel", "Blaßeck", "Dünnspitz"]
 LAKES = ["Färchauer See", "Črno jezerce", "Bärenlacke"]
 STREAMS = ["Rauß", "Žirnovka", "Löschbach", "Ölmer Ache", "Šepski potok", "Bärenbach"]
 FORESTS = ["KÖNIGSFORST", "ŠEPSKI GOZD", "LÖRACHER WALD", "ÖDWALD"]

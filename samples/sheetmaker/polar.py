@@ -1,10 +1,7 @@
 """The polar sheet: an equidistant conic map whose meridians converge and whose parallels are arcs."""
 
-from dataclasses import dataclass
-
 import numpy as np
 import pyproj
-from PIL import Image
 
 from . import inks
 from .body import window
@@ -20,10 +17,17 @@ CORNER_TOLERANCE = 0.0125  # pixels from the true corners to the whole pixels be
 SEED = 7812
 
 _NAMES = (  # text, longitude, latitude, sea or land, size, spacing
-    ("MARE BOREALE", 16.3, 71.0, "sea", 50, 10), ("Íssund", 31.6, 71.0, "sea", 38, 4), ("Kvítflói", 36.5, 69.0, "sea", 38, 4),
-    ("Øykjahaf", 24.5, 76.7, "sea", 44, 6), ("HVÍTALAND", 22, 73.5, "land", 40, 10), ("Sölvmark", 22.5, 69.6, "land", 36, 4),
-    ("ØSTRALAND", 42.6, 73.4, "land", 40, 10), ("STÓRHEIÐ", 42, 67.6, "land", 40, 10), ("Łęgøya", 33.2, 75.4, "land", 24, 0),
-    ("Smáey", 38.6, 70.7, "land", 24, 0), ("Jökulnes", 39.4, 77.3, "land", 30, 2),
+    ("MARE BOREALE", 15.6, 70.9, "sea", 50, 10),
+    ("Íssund", 31.6, 71.0, "sea", 38, 4),
+    ("Kvítflói", 36.5, 69.0, "sea", 38, 4),
+    ("Øykjahaf", 24.5, 76.7, "sea", 44, 6),
+    ("HVÍTALAND", 22, 73.5, "land", 40, 10),
+    ("Sölvmark", 22.5, 69.6, "land", 36, 4),
+    ("ØSTRALAND", 42.6, 73.4, "land", 40, 10),
+    ("STÓRHEIÐ", 42, 67.6, "land", 40, 10),
+    ("Łęgøya", 33.2, 75.4, "land", 24, 0),
+    ("Smáey", 38.6, 70.7, "land", 24, 0),
+    ("Jökulnes", 39.4, 77.3, "land", 30, 2),
 )
 
 # On a sphere a degree of latitude has the same length everywhere on this projection, and a degree of longitude turns
@@ -143,7 +147,8 @@ def _names(canvas):
     land = {"face": "sans", "ink": "black", "halo": 3, "ground": "open"}
     for name, longitude, latitude, kind, size, spacing in _NAMES:
         x, y = to_pixel(longitude, latitude)
-        write(canvas, x, y, name, angle=_lean(longitude), size=size, spacing=spacing, **(sea if kind == "sea" else land))
+        style = sea if kind == "sea" else land
+        write(canvas, x, y, name, angle=_lean(longitude), size=size, spacing=spacing, **style)
 
 
 def _margin(canvas):

@@ -4,7 +4,7 @@ import heapq
 
 import numpy as np
 
-from .curves import rounded
+from .curves import evenly, rounded
 from .raster import nearest_source
 
 _MOVES = [(-1, -1), (-1, 0), (-1, 1), (0, -1), (0, 1), (1, -1), (1, 0), (1, 1),
@@ -60,13 +60,18 @@ class Ground:
                 slope = abs(self.height[other] - here) / (far * 40.0)
                 yield other, far * (1 + steepness * slope * slope) * (toll[other] + toll[cell]) / 2
 
-    def line(self, cells, end=None):
-        """Return the drawn line of a way; end replaces its last point, to meet a road that is already drawn."""
+    def line(self, cells, end=None, calm=1):
+        """Return the drawn line of a way; end replaces its last point, to meet a road that is already drawn.
+
+        calm is how often the steps from node to node are smoothed down.
+        """
         x, y = self.raster.position(np.array(cells))
         points = np.column_stack([x, y]).astype(float)
         if end is not None:
             points[-1] = end
-        return rounded(points, 3, 4)
+        for _ in range(calm):  # spread the points anew each time: where a way doubles back they would crowd and stay
+            points = rounded(evenly(points, 14), 0, 8)
+        return rounded(points, 1, 0)
 
 
 def _walked_back(before, cell):

@@ -10,7 +10,7 @@ _SIDE_STREETS = {3: 18, 2: 6, 1: 1}
 
 
 class Plots:
-    """Knows at sheet density where something stands already, so that no house is drawn on a road, in water or on a house."""
+    """Knows where something stands already, so that no house is drawn on a road, in water or on a house."""
 
     def __init__(self, width, height):
         self._image = Image.new("1", (width, height), 0)
@@ -26,7 +26,9 @@ class Plots:
 
     def take_if_free(self, corners):
         """Take a house's ground if it is free; return whether it was."""
-        box = (int(corners[:, 0].min()), int(corners[:, 1].min()), int(corners[:, 0].max()) + 1, int(corners[:, 1].max()) + 1)
+        left, top = (int(value) for value in corners.min(0))
+        right, bottom = (int(value) + 1 for value in corners.max(0))
+        box = (left, top, right, bottom)
         if box[0] < 8 or box[1] < 8 or box[2] > self._image.width - 8 or box[3] > self._image.height - 8:
             return False
         if self._image.crop(box).getbbox():
@@ -66,19 +68,31 @@ def _lake_nodes(landscape):
     return set(np.flatnonzero(np.any([lake.cells for lake in landscape.lakes], axis=0)).tolist())
 
 
+def _crowds(street, others):
+    """Tell whether a street would run beside another: houses need room between them."""
+    near = np.zeros(len(street), bool)
+    for other in others:
+        gap = np.hypot(street[:, 0][:, None] - other[:, 0], street[:, 1][:, None] - other[:, 1])
+        near |= gap.min(1) < 34
+    return near.mean() > 0.4
+
+
 def lay_streets(rng, place, landscape):
     """Give a place its side streets: they branch off at right angles, more or less, from what is there."""
     main = _direction_near(place, landscape.roads)
     middle = np.array([place.x, place.y])
     reach = _REACH[place.size]
+    roads = [evenly(points, 8) for _, points in landscape.roads]
     starts = [(middle, main)]
-    for turn in range(_SIDE_STREETS[place.size] * 3):
+    for turn in range(_SIDE_STREETS[place.size] * 6):
         if len(place.streets) >= _SIDE_STREETS[place.size]:
             break
         start, along = starts[int(rng.integers(len(starts)))]
         side = along + (np.pi / 2 if turn % 2 else -np.pi / 2) + rng.normal(0, 0.12)
-        street = _street(rng, start, side, reach * rng.uniform(0.4, 0.8))
-        if not _stands_dry(street, landscape):
+        street = evenly(_street(rng, start, side, reach * rng.uniform(0.4, 0.8)), 8)
+        if np.hypot(*(street[-1] - middle)) > reach:
+            continue
+        if _crowds(street, roads + place.streets) or not _stands_dry(street, landscape):
             continue
         place.streets.append(street)
         starts += [(point, side) for point in evenly(street, 70)[1:]]

@@ -6,10 +6,12 @@ import numpy as np
 
 from . import flow
 from .curves import contour_lines, rounded
-from .raster import Raster
+from .raster import nearest_source
 
 _SOURCE_AREA = 170  # nodes of catchment (0.27 square kilometres) that keep a stream running
 _RIVER_AREA = 9000
+_SHORTEST_SOURCE = 7  # nodes; shorter first reaches only clutter the valley floors
+_DAM_REACH = 4.0  # nodes from the outlet that a dam can close
 
 
 @dataclass(frozen=True)
@@ -33,10 +35,9 @@ class Lake:
     outlet_cell: int
 
     def middle(self, raster):
-        """Return the body pixel of the lake's node that is nearest to the mean of all."""
-        x, y = raster.position(np.flatnonzero(self.cells))
-        k = np.hypot(x - x.mean(), y - y.mean()).argmin()
-        return x[k], y[k]
+        """Return the body pixel of the lake's node that lies farthest from the shore: the best place for a name."""
+        distance, _ = nearest_source(~self.cells.reshape(raster.values.shape), 20)
+        return raster.position(int(distance.argmax()))
 
 
 def _reaches(terrain):
@@ -60,6 +61,8 @@ def streams(rng, terrain):
     """Return all reaches as Streams, their beds winding a little between the nodes."""
     found = []
     for cells in _reaches(terrain):
+        if terrain.area[cells[0]] < 2 * _SOURCE_AREA and len(cells) < _SHORTEST_SOURCE:
+            continue
         x, y = terrain.height.position(np.array(cells))
         points = np.column_stack([x, y]).astype(float)
         points[1:-1] += rng.normal(0, 9.0, points[1:-1].shape)
@@ -91,15 +94,20 @@ def _candidates(terrain, body_size, smallest, largest, margin):
     return np.flatnonzero(inside & (terrain.area > smallest) & (terrain.area < largest))
 
 
-def _leaks(terrain, cells, inside, level):
-    """Tell whether the water would run over another rim than its outlet's: a dry node beside it lies lower, far off."""
+def _low_rim(terrain, cells, inside, level, outlet):
+    """Return the number of lower dry nodes beside the water that a dam at the outlet must close.
+
+    Infinite where one lies too far from the outlet: there the water would run over another rim.
+    """
     shape = terrain.height.values.shape
     low_outside = (~inside & (terrain.height.values.ravel() < level)).reshape(shape)
     wet = cells.reshape(shape)
     beside = np.zeros(shape, bool)
     for down, right in [(-1, 0), (1, 0), (0, -1), (0, 1)]:
         beside |= np.roll(wet, (down, right), (0, 1))
-    return int((beside & low_outside).sum()) > 5
+    row, column = np.nonzero(beside & low_outside)
+    too_far = np.hypot(row - outlet // shape[1], column - outlet % shape[1]) > _DAM_REACH
+    return np.inf if too_far.any() else len(row)
 
 
 def _best(terrain, candidates, depth, wanted, avoid):
@@ -107,11 +115,12 @@ def _best(terrain, candidates, depth, wanted, avoid):
     for outlet in candidates.tolist():
         cells, inside, level = _lake_cells(terrain, outlet, depth)
         count = int(cells.sum())
-        if (cells & avoid).any() or not 0.5 * wanted < count < 2.2 * wanted or _leaks(terrain, cells, inside, level):
+        if (cells & avoid).any() or not 0.5 * wanted < count < 2.2 * wanted:
             continue
         x, y = terrain.height.position(np.flatnonzero(cells))
         spread = np.hypot(x - x.mean(), y - y.mean()).max() / terrain.height.step
-        score = spread ** 2 / count + abs(np.log(count / wanted))
+        rim = _low_rim(terrain, cells, inside, level, outlet)
+        score = spread ** 2 / count + abs(np.log(count / wanted)) + 0.2 * rim
         if score < best_score:
             best, best_score = outlet, score
     return best
@@ -121,9 +130,9 @@ def lakes(rng, terrain, body_size):
     """Return a large lake in a valley and two small ones high up, each where the land holds it best."""
     avoid = np.zeros(terrain.area.size, bool)
     found = []
-    for smallest, largest, depth, wanted in [(1200, 16000, 30, 420), (150, 900, 13, 34), (150, 900, 13, 22)]:
+    for smallest, largest, depth, wanted in [(1200, 30000, 42, 330), (150, 900, 16, 30), (150, 900, 16, 22)]:
         candidates = _candidates(terrain, body_size, smallest, largest, 420)
-        outlet = _best(terrain, rng.permutation(candidates)[:260], depth, wanted, avoid)
+        outlet = _best(terrain, rng.permutation(candidates)[:600], depth, wanted, avoid)
         if outlet is None:
             continue
         lake = _make_lake(terrain, outlet, depth)

@@ -144,7 +144,8 @@ class Sheets(unittest.TestCase):
             self.assertLess(green, min(red, blue), row)
 
     def test_meridians_of_the_polar_sheet_converge(self):
-        pixels = {tuple(map(float, text.split("=")[1].split(","))): float(text.split(",")[0]) for text in self.polar["corners"]}
+        pixels = {tuple(map(float, text.split("=")[1].split(","))): float(text.split(",")[0])
+                  for text in self.polar["corners"]}
         (west, north), (_, south), (east, _), _ = pixels
         self.assertLess(pixels[east, north] - pixels[west, north], 0.6 * (pixels[east, south] - pixels[west, south]))
 
