@@ -66,6 +66,30 @@ TEST(Jpeg, ReadsImagesSmallerThanABlock) {
     }
 }
 
+TEST(Jpeg, ReadsProgressiveImagesThatDoNotFitItsWindowsInMemory) {
+    const JpegOptions everyWindowMoves{
+        .sampling = {{1, 1}, {1, 1}, {1, 1}}, .quality = 40, .progressive = true};
+    const TempFolder folder;
+    WriteJpeg(folder / "large.jpg", 4303, 4101, everyWindowMoves);
+    EXPECT_TRUE(SamePixels(DecodeWithEngine(folder / "large.jpg", 100),
+                           DecodeWithPillow(folder / "large.jpg"), Rounding));
+}
+
+TEST(Jpeg, StopsDecodingAProgressiveImageThatIsCancelled) {
+    const TempFolder folder;
+    WriteJpeg(folder / "image.jpg", 203, 117, {.progressive = true});
+    const auto reader = OpenImage(folder / "image.jpg");
+    Progress progress;
+    reader->WatchForCancel(progress);
+    progress.Cancel();
+    try {
+        ReadAllRows(*reader);
+        ADD_FAILURE() << "was read";
+    } catch (const ComponentError& error) {
+        EXPECT_EQ(error.Number(), ErrorNumber::Cancelled);
+    }
+}
+
 TEST(Jpeg, KeepsGreyAsOneByteAPixel) {
     const TempFolder folder;
     WriteJpeg(folder / "grey.jpg", 20, 10, {.stored = JCS_GRAYSCALE});
