@@ -57,7 +57,11 @@ def text_size(text, face, size, spacing=0.0):
 
 
 def write(canvas, x, y, text, face="sans", size=14, ink="black", anchor="m", **style):
-    """Remembers, at a quarter of the sheet's density, which parts of the map body are already taken."""
+    """Write a text with its middle at y; anchor l, m or r says which of its points is at x.
+
+    angle turns it about its middle. halo is the width of the free strip around it, which shows ground: an ink or an
+    image as large as the canvas.
+    """
     halo, ground = style.pop("halo", 0), style.pop("ground", "white")
     width, _ = text_size(text, face, size, style.get("spacing", 0.0))
     x += {"l": width / 2, "m": 0, "r": -width / 2}[anchor]
