@@ -1,16 +1,17 @@
 #include "platform/modGUID.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
-#include <regex>
+#include <array>
 #include <set>
+#include <string>
 
 TEST(CreateGUID, HasTheTextFormOfARandomUuidWithoutBraces) {
-    const std::regex form("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}");
+    const auto* form = "[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}";
     for (int i = 0; i < 1000; ++i) {
         const std::string guid = CreateGUID();
         EXPECT_EQ(guid.size(), 36u);
-        EXPECT_TRUE(std::regex_match(guid, form)) << guid;
+        EXPECT_THAT(guid, testing::MatchesRegex(form));
         EXPECT_TRUE(IsGUIDText(guid));
     }
 }
