@@ -1,0 +1,123 @@
+#include "component/render/MapDescription.h"
+
+#include "component/render/ExportText.h"
+#include "component/render/Wgs84Bounds.h"
+#include "component/scaling/Scaling.h"
+#include "coordinates/CrsText.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json DescribeLevels(const PyramidLayout& layout) {
+    Json levels = Json::array();
+    for (int level = layout.Levels() - 1; level >= 0; --level) {
+        const PyramidLevel& at = layout.Level(level);
+        levels.push_back({{"z", layout.Levels() - 1 - level},
+                          {"width", at.width},
+                          {"height", at.height},
+                          {"columns", at.columns},
+                          {"rows", at.rows},
+                          {"mapPixelsPerPixel", std::int64_t{1} << level}});
+    }
+    return levels;
+}
+
+Json DescribeDatum(const QuorvantDatum& datum) {
+    constexpr std::array names = {"SemiMajorAxis", "e2",   "DeltaX", "DeltaY",     "DeltaZ",
+                                  "RotX",          "RotY", "RotZ",   "ScaleFactor"};
+    Json numbers;
+    for (std::size_t i = 0; i < names.size(); ++i)
+        numbers[names[i]] = datum.AsNumbers()[i];
+    return numbers;
+}
+
+Json DescribeGrid(const Georeference& georeference) {
+    constexpr std::array names = {"latitudeOfOrigin", "longitudeOfOrigin", "scale",    "falseEasting",
+                                  "falseNorthing",    "parallel1",         "parallel2"};
+    Json numbers = {{"method", georeference.grid->method}, {"zone", georeference.grid->zone}};
+    for (std::size_t i = 0; i < names.size(); ++i)
+        numbers[names[i]] = georeference.grid->values[i];
+    numbers["identifier"] = georeference.gridIdentifier;
+    numbers["zoneText"] = ValidUtf8(georeference.zone);
+    return numbers;
+}
+
+Json DescribePoints(const Georeference& georeference) {
+    Json points = Json::array();
+    for (const ReferencePoint& point : georeference.points)
+        points.push_back(
+            {{"x", point.x}, {"y", point.y}, {"pixelX", point.pixelX}, {"pixelY", point.pixelY}});
+    return points;
+}
+
+/// X = a·px + b·py + c and Y = d·px + e·py + f, in this order; null where the scaling is not linear.
+Json DescribeAffine(const Georeference& georeference) {
+    if (georeference.kind != ScalingKind::Linear)
+        return nullptr;
+    const Affine affine = AffineOf(std::span<const ReferencePoint, 3>(georeference.points.data(), 3));
+    return {affine.a, affine.b, affine.c, affine.d, affine.e, affine.f};
+}
+
+Json DescribeGeoreference(const Georeference& georeference) {
+    if (georeference.kind == ScalingKind::None)
+        return nullptr;
+    return {{"kind", georeference.kind == ScalingKind::Polar ? "polar" : "linear"},
+            {"coordinates", georeference.grid ? "easting-northing" : "longitude-latitude"},
+            {"pixelRule", "whole numbers are pixel centres, (0, 0) is the upper left pixel"},
+            {"points", DescribePoints(georeference)},
+            {"affine", DescribeAffine(georeference)},
+            {"datum", georeference.datum ? DescribeDatum(*georeference.datum) : Json(nullptr)},
+            {"grid", georeference.grid ? DescribeGrid(georeference) : Json(nullptr)}};
+}
+
+Json DescribeCrs(const Georeference& georeference) {
+    const std::string text = georeference.kind == ScalingKind::None
+                                 ? std::string()
+                                 : CrsAsWkt(georeference.datum.value_or(QuorvantDatum()), georeference.grid);
+    return text.empty() ? Json(nullptr) : Json(ValidUtf8(text));
+}
+
+Json DescribeBounds(const ExportedMap& map) {
+    const auto bounds = BoundsOf(map.layout, map.georeference);
+    if (!bounds)
+        return nullptr;
+    return {
+        {"west", bounds->west}, {"south", bounds->south}, {"east", bounds->east}, {"north", bounds->north}};
+}
+
+} // namespace
+
+std::string DescribeMap(const ExportedMap& map, bool complete) {
+    const PyramidLayout& layout = map.layout;
+    const Json description = {
+        {"formatVersion", TileFolderVersion},
+        {"complete", complete},
+        {"identifier", ValidUtf8(map.identifier)},
+        {"name", ValidUtf8(map.name)},
+        {"width", layout.Width()},
+        {"height", layout.Height()},
+        {"tileWidth", layout.TileWidth()},
+        {"tileHeight", layout.TileHeight()},
+        {"scheme", "{z}/{x}/{y}.png"},
+        {"schemeRule", "z 0 is the smallest level, x counts from the left, y from the top"},
+        {"edgeRule", "every tile has full size; beyond the map it is transparent"},
+        {"levels", DescribeLevels(layout)},
+        {"georeference", DescribeGeoreference(map.georeference)},
+        {"crs", DescribeCrs(map.georeference)},
+        {"boundsWgs84", DescribeBounds(map)},
+    };
+    return description.dump(1) + "\n";
+}
+
+std::optional<std::string> IdentifierIn(std::string_view tilesJson) {
+    const Json read = Json::parse(tilesJson, nullptr, false);
+    if (!read.is_object() || !read.contains("identifier") || !read["identifier"].is_string())
+        return std::nullopt;
+    return read["identifier"].get<std::string>();
+}
