@@ -1,0 +1,52 @@
+#pragma once
+
+#include "cli/KeySource.h"
+#include "cli/ProgressBar.h"
+#include "component/AtlavexLibrary.h"
+
+#include <memory>
+#include <string>
+
+/// The library file of a command and where its key comes from, as the command line says.
+struct LibraryChoice {
+    std::string file;
+    KeyOptions key;
+};
+
+/// What a command will do with the library; decides where new tiles go.
+enum class Access { Read, Write };
+
+/// A library for the length of one command: opened with its key, its long work shown on the terminal and
+/// ended by a signal.
+class OpenedLibrary {
+public:
+    /// Loads the file. Throws ComponentError, or CommandFailure (ExitStatus::WrongKey).
+    OpenedLibrary(const LibraryChoice& choice, Access access);
+    /// A new, empty library without a file.
+    static OpenedLibrary MakeNew();
+
+    AtlavexLibrary* operator->() const { return library_.get(); }
+    AtlavexLibrary& operator*() const { return *library_; }
+
+    const std::string& File() const { return file_; }
+    /// Empty for a plain file.
+    const SecretText& Key() const { return key_; }
+
+    /// Saves in place, under the key with which the file was opened.
+    void Save();
+    /// Saves under another name or key; an empty key makes a plain file.
+    void SaveAs(const std::string& file, const SecretText& key);
+
+private:
+    explicit OpenedLibrary(Access access);
+    void WatchWork();
+
+    // On the heap, because the library's events point at it.
+    std::unique_ptr<ProgressBar> progress_ = std::make_unique<ProgressBar>();
+    std::unique_ptr<AtlavexLibrary> library_;
+    std::string file_;
+    SecretText key_;
+};
+
+/// The failure that a key did not open the file.
+[[noreturn]] void ThrowWrongKey(const std::string& file);

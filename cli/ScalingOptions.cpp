@@ -1,0 +1,105 @@
+#include "cli/ScalingOptions.h"
+
+#include "cli/Arguments.h"
+#include "cli/CoordinateSystem.h"
+#include "cli/ExitStatus.h"
+#include "component/scaling/Worldfile.h"
+
+#include <algorithm>
+#include <span>
+
+namespace {
+
+constexpr std::size_t PointCount = 3;
+constexpr std::size_t CornerCount = 4;
+
+void CheckSystemChoice(const ScalingOptions& options) {
+    if (options.grid.empty() == options.datum.empty())
+        throw UsageError("A scaling needs either --grid or --datum.");
+    if (!options.zone.empty() && options.grid.empty())
+        throw UsageError("--zone belongs to --grid.");
+}
+
+void CheckSourceChoice(const ScalingOptions& options) {
+    const int sources = (options.worldfile.empty() ? 0 : 1) + (options.points.empty() ? 0 : 1) +
+                        (options.corners.empty() ? 0 : 1);
+    if (sources != 1)
+        throw UsageError("A scaling needs one of --worldfile, three --point or four --corner.");
+    if (!options.points.empty() && options.points.size() != PointCount)
+        throw UsageError("A scaling needs --point three times, not " + std::to_string(options.points.size()) +
+                         ".");
+    if (!options.corners.empty() && options.corners.size() != CornerCount)
+        throw UsageError("A scaling needs --corner four times, not " +
+                         std::to_string(options.corners.size()) + ".");
+}
+
+std::vector<ReferencePoint> ParsePoints(std::string_view option, const std::vector<std::string>& texts) {
+    std::vector<ReferencePoint> points;
+    std::transform(texts.begin(), texts.end(), std::back_inserter(points),
+                   [option](const std::string& text) { return ParseReferencePoint(option, text); });
+    return points;
+}
+
+std::span<const ReferencePoint, PointCount> AsPoints(const std::vector<ReferencePoint>& points) {
+    return std::span<const ReferencePoint, PointCount>(points.data(), PointCount);
+}
+
+std::span<const ReferencePoint, CornerCount> AsCorners(const std::vector<ReferencePoint>& points) {
+    return std::span<const ReferencePoint, CornerCount>(points.data(), CornerCount);
+}
+
+} // namespace
+
+ScalingPlan::ScalingPlan(const ScalingOptions& options) {
+    CheckSystemChoice(options);
+    CheckSourceChoice(options);
+    ChoosePoints(options);
+    ChooseSystem(options);
+}
+
+void ScalingPlan::ChooseSystem(const ScalingOptions& options) {
+    if (options.grid.empty()) {
+        datum_ = DatumByName(options.datum);
+        return;
+    }
+    const NamedGrid chosen = GridByName(options.grid, options.zone);
+    datum_ = chosen.grid.Datum();
+    grid_ = chosen.grid.AsNumbers();
+    gridIdentifier_ = chosen.identifier;
+    zone_ = chosen.zone;
+}
+
+void ScalingPlan::ChoosePoints(const ScalingOptions& options) {
+    if (!options.points.empty()) {
+        points_ = ParsePoints("--point", options.points);
+        MakeLinearScaling(AsPoints(points_));
+    } else if (!options.corners.empty()) {
+        points_ = ParsePoints("--corner", options.corners);
+        MakePolarScaling(AsCorners(points_));
+    } else {
+        worldfile_ = ReadWorldfile(options.worldfile);
+        MakeLinearScaling(WorldfilePoints(*worldfile_));
+    }
+}
+
+void ScalingPlan::ApplySystem(AtlavexMap& map) const {
+    map.SetMapDatum(datum_->AsNumbers());
+    if (!grid_)
+        return;
+    map.SetMapGrid(grid_->method, grid_->zone, grid_->values);
+    map.SetGridIdentifier(gridIdentifier_);
+    map.SetZone(zone_);
+}
+
+void ScalingPlan::ApplyTo(AtlavexMap& map, Orientation orientation) const {
+    ApplySystem(map);
+    if (points_.size() == CornerCount) {
+        map.SetScalingCorners(points_[0], points_[1], points_[2], points_[3]);
+    } else if (worldfile_) {
+        const auto points =
+            WorldfilePoints(TurnWorldfile(*worldfile_, orientation, map.Width(), map.Height()));
+        map.SetScalingThreePoints(points[0], points[1], points[2]);
+    } else {
+        map.SetScalingThreePoints(points_[0], points_[1], points_[2]);
+    }
+}

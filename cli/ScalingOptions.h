@@ -1,0 +1,52 @@
+#pragma once
+
+#include "component/AtlavexMap.h"
+#include "component/imaging/RowReader.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// The scaling arguments as typed: a grid or a datum, and a worldfile, three points or four corners.
+struct ScalingOptions {
+    std::string grid;
+    std::string zone;
+    std::string datum;
+    std::string worldfile;
+    std::vector<std::string> points;
+    std::vector<std::string> corners;
+
+    bool Given() const {
+        return !(grid.empty() && zone.empty() && datum.empty() && worldfile.empty() && points.empty() &&
+                 corners.empty());
+    }
+};
+
+/// A scaling that was checked as far as it can be without the map: names are known, the worldfile was read,
+/// points span a triangle or corners a sheet.
+class ScalingPlan {
+public:
+    /// Throws UsageError for arguments that contradict or lack each other, ComponentError for names that are
+    /// unknown and for numbers that describe no scaling.
+    explicit ScalingPlan(const ScalingOptions& options);
+
+    /// Gives the map its datum, grid and scaling. `orientation` is the turn from the pixels as stored, which
+    /// a worldfile counts, to the map's; points and corners count the map's own pixels.
+    void ApplyTo(AtlavexMap& map, Orientation orientation = Orientation::TopLeft) const;
+
+    bool CountsStoredPixels() const { return worldfile_.has_value(); }
+
+private:
+    void ChooseSystem(const ScalingOptions& options);
+    void ChoosePoints(const ScalingOptions& options);
+    void ApplySystem(AtlavexMap& map) const;
+
+    std::optional<QuorvantDatum> datum_;
+    std::optional<GridNumbers> grid_;
+    std::int32_t gridIdentifier_ = 0;
+    std::string zone_;
+    std::optional<Affine> worldfile_;
+    std::vector<ReferencePoint> points_; ///< three points or four corners
+};

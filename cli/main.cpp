@@ -1,0 +1,32 @@
+#include "cli/CommandSet.h"
+#include "cli/Interrupt.h"
+#include "cli/Output.h"
+
+#include <exception>
+#include <new>
+
+namespace {
+
+/// Says what went wrong and answers the exit status.
+int Report(ExitStatus status, const std::string& sentence) {
+    PrintMessage(sentence);
+    return static_cast<int>(status);
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments) {
+    CatchInterrupts();
+    try {
+        CommandSet commands;
+        return static_cast<int>(commands.Run(argumentCount, arguments));
+    } catch (const CommandFailure& failure) {
+        return Report(failure.Status(), failure.what());
+    } catch (const ComponentError& error) {
+        return Report(ExitStatusOf(error.Number(), IsInterrupted()), error.Description());
+    } catch (const std::bad_alloc&) {
+        return Report(ExitStatus::Failed, "There is not enough memory.");
+    } catch (const std::exception& error) {
+        return Report(ExitStatus::Failed, error.what());
+    }
+}
