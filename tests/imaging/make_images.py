@@ -13,6 +13,7 @@ import numpy
 from PIL import Image, ImageOps
 
 import bmp_images
+import bomb_images
 import gif_images
 import png_images
 from pictures import test_picture, write_truth
@@ -55,11 +56,13 @@ def make_turned_large(folder):
 
 THEMES = {
     "bmp": bmp_images.make,
+    "bombs": bomb_images.make_bombs,
     "gif": gif_images.make,
     "kinds": make_kinds,
     "png": png_images.make,
     "turned": make_turned,
     "turned-large": make_turned_large,
+    "white": bomb_images.make_white,
 }
 
 
