@@ -9,6 +9,9 @@ namespace {
 
 constexpr std::size_t RandomDigits = 16;
 constexpr std::string_view TemporaryEnding = ".tmp";
+/// Longest name that file systems take, in bytes, and what SQLite appends to it while it writes.
+constexpr std::size_t LongestName = 255;
+constexpr std::string_view JournalEnding = "-journal";
 /// Longest part of the target's name in the temporary's: with the additions it stays below 255 bytes.
 constexpr std::size_t LongestNamePart = 200;
 
@@ -30,6 +33,14 @@ std::string RandomText() {
     return text;
 }
 
+/// A file under a longer name could be put in place, but never be opened again.
+void RequireUsableName(const std::filesystem::path& target) {
+    if (target.filename().string().size() > LongestName - JournalEnding.size())
+        throw ComponentError(ErrorNumber::FileNotWritable,
+                             "The file '" + target.string() +
+                                 "' could not be written: its name is too long.");
+}
+
 bool IsTemporaryOf(const std::string& name, const std::string& start) {
     return name.size() == start.size() + RandomDigits + TemporaryEnding.size() && name.starts_with(start) &&
            name.ends_with(TemporaryEnding) &&
@@ -40,9 +51,25 @@ bool IsTemporaryOf(const std::string& name, const std::string& start) {
 
 FileReplacement::FileReplacement(std::shared_ptr<FileSystem> files, std::filesystem::path target)
     : files_(std::move(files)), target_(std::move(target)) {
+    RequireUsableName(target_);
     SweepAbandoned();
     temporary_ = FolderOf(target_) / (TemporaryStart(target_) + RandomText() + std::string(TemporaryEnding));
-    locked_ = files_->CreateLocked(temporary_);
+    NamingTarget([this] { locked_ = files_->CreateLocked(temporary_); });
+}
+
+void FileReplacement::NamingTarget(const std::function<void()>& step) const {
+    try {
+        step();
+    } catch (const ComponentError& error) {
+        std::string description = error.Description();
+        if (const auto at = description.find(temporary_.string()); at != std::string::npos)
+            description.replace(at, temporary_.string().size(), target_.string());
+        throw ComponentError(error.Number(), description);
+    }
+}
+
+void FileReplacement::Sync() {
+    NamingTarget([this] { locked_->Sync(); });
 }
 
 FileReplacement::~FileReplacement() {

@@ -2,6 +2,7 @@
 
 #include "component/storage/FileSystem.h"
 
+#include <functional>
 #include <string>
 
 /// A file that is built beside its target under a temporary name and then takes its place at once. Unless it
@@ -17,7 +18,7 @@ public:
     const std::filesystem::path& Temporary() const { return temporary_; }
 
     /// Makes what was written to the temporary durable.
-    void Sync() { locked_->Sync(); }
+    void Sync();
     /// Puts the temporary in the target's place. A file that stood there is kept as NAME.bak, NAME.bak2, …
     /// when `keepFormer` says so.
     void TakePlace(bool keepFormer);
@@ -27,6 +28,8 @@ public:
 private:
     void SweepAbandoned() const;
     void KeepFormer();
+    /// What goes wrong with the temporary is told of the target, the only name that the user knows.
+    void NamingTarget(const std::function<void()>& step) const;
 
     std::shared_ptr<FileSystem> files_;
     std::filesystem::path target_;
