@@ -1,5 +1,6 @@
 #include "component/storage/Envelope.h"
 
+#include "base/ComponentError.h"
 #include "component/storage/ByteCodec.h"
 #include "component/storage/FileHeader.h"
 
@@ -30,6 +31,9 @@ std::shared_ptr<const Envelope> Envelope::Plain() {
 }
 
 std::shared_ptr<const Envelope> Envelope::Sealed(const std::string& key, const KeyCost& cost) {
+    if (!cost.IsAcceptable())
+        throw ComponentError(ErrorNumber::InvalidArgument,
+                             "A key takes 1 to 4 passes over 8 to 512 megabytes of memory.");
     std::shared_ptr<Envelope> envelope(new Envelope);
     FillRandom(envelope->id_.data(), envelope->id_.size());
     FillRandom(envelope->salt_.data(), envelope->salt_.size());

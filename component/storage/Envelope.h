@@ -30,6 +30,7 @@ class Envelope {
 public:
     static std::shared_ptr<const Envelope> Plain();
     /// A fresh library id, salt and data key under the key text. Costs one key derivation.
+    /// InvalidArgument for a cost that no reader accepts.
     static std::shared_ptr<const Envelope> Sealed(const std::string& key, const KeyCost& cost);
     /// The envelope of an existing file; nothing when the key is wrong. Throws MalformedRecord when the
     /// header asks for a derivation that no writer would ask for.
