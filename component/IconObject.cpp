@@ -14,8 +14,8 @@ std::vector<std::uint8_t> IconObject::PngFile() {
 }
 
 std::shared_ptr<const AtlavexImage> IconObject::Image() {
+    const IconRecord& record = Held().record;
     if (!image_) {
-        const IconRecord& record = Held().record;
         Bitmap bitmap(record.width, record.height);
         TileDecoder().DecodeToScreen(PngFile(), record.width, record.height, bitmap.pixels.data(),
                                      record.width);

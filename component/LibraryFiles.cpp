@@ -5,6 +5,7 @@
 #include "component/storage/Verification.h"
 #include "platform/modGUID.h"
 
+#include <optional>
 #include <set>
 
 namespace {
@@ -82,8 +83,10 @@ void LibraryObject::SaveToFile(const std::string& file, const std::string& key) 
                          : Envelope::Sealed(key, {static_cast<std::uint32_t>(options_.keyOperations),
                                                   static_cast<std::uint32_t>(options_.keyMemoryMiB) * 1024}),
                      progress);
+        // Here, where the file is known to be saved: a handler may still throw.
+        key_.Remember(key);
     });
-    key_.Remember(key);
+    FollowTiles();
 }
 
 void LibraryObject::SaveHere(Progress& progress) {
@@ -94,9 +97,13 @@ void LibraryObject::SaveHere(Progress& progress) {
         throw;
     }
     scratch_.reset();
-    if (IsMostlyFree(*file_)) {
-        Progress unseen; // what was asked for is saved; the file only becomes smaller
-        SaveAnew(file_->Path(), form_, unseen);
+    if (!IsMostlyFree(*file_))
+        return;
+    try {
+        SaveAnew(file_->Path(), form_, progress);
+    } catch (const ComponentError&) {
+        // What was asked for is saved; that the file could not be made smaller, or that the user would not
+        // wait for it, is no failure of the save.
     }
 }
 
@@ -106,32 +113,27 @@ void LibraryObject::SaveAnew(const std::filesystem::path& target, std::shared_pt
     request.target = target;
     request.form = form;
     request.replaced = file_ && target == file_->Path() ? file_.get() : nullptr;
+    request.begun = &direct_;
     request.generation = file_ ? file_->Header().generation + 1 : 1;
-    std::unique_ptr<LibraryFile> saved = SaveAsNewFile(files_, request, state_, numbers_, progress);
+    std::unique_ptr<LibraryFile> saved;
+    try {
+        saved = SaveAsNewFile(files_, request, state_, numbers_, progress);
+    } catch (const ComponentError&) {
+        if (!direct_)
+            GiveUpDirectWork();
+        throw;
+    }
     direct_.reset();
     file_ = std::move(saved);
     form_ = std::move(form);
     scratch_.reset();
 }
 
-void LibraryObject::GiveUpDirectWork() {
-    direct_.reset();
-    const RecordTable& stored = file_->Records();
-    LibraryState kept;
-    for (const auto& map : state_.maps)
-        if (map->container != file_->Tiles() || stored.contains({BlobKind::MapRecord, map->id}))
-            kept.maps.push_back(map);
-    for (const auto& icon : state_.icons)
-        if (icon->container != file_->Tiles() || stored.contains({BlobKind::IconRecord, icon->id}))
-            kept.icons.push_back(icon);
-    if (kept.maps.size() != state_.maps.size() || kept.icons.size() != state_.icons.size())
-        Replace(std::move(kept));
-}
-
 void LibraryObject::Compact() {
     if (!file_)
         throw ComponentError(ErrorNumber::FileNotFound, "The library has no file yet.");
     operations_->Run([&](Progress& progress) { SaveAnew(file_->Path(), form_, progress); });
+    FollowTiles();
 }
 
 bool LibraryObject::OpenOther(const std::filesystem::path& path, const std::string& key,
@@ -191,17 +193,20 @@ void LibraryObject::MergeFromFile(const std::string& file, const std::string& ke
     keyFitted_ = true;
     IgnoringCancel([&] {
         LibraryState copied;
+        std::shared_ptr<Container> target;
+        std::optional<Savepoint> savepoint; // kept when the events are over, too: their handlers may throw
         operations_->Run([&](Progress& progress) {
             OtherLibrary other;
             keyFitted_ = OpenOther(path, key, other);
             if (!keyFitted_ || (other.state.maps.empty() && other.state.icons.empty()))
                 return;
             progress.Expect(VerifyWork(other.state));
-            const std::shared_ptr<Container> target = ContainerForNew();
-            Savepoint savepoint(target->File());
+            target = ContainerForNew();
+            savepoint.emplace(target->File());
             copied = CopyOther(other, target, progress);
-            savepoint.Keep();
         });
+        if (savepoint)
+            savepoint->Keep();
         added = std::move(copied);
     });
     state_.maps.insert(state_.maps.end(), added.maps.begin(), added.maps.end());

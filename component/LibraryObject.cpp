@@ -1,12 +1,13 @@
 #include "component/LibraryObject.h"
 
 #include "component/imaging/PyramidBuilder.h"
-#include "component/storage/Saving.h"
+#include "component/storage/LibraryWriter.h"
 #include "component/storage/Scratch.h"
 #include "component/storage/Verification.h"
 
 #include <algorithm>
 #include <charconv>
+#include <optional>
 
 namespace {
 
@@ -28,6 +29,13 @@ std::int64_t IdOf(char mark, const std::string& reference) {
 template <typename List>
 auto FindId(List& list, std::int64_t id) {
     return std::find_if(list.begin(), list.end(), [id](const auto& object) { return object->id == id; });
+}
+
+/// The object handed out for this number, if any, belongs to the library no more.
+template <typename Objects>
+void Forget(Objects& objects, std::int64_t id) {
+    if (const auto object = objects.extract(id))
+        object.mapped()->Detach();
 }
 
 [[noreturn]] void NoSuchMap() {
@@ -129,15 +137,16 @@ std::shared_ptr<AtlavexMap> LibraryObject::AddMapFromImageFile(const std::string
     map->record.tileWidth = tileWidth;
     map->record.tileHeight = tileHeight;
     map->record.palette = info.palette;
+    std::optional<Savepoint> savepoint; // kept when the events are over, too: their handlers may throw
     operations_->Run([&](Progress& progress) {
         progress.Expect(std::int64_t{info.width} * info.height);
         map->container = ContainerForNew();
-        Savepoint savepoint(map->container->File());
+        savepoint.emplace(map->container->File());
         TileWriter writer(*map->container, numbers_, layout);
         BuildPyramid(*reader, layout, writer, progress, options_.threads);
         map->record.pages = writer.Finish();
-        savepoint.Keep();
     });
+    savepoint->Keep();
     map->id = numbers_.Take();
     return Append(std::move(map));
 }
@@ -157,8 +166,13 @@ void LibraryObject::RemoveMap(const std::string& reference) {
     const auto found = FindId(state_.maps, IdOf(MapMark, reference));
     if (found == state_.maps.end())
         NoSuchMap();
-    if (const auto object = mapObjects_.extract((*found)->id))
-        object.mapped()->Detach();
+    const MapState& map = **found;
+    if (IsUnsavedInFile(map.container, {BlobKind::MapRecord, map.id})) {
+        Savepoint savepoint(file_->File());
+        RemoveTiles(map.container, map.record);
+        savepoint.Keep();
+    }
+    Forget(mapObjects_, map.id);
     state_.maps.erase(found);
 }
 
@@ -166,9 +180,36 @@ void LibraryObject::RemoveIcon(const std::string& reference) {
     const auto found = FindId(state_.icons, IdOf(IconMark, reference));
     if (found == state_.icons.end())
         NoSuchIcon();
-    if (const auto object = iconObjects_.extract((*found)->id))
-        object.mapped()->Detach();
+    const IconState& icon = **found;
+    if (IsUnsavedInFile(icon.container, {BlobKind::IconRecord, icon.id}))
+        icon.container->Remove(BlobKind::IconPicture, icon.record.picture.number);
+    Forget(iconObjects_, icon.id);
     state_.icons.erase(found);
+}
+
+bool LibraryObject::IsUnsavedInFile(const std::shared_ptr<Container>& container, const RecordKey& key) const {
+    return file_ && container == file_->Tiles() && !file_->Records().contains(key);
+}
+
+void LibraryObject::GiveUpDirectWork() {
+    direct_.reset();
+    std::erase_if(state_.maps, [this](const std::shared_ptr<MapState>& map) {
+        const bool gone = IsUnsavedInFile(map->container, {BlobKind::MapRecord, map->id});
+        if (gone)
+            Forget(mapObjects_, map->id);
+        return gone;
+    });
+    std::erase_if(state_.icons, [this](const std::shared_ptr<IconState>& icon) {
+        const bool gone = IsUnsavedInFile(icon->container, {BlobKind::IconRecord, icon->id});
+        if (gone)
+            Forget(iconObjects_, icon->id);
+        return gone;
+    });
+}
+
+void LibraryObject::FollowTiles() {
+    for (const auto& [id, object] : mapObjects_)
+        object->FollowTiles();
 }
 
 void LibraryObject::Replace(LibraryState state) {

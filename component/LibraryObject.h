@@ -58,6 +58,8 @@ private:
     void SaveHere(Progress& progress);
     void SaveAnew(const std::filesystem::path& target, std::shared_ptr<const Envelope> form,
                   Progress& progress);
+    void FollowTiles();
+    bool IsUnsavedInFile(const std::shared_ptr<Container>& container, const RecordKey& key) const;
     void GiveUpDirectWork();
     bool OpenOther(const std::filesystem::path& path, const std::string& key, OtherLibrary& other);
     LibraryState CopyOther(const OtherLibrary& other, const std::shared_ptr<Container>& target,

@@ -119,19 +119,35 @@ TileReader MapObject::NewReader() const {
     return {Held().container, layout_, Held().record.pages, Name()};
 }
 
+void MapObject::FollowTiles() {
+    if (shown_ == Held().container)
+        return;
+    // The pixels are the same, so the renderer keeps what it has.
+    if (reader_)
+        *reader_ = NewReader();
+    shown_ = reader_ ? Held().container : nullptr;
+}
+
+void MapObject::Detach() {
+    MetadataObject::Detach();
+    renderer_.reset();
+    reader_.reset();
+    shown_.reset();
+}
+
 bool MapObject::RenderView(std::int32_t left, std::int32_t top, std::int32_t width, std::int32_t height,
                            std::shared_ptr<const AtlavexImage>& image) {
+    const double zoom = Zoom();
     // While an operation works on the file the view keeps what it shows.
     if (operations_->IsRunning())
         return false;
-    if (shown_ != Held().container) {
-        renderer_.reset();
+    if (!reader_) {
         reader_ = std::make_unique<TileReader>(NewReader());
         renderer_ = std::make_unique<ViewRenderer>(layout_, *reader_, threads_);
-        shown_ = Held().container;
     }
+    FollowTiles();
     Bitmap view;
-    if (!renderer_->Render({left, top, width, height, Zoom()}, view))
+    if (!renderer_->Render({left, top, width, height, zoom}, view))
         return false;
     image = std::make_shared<PixelImage>(std::move(view));
     return true;

@@ -15,7 +15,10 @@ public:
     std::int32_t Height() const override { return Held().record.height; }
     std::string Identifier() const override { return Held().record.identifier; }
     void SetIdentifier(const std::string& identifier) override { Held().record.identifier = identifier; }
-    const PyramidLayout& Layout() const override { return layout_; }
+    const PyramidLayout& Layout() const override {
+        Held();
+        return layout_;
+    }
     PixelFormat Format() const override { return Held().record.format; }
     const Palette& ColourTable() const override { return Held().record.palette; }
     double Zoom() const override { return Held().record.zoom; }
@@ -43,6 +46,11 @@ public:
     void ReadPixels(
         const std::function<void(std::span<const std::uint8_t> rows, std::int32_t count)>& band) override;
     void ExportTiles(const std::string& folder, const std::string& extension) override;
+
+    /// Lets go of the file that the map's tiles lay in before they were saved elsewhere.
+    void FollowTiles();
+    /// The library holds the map no more, and the map no file.
+    void Detach();
 
 private:
     /// Made from the georeference when they are first needed: the cursor read-out asks at every mouse move.

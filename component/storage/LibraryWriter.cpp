@@ -67,9 +67,9 @@ void LibraryWriter::RemoveGoneRecords() {
         if (staying.contains(key.second))
             continue;
         if (key.first == BlobKind::MapRecord)
-            RemoveTilesOf(key.second);
+            RemoveTiles(target_, MapRecord::Decode(FormerRecord(key)));
         if (key.first == BlobKind::IconRecord)
-            RemovePictureOf(key.second);
+            target_->Remove(BlobKind::IconPicture, IconRecord::Decode(FormerRecord(key)).picture.number);
         Statement(target_->File(), TargetOf(key.first).remove).Bind(1, key.second).Run();
         records_.erase(key);
     }
@@ -84,13 +84,12 @@ Bytes LibraryWriter::FormerRecord(const RecordKey& key) {
     return plain;
 }
 
-void LibraryWriter::RemoveTilesOf(std::int64_t mapId) {
-    const MapRecord record = MapRecord::Decode(FormerRecord({BlobKind::MapRecord, mapId}));
+void RemoveTiles(const std::shared_ptr<Container>& container, const MapRecord& record) {
     const PyramidLayout layout = record.Layout();
-    TileReader reader(target_, layout, record.pages, record.name);
+    TileReader reader(container, layout, record.pages, record.name);
     for (std::int64_t entry = 0; entry < layout.Entries(); ++entry) {
         try {
-            target_->Remove(BlobKind::Tile, reader.Entry(entry).number);
+            container->Remove(BlobKind::Tile, reader.Entry(entry).number);
         } catch (const ComponentError& error) {
             // A damaged page hides which tiles it lists. They stay as free cargo until the file is written
             // anew; the map must be removable all the same.
@@ -100,12 +99,7 @@ void LibraryWriter::RemoveTilesOf(std::int64_t mapId) {
         }
     }
     for (const PageRef& page : record.pages)
-        target_->Remove(BlobKind::DirectoryPage, page.number);
-}
-
-void LibraryWriter::RemovePictureOf(std::int64_t iconId) {
-    const IconRecord record = IconRecord::Decode(FormerRecord({BlobKind::IconRecord, iconId}));
-    target_->Remove(BlobKind::IconPicture, record.picture.number);
+        container->Remove(BlobKind::DirectoryPage, page.number);
 }
 
 void LibraryWriter::WriteMap(const std::shared_ptr<MapState>& map, Progress& progress) {

@@ -39,8 +39,6 @@ public:
 
 private:
     void RemoveGoneRecords();
-    void RemoveTilesOf(std::int64_t mapId);
-    void RemovePictureOf(std::int64_t iconId);
     Bytes FormerRecord(const RecordKey& key);
     void WriteMap(const std::shared_ptr<MapState>& map, Progress& progress);
     void WriteIcon(const std::shared_ptr<IconState>& icon);
@@ -53,6 +51,9 @@ private:
     const LibraryState& state_;
     LibraryWriterResult placed_;
 };
+
+/// Removes a map's tiles and directory pages from the container that holds them.
+void RemoveTiles(const std::shared_ptr<Container>& container, const MapRecord& record);
 
 /// Copies an icon's picture into another container; as CopyTiles.
 BlobRef CopyPicture(const IconState& icon, Container& to, NumberSource* fresh);

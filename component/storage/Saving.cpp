@@ -90,7 +90,7 @@ std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& fi
     progress.Expect(NewFileWork(state));
     std::unique_ptr<Transaction> held;
     if (request.replaced != nullptr) {
-        if (!request.replaced->File().InTransaction())
+        if (request.begun == nullptr || !*request.begun)
             held = std::make_unique<Transaction>(request.replaced->File());
         request.replaced->RequireUnchanged();
     }
@@ -100,6 +100,12 @@ std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& fi
     replacement.Sync();
     ReadBack(replacement, request, progress);
     progress.ThrowIfCancelled();
+    if (request.replaced != nullptr && !held) {
+        // All of it stands in the new file. Its journal must go first: it would be rolled into that one.
+        request.begun->reset();
+        held = std::make_unique<Transaction>(request.replaced->File());
+        request.replaced->RequireUnchanged();
+    }
     replacement.TakePlace(request.replaced == nullptr);
     auto file = LibraryFile::Open(request.target, request.form, request.target.string());
     if (!file->Holds(header))

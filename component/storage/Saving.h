@@ -20,6 +20,9 @@ struct NewFileRequest {
     /// The open file when it is the one that is replaced: its write lock is held until the new one is in
     /// place, and it must be unchanged. Nothing: a file that stands at the target is kept as a .bak.
     LibraryFile* replaced = nullptr;
+    /// A transaction on `replaced` with unsaved work; it ends when the new file takes the file's place.
+    /// Nothing: there is none.
+    std::unique_ptr<Transaction>* begun = nullptr;
     std::int64_t generation = 0;
 };
 

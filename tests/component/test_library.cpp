@@ -16,11 +16,12 @@ LibraryOptions Cheap(const TempFolder& folder) {
 
 std::string MakeImage(const TempFolder& folder) {
     const std::string file = (folder / "sheet.png").string();
-    const auto made = RunProgram({"/usr/bin/python3", "-c",
-                                  "import numpy as n,sys\nfrom PIL import Image\n"
-                                  "r=n.random.RandomState(1)\n"
-                                  "Image.fromarray(r.randint(0,255,(700,900,3),dtype=n.uint8)).save(sys.argv[1])",
-                                  file});
+    const auto made =
+        RunProgram({"/usr/bin/python3", "-c",
+                    "import numpy as n,sys\nfrom PIL import Image\n"
+                    "r=n.random.RandomState(1)\n"
+                    "Image.fromarray(r.randint(0,255,(700,900,3),dtype=n.uint8)).save(sys.argv[1])",
+                    file});
     EXPECT_EQ(made.status, 0) << made.err;
     return file;
 }
