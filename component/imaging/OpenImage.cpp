@@ -5,6 +5,7 @@
 #include "component/imaging/JpegReader.h"
 #include "component/imaging/PngReader.h"
 #include "component/imaging/RowReader.h"
+#include "component/imaging/TiffReader.h"
 
 #include <algorithm>
 #include <array>
@@ -28,6 +29,10 @@ constexpr std::array Kinds{
     ImageKind{"GIF89a"sv, OpenGif},
     ImageKind{"\xFF\xD8\xFF"sv, OpenJpeg},
     ImageKind{"\x89PNG\r\n\x1A\n"sv, OpenPng},
+    ImageKind{"II*\0"sv, OpenTiff},
+    ImageKind{"MM\0*"sv, OpenTiff},
+    ImageKind{"II+\0"sv, OpenTiff}, // BigTIFF
+    ImageKind{"MM\0+"sv, OpenTiff},
 };
 
 constexpr std::size_t LongestFirstBytes = 8;

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "component/imaging/RowReader.h"
+#include "component/imaging/TiffFile.h"
+
+#include <cstdint>
+#include <optional>
+
+/// How a TIFF sample's bits are to be read.
+enum class TiffNumber : std::uint8_t { Unsigned, Signed, Float };
+
+/// What the colour samples of a pixel mean.
+enum class TiffColour : std::uint8_t {
+    Grey,        ///< one sample, 0 is black
+    GreyInverse, ///< one sample, 0 is white
+    Indexed,     ///< one sample, an index
+    Rgb,         ///< three samples
+    Cmyk,        ///< four samples, 0 is no ink
+    Converted,   ///< of a kind that libtiff turns into RGB: YCbCr, L*a*b*, LogL, LogLuv
+};
+
+enum class TiffAlpha : std::uint8_t {
+    None,
+    Associated, ///< colours are stored multiplied by alpha
+    Unassociated,
+};
+
+/// What the first page's tags say of its pixels, checked.
+struct TiffLayout {
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+    Orientation orientation = Orientation::TopLeft;
+    std::uint16_t bits = 8; ///< of a sample
+    TiffNumber number = TiffNumber::Unsigned;
+    /// The values that become 0 and 255 when samples are signed or floating-point: those the file names,
+    /// else 0 and 255 themselves.
+    double blackValue = 0;
+    double whiteValue = 255;
+    std::uint16_t samples = 1; ///< of a pixel, those that are passed over included
+    TiffColour colour = TiffColour::Grey;
+    TiffAlpha alpha = TiffAlpha::None;
+    std::uint16_t alphaSample = 0;
+    bool separatePlanes = false; ///< each sample has strips or tiles of its own
+    bool tiled = false;
+    std::int64_t blockWidth = 0;  ///< of a tile or strip, in pixels
+    std::int64_t blockHeight = 0; ///< likewise, at most the image's height for strips
+
+    int ColourSamples() const;
+    int Planes() const { return separatePlanes ? samples : 1; }
+    /// Samples that stand side by side in one plane.
+    int SamplesTogether() const { return separatePlanes ? 1 : samples; }
+    PixelFormat Format() const;
+};
+
+/// Reads and checks the tags, and switches JPEG data to RGB. Throws ImageDamaged, ImageNotReadable or
+/// ImageTooLarge.
+TiffLayout ReadTiffLayout(const TiffFile& file);
+
+/// The colour map as a palette of 2^bits entries. Old files have 8-bit values in the 16-bit map.
+Palette ReadTiffPalette(const TiffFile& file, std::uint16_t bits);
