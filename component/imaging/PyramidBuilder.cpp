@@ -23,7 +23,9 @@ class Build {
 public:
     Build(RowReader& reader, const PyramidLayout& layout, TileSink& sink, Progress& progress)
         : reader_(reader), sink_(sink), progress_(progress), plan_(reader.Info(), layout), queue_(plan_),
-          assembler_(plan_, queue_) {}
+          assembler_(plan_, queue_) {
+        reader.WatchForCancel(progress);
+    }
 
     /// Works with the calling thread and `threads` − 1 others until all is done.
     void Run(int threads);
