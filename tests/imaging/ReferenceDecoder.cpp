@@ -99,17 +99,19 @@ RgbaImage DecodeWithPillow(const std::filesystem::path& file) {
 }
 
 RgbaImage DecodeWithImageMagick(const std::filesystem::path& file, const std::vector<std::string>& options) {
-    std::vector<std::string> command{"/usr/bin/convert", "-quiet"};
-    command.insert(command.end(), options.begin(), options.end());
-    // Without -strip and -set colorspace a gamma chunk or profile would change the numbers.
-    for (const char* word : {"-auto-orient", "-colorspace", "sRGB", "+profile", "*", "-depth", "8", "-write"})
-        command.emplace_back(word);
-    command.insert(command.begin() + 2 + static_cast<std::ptrdiff_t>(options.size()), file.string() + "[0]");
     const TempFolder folder;
     const auto raw = folder / "pixels.rgba";
-    command.push_back("RGBA:" + raw.string());
-    for (const char* word : {"-format", "%w %h", "info:"})
-        command.emplace_back(word);
+    std::vector<std::string> command{"/usr/bin/convert", "-quiet"};
+    const auto append = [&command](const std::vector<std::string>& words) {
+        command.insert(command.end(), words.begin(), words.end());
+    };
+    append(options);
+    append({file.string() + "[0]"});
+    // A PNG's gamma would make the colours linear ones, and converting them back would change the numbers.
+    if (file.extension() == ".png")
+        append({"-set", "colorspace", "sRGB"});
+    append({"-auto-orient", "-colorspace", "sRGB", "+profile", "*", "-depth", "8"});
+    append({"-write", "RGBA:" + raw.string(), "-format", "%w %h", "info:"});
     const std::string size = RunOrThrow(command);
     RgbaImage image;
     image.width = std::stoi(size);

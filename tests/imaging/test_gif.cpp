@@ -13,4 +13,29 @@ TEST(Gif, ReadsEveryKindAsItWasWritten) {
     }
 }
 
+// Where the frame does not cover its screen the references differ: Pillow paints the rest in the background
+// colour, ImageMagick gives the frame alone. Viewers show it transparent, as here.
+TEST(Gif, AgreesWithPillowAndImageMagick) {
+    const TempFolder folder;
+    RunScript("make_images.py", {"gif", folder.Path().string()});
+    for (const char* name : {"colours-2", "colours-256", "interlaced-37", "large", "palette-own-and-shared",
+                             "screen-transparent", "screen-no-screen", "animation"}) {
+        SCOPED_TRACE(name);
+        const auto image = folder / (std::string(name) + ".gif");
+        EXPECT_TRUE(SamePixels(DecodeWithEngine(image), DecodeWithPillow(image), {0, true})) << "Pillow";
+        EXPECT_TRUE(SamePixels(DecodeWithEngine(image), DecodeWithImageMagick(image), {0, true}))
+            << "ImageMagick";
+    }
+}
+
+TEST(Gif, StaysAPaletteUnlessNoIndexIsLeftForOutsideTheFrame) {
+    const TempFolder folder;
+    RunScript("make_images.py", {"gif", folder.Path().string()});
+    EXPECT_EQ(OpenImage(folder / "colours-256.gif")->Info().format, PixelFormat::Palette);
+    EXPECT_EQ(OpenImage(folder / "screen-within-free-index.gif")->Info().format, PixelFormat::Palette);
+    EXPECT_EQ(OpenImage(folder / "screen-within-all-used-transparent.gif")->Info().format,
+              PixelFormat::Palette);
+    EXPECT_EQ(OpenImage(folder / "screen-within-all-used.gif")->Info().format, PixelFormat::Rgba);
+}
+
 } // namespace

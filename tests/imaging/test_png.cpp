@@ -13,4 +13,34 @@ TEST(Png, ReadsEveryKindAsItWasWritten) {
     }
 }
 
+// 16-bit samples are left out: both references cut off the lower byte instead of rounding.
+TEST(Png, AgreesWithPillowAndImageMagick) {
+    const TempFolder folder;
+    RunScript("make_images.py", {"png", folder.Path().string()});
+    for (const char* name : {"type-0-1", "type-0-2-interlaced", "type-0-4", "type-0-8", "type-2-8",
+                             "type-2-8-key", "type-4-8", "type-6-8-interlaced", "palette-1-2-0",
+                             "palette-4-16-5", "palette-8-256-5-interlaced", "animated"}) {
+        SCOPED_TRACE(name);
+        const auto image = folder / (std::string(name) + ".png");
+        EXPECT_TRUE(SamePixels(DecodeWithEngine(image), DecodeWithPillow(image))) << "Pillow";
+        EXPECT_TRUE(SamePixels(DecodeWithEngine(image), DecodeWithImageMagick(image), {0, true}))
+            << "ImageMagick";
+    }
+}
+
+TEST(Png, KeepsItsKindOfPixels) {
+    const TempFolder folder;
+    RunScript("make_images.py", {"png", folder.Path().string()});
+    const std::pair<const char*, PixelFormat> kinds[]{
+        {"type-0-1", PixelFormat::Grey},          {"type-0-16", PixelFormat::Grey},
+        {"type-0-8-key", PixelFormat::Rgba},      {"type-2-16", PixelFormat::Rgb},
+        {"type-2-8-key", PixelFormat::Rgba},      {"type-4-8", PixelFormat::Rgba},
+        {"type-6-16", PixelFormat::Rgba},         {"palette-1-2-0", PixelFormat::Palette},
+        {"palette-8-256-5", PixelFormat::Palette}};
+    for (const auto& [name, format] : kinds) {
+        SCOPED_TRACE(name);
+        EXPECT_EQ(OpenImage(folder / (std::string(name) + ".png"))->Info().format, format);
+    }
+}
+
 } // namespace
