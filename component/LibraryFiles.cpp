@@ -1,6 +1,7 @@
 // Loading, saving and merging: the part of a library that deals with files.
 
 #include "component/LibraryObject.h"
+#include "component/storage/FileReplacement.h"
 #include "component/storage/Saving.h"
 #include "component/storage/Verification.h"
 #include "platform/modGUID.h"
@@ -83,13 +84,16 @@ void LibraryObject::SaveToFile(const std::string& file, const std::string& key) 
                          : Envelope::Sealed(key, {static_cast<std::uint32_t>(options_.keyOperations),
                                                   static_cast<std::uint32_t>(options_.keyMemoryMiB) * 1024}),
                      progress);
-        // Here, where the file is known to be saved: a handler may still throw.
+        // Here, where the file is known to be saved: a handler may still throw, the folder not be synced.
         key_.Remember(key);
+        if (!sameFile || !sameKey)
+            SyncFolderOf(*files_, target);
     });
     FollowTiles();
 }
 
 void LibraryObject::SaveHere(Progress& progress) {
+    SweepTemporaries(*files_, file_->Path());
     try {
         SaveInPlace(*file_, state_, numbers_, std::move(direct_), progress);
     } catch (const ComponentError&) {
@@ -100,7 +104,7 @@ void LibraryObject::SaveHere(Progress& progress) {
     if (!IsMostlyFree(*file_))
         return;
     try {
-        SaveAnew(file_->Path(), form_, progress);
+        Shrink(progress);
     } catch (const ComponentError&) {
         // What was asked for is saved; that the file could not be made smaller, or that the user would not
         // wait for it, is no failure of the save.
@@ -114,6 +118,9 @@ void LibraryObject::SaveAnew(const std::filesystem::path& target, std::shared_pt
     request.form = form;
     request.replaced = file_ && target == file_->Path() ? file_.get() : nullptr;
     request.begun = &direct_;
+    // Should the new file not open afterwards, the old one that is open is no longer what stands there.
+    if (request.replaced != nullptr)
+        request.placed = [this] { file_.reset(); };
     request.generation = file_ ? file_->Header().generation + 1 : 1;
     std::unique_ptr<LibraryFile> saved;
     try {
@@ -132,8 +139,14 @@ void LibraryObject::SaveAnew(const std::filesystem::path& target, std::shared_pt
 void LibraryObject::Compact() {
     if (!file_)
         throw ComponentError(ErrorNumber::FileNotFound, "The library has no file yet.");
-    operations_->Run([&](Progress& progress) { SaveAnew(file_->Path(), form_, progress); });
+    operations_->Run([&](Progress& progress) { Shrink(progress); });
     FollowTiles();
+}
+
+void LibraryObject::Shrink(Progress& progress) {
+    const std::filesystem::path path = file_->Path();
+    SaveAnew(path, form_, progress);
+    SyncFolderOf(*files_, path);
 }
 
 bool LibraryObject::OpenOther(const std::filesystem::path& path, const std::string& key,

@@ -58,6 +58,7 @@ private:
     void SaveHere(Progress& progress);
     void SaveAnew(const std::filesystem::path& target, std::shared_ptr<const Envelope> form,
                   Progress& progress);
+    void Shrink(Progress& progress);
     void FollowTiles();
     bool IsUnsavedInFile(const std::shared_ptr<Container>& container, const RecordKey& key) const;
     void GiveUpDirectWork();

@@ -47,12 +47,38 @@ bool IsTemporaryOf(const std::string& name, const std::string& start) {
            name.find_first_not_of("0123456789abcdef", start.size()) == start.size() + RandomDigits;
 }
 
+/// No file is put in the place of what is no file, though a privileged user could.
+void RequireNoDevice(const std::filesystem::path& target) {
+    using std::filesystem::file_type;
+    std::error_code ignored;
+    const file_type type = std::filesystem::symlink_status(target, ignored).type();
+    if (type != file_type::not_found && type != file_type::none && type != file_type::regular &&
+        type != file_type::symlink)
+        throw ComponentError(ErrorNumber::FileNotWritable,
+                             "The file '" + target.string() + "' could not be written: a " +
+                                 (type == file_type::directory ? "folder" : "device") + " has this name.");
+}
+
 } // namespace
+
+void SweepTemporaries(FileSystem& files, const std::filesystem::path& target) {
+    const std::string start = TemporaryStart(target);
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(FolderOf(target), error), end; !error && entry != end;
+         entry.increment(error))
+        if (IsTemporaryOf(entry->path().filename().string(), start))
+            files.RemoveIfAbandoned(entry->path());
+}
+
+void SyncFolderOf(FileSystem& files, const std::filesystem::path& target) {
+    files.SyncFolder(FolderOf(target));
+}
 
 FileReplacement::FileReplacement(std::shared_ptr<FileSystem> files, std::filesystem::path target)
     : files_(std::move(files)), target_(std::move(target)) {
     RequireUsableName(target_);
-    SweepAbandoned();
+    RequireNoDevice(target_);
+    SweepTemporaries(*files_, target_);
     temporary_ = FolderOf(target_) / (TemporaryStart(target_) + RandomText() + std::string(TemporaryEnding));
     NamingTarget([this] { locked_ = files_->CreateLocked(temporary_); });
 }
@@ -75,15 +101,6 @@ void FileReplacement::Sync() {
 FileReplacement::~FileReplacement() {
     if (!placed_)
         files_->Remove(temporary_);
-}
-
-void FileReplacement::SweepAbandoned() const {
-    const std::string start = TemporaryStart(target_);
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(FolderOf(target_), error), end; !error && entry != end;
-         entry.increment(error))
-        if (IsTemporaryOf(entry->path().filename().string(), start))
-            files_->RemoveIfAbandoned(entry->path());
 }
 
 void FileReplacement::KeepFormer() {
@@ -110,8 +127,4 @@ void FileReplacement::TakePlace(bool keepFormer) {
         KeepFormer();
     files_->Replace(temporary_, target_);
     placed_ = true;
-}
-
-void FileReplacement::SyncFolder() {
-    files_->SyncFolder(FolderOf(target_));
 }

@@ -5,11 +5,17 @@
 #include <functional>
 #include <string>
 
+/// Removes the temporaries that killed programs left beside the target.
+void SweepTemporaries(FileSystem& files, const std::filesystem::path& target);
+/// Makes the target's name durable after another file took it.
+void SyncFolderOf(FileSystem& files, const std::filesystem::path& target);
+
 /// A file that is built beside its target under a temporary name and then takes its place at once. Unless it
 /// does, nothing of it stays and the target is as it was.
 class FileReplacement {
 public:
     /// Makes the empty temporary; sweeps those that killed programs left for the same target.
+    /// FileNotWritable when the target is a folder, device or pipe.
     FileReplacement(std::shared_ptr<FileSystem> files, std::filesystem::path target);
     ~FileReplacement();
     FileReplacement(const FileReplacement&) = delete;
@@ -22,11 +28,8 @@ public:
     /// Puts the temporary in the target's place. A file that stood there is kept as NAME.bak, NAME.bak2, …
     /// when `keepFormer` says so.
     void TakePlace(bool keepFormer);
-    /// Makes the new name durable. From TakePlace on the new file is the target, whatever this reports.
-    void SyncFolder();
 
 private:
-    void SweepAbandoned() const;
     void KeepFormer();
     /// What goes wrong with the temporary is told of the target, the only name that the user knows.
     void NamingTarget(const std::function<void()>& step) const;

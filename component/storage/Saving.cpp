@@ -82,6 +82,12 @@ void ReadBack(const FileReplacement& replacement, const NewFileRequest& request,
     });
 }
 
+/// To be called under the file's write lock, before anything is written: SQLite has rolled back what had to
+/// be rolled back by then, and leaves a journal that was never completed lying there.
+void RemoveColdJournal(FileSystem& files, const std::filesystem::path& file) {
+    files.Remove(file.string() + "-journal");
+}
+
 } // namespace
 
 std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& files,
@@ -106,12 +112,15 @@ std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& fi
         held = std::make_unique<Transaction>(request.replaced->File());
         request.replaced->RequireUnchanged();
     }
+    if (held)
+        RemoveColdJournal(*files, request.target);
     replacement.TakePlace(request.replaced == nullptr);
+    held.reset();
+    request.placed();
     auto file = LibraryFile::Open(request.target, request.form, request.target.string());
     if (!file->Holds(header))
         file->RequireUnchanged();
     file->ReadState();
     result.Apply(file->Tiles());
-    replacement.SyncFolder();
     return file;
 }

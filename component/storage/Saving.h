@@ -4,6 +4,8 @@
 #include "component/storage/LibraryFile.h"
 #include "component/storage/LibraryWriter.h"
 
+#include <functional>
+
 /// Writes the state into the open file in one transaction: it costs what changed. `begun` is a transaction on
 /// the file that has been begun already (it is committed too), or nothing. Throws FileChanged when another
 /// program changed or replaced the file since it was opened. Any failure leaves the file as it was.
@@ -24,10 +26,13 @@ struct NewFileRequest {
     /// Nothing: there is none.
     std::unique_ptr<Transaction>* begun = nullptr;
     std::int64_t generation = 0;
+    /// Called once the new file stands at the target, before it is opened there. Must not throw.
+    std::function<void()> placed = [] {};
 };
 
 /// Builds the file beside its target, makes it durable, reads it back and puts it in place; then the state's
-/// maps and icons lie in it. Gives the new file, open. Any failure leaves the target as it was.
+/// maps and icons lie in it. Gives the new file, open. A failure before `placed` leaves the target as it was.
+/// To make the new name durable (SyncFolderOf) is left to the caller, once he has taken the new file over.
 std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& files,
                                            const NewFileRequest& request, const LibraryState& state,
                                            const NumberSource& numbers, Progress& progress);

@@ -1,0 +1,93 @@
+#include "tests/faults/Killing.h"
+
+#include "tests/support/RunProgram.h"
+#include "tests/support/TempFolder.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <map>
+#include <sstream>
+#include <stdexcept>
+#include <thread>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+pid_t Start(const std::vector<std::string>& command) {
+    const pid_t child = fork();
+    if (child < 0)
+        throw std::runtime_error("fork failed");
+    if (child > 0)
+        return child;
+    std::vector<char*> arguments;
+    for (const std::string& word : command)
+        arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.push_back(nullptr);
+    const int nowhere = open("/dev/null", O_RDWR);
+    dup2(nowhere, STDOUT_FILENO);
+    dup2(nowhere, STDERR_FILENO);
+    execvp(arguments[0], arguments.data());
+    _exit(127);
+}
+
+} // namespace
+
+std::vector<SystemCall> TraceCalls(const std::vector<std::string>& command, const std::string& names) {
+    const TempFolder folder;
+    std::vector<std::string> traced = {"strace",        "-f", "-o", (folder / "log").string(), "-e",
+                                       "trace=" + names};
+    traced.insert(traced.end(), command.begin(), command.end());
+    const ProgramResult result = RunProgram(traced);
+    if (result.status != 0)
+        throw std::runtime_error("strace could not trace the program (is ptrace permitted?): " + result.err);
+    std::istringstream log(ReadWholeFile(folder / "log"));
+    std::vector<SystemCall> calls;
+    std::map<std::string, int> occurrences;
+    for (std::string line; std::getline(log, line);) {
+        // "PID  name(arguments) = result"; a call that was interrupted is told in two lines, the second of
+        // which has "<..." in place of the name.
+        const std::size_t begin = line.find_first_not_of("0123456789 ");
+        const std::size_t end = line.find('(');
+        if (begin == std::string::npos || end == std::string::npos || !std::islower(line[begin]))
+            continue;
+        const std::string name = line.substr(begin, end - begin);
+        calls.push_back({name, ++occurrences[name]});
+    }
+    return calls;
+}
+
+std::chrono::microseconds RunAndKill(const std::vector<std::string>& command,
+                                     std::chrono::microseconds after) {
+    const auto begin = Clock::now();
+    const pid_t child = Start(command);
+    int status = 0;
+    while (waitpid(child, &status, WNOHANG) == 0) {
+        if (Clock::now() - begin >= after) {
+            kill(child, SIGKILL);
+            waitpid(child, &status, 0);
+            break;
+        }
+        std::this_thread::sleep_for(std::chrono::microseconds(200));
+    }
+    return std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - begin);
+}
+
+void RunAndKillAt(const std::vector<std::string>& command, const SystemCall& call) {
+    std::vector<std::string> traced = {"strace",
+                                       "-f",
+                                       "--seccomp-bpf",
+                                       "-qq",
+                                       "-o",
+                                       "/dev/null",
+                                       "-e",
+                                       "trace=" + call.name,
+                                       "-e",
+                                       "inject=" + call.name +
+                                           ":signal=SIGKILL:when=" + std::to_string(call.occurrence)};
+    traced.insert(traced.end(), command.begin(), command.end());
+    RunProgram(traced);
+}
