@@ -34,7 +34,7 @@ struct DatumShift::State {
 
 DatumShift::DatumShift(const QuorvantDatum& datum) {
     RequireUsable(datum);
-    state_.reset(new State{ProjTransform(PipelineText(datum))});
+    state_ = std::make_unique<State>(State{ProjTransform(PipelineText(datum))});
     if (state_->transform.Empty())
         throw ComponentError(ErrorNumber::UnknownDatum, "The numbers of the datum describe no shift.");
 }

@@ -14,9 +14,9 @@ GridProjection::GridProjection(const GridNumbers& grid, const QuorvantDatum& dat
     RequireUsable(datum);
     RequireFinite(grid);
     if (grid.method == static_cast<std::int32_t>(ProjectionMethod::DanishSystem34))
-        state_.reset(new State{DanishProjection(grid.zone)});
+        state_ = std::make_unique<State>(State{DanishProjection(grid.zone)});
     else
-        state_.reset(new State{PlaneProjection(grid, datum)});
+        state_ = std::make_unique<State>(State{PlaneProjection(grid, datum)});
 }
 
 GridProjection::~GridProjection() = default;
