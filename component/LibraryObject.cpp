@@ -21,9 +21,10 @@ std::string ReferenceOf(char mark, std::int64_t id) {
 
 std::int64_t IdOf(char mark, const std::string& reference) {
     std::int64_t id = 0;
-    if (reference.size() > 1 && reference.front() == mark)
-        std::from_chars(reference.data() + 1, reference.data() + reference.size(), id);
-    return id;
+    const char* end = reference.data() + reference.size();
+    const bool isOne = reference.size() > 1 && reference.front() == mark &&
+                       std::from_chars(reference.data() + 1, end, id).ptr == end;
+    return isOne ? id : 0;
 }
 
 template <typename List>
