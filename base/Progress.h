@@ -10,8 +10,11 @@
 /// the caller's thread reads it and raises the events; both sides may use it at the same time.
 class Progress {
 public:
-    /// Says how much work there will be in all, once that is known.
-    void Expect(std::int64_t work) noexcept { expected_.store(work, std::memory_order_relaxed); }
+    /// Says how much work there will be in all, once that is known, and begins to count anew.
+    void Expect(std::int64_t work) noexcept {
+        done_.store(0, std::memory_order_relaxed);
+        expected_.store(work, std::memory_order_relaxed);
+    }
     /// Adds finished work, in the same units.
     void Add(std::int64_t work) noexcept { done_.fetch_add(work, std::memory_order_relaxed); }
     std::int64_t Done() const noexcept { return done_.load(std::memory_order_relaxed); }

@@ -70,6 +70,23 @@ private:
     Descriptor descriptor_;
 };
 
+/// FAT and some network file systems know one name a file.
+bool LacksSecondNames(int error) {
+    return error == EPERM || error == EOPNOTSUPP || error == ENOSYS || error == EMLINK;
+}
+
+/// A durable copy in place of a second name; false when the name is taken.
+bool Copy(const std::filesystem::path& file, const std::filesystem::path& name) {
+    std::error_code error;
+    if (std::filesystem::exists(std::filesystem::symlink_status(name, error)))
+        return false;
+    if (!std::filesystem::copy_file(file, name, error))
+        Fail(name, error.value());
+    const Descriptor descriptor(open(name.c_str(), O_RDONLY | O_CLOEXEC));
+    Check(descriptor.IsOpen() && fsync(descriptor.Number()) == 0, name);
+    return true;
+}
+
 class SystemFileSystem : public FileSystem {
 public:
     std::unique_ptr<LockedFile> CreateLocked(const std::filesystem::path& file) override {
@@ -83,9 +100,11 @@ public:
     bool AddName(const std::filesystem::path& file, const std::filesystem::path& name) override {
         if (link(file.c_str(), name.c_str()) == 0)
             return true;
-        if (errno != EEXIST)
+        if (errno == EEXIST)
+            return false;
+        if (!LacksSecondNames(errno))
             Fail(name, errno);
-        return false;
+        return Copy(file, name);
     }
 
     void SyncFolder(const std::filesystem::path& folder) override {

@@ -23,7 +23,8 @@ public:
     virtual std::unique_ptr<LockedFile> CreateLocked(const std::filesystem::path& file) = 0;
     /// Puts a file under another name, in place of whatever had it.
     virtual void Replace(const std::filesystem::path& from, const std::filesystem::path& to) = 0;
-    /// Gives a file a second name; false when that name is taken.
+    /// Gives a file a second name (or makes a copy, where a file can have but one); false when that name is
+    /// taken.
     virtual bool AddName(const std::filesystem::path& file, const std::filesystem::path& name) = 0;
     /// Makes names in the folder durable.
     virtual void SyncFolder(const std::filesystem::path& folder) = 0;
