@@ -96,6 +96,9 @@ void CheckNumberKind(const TiffFile& file, const TiffLayout& layout) {
                          "its samples of " + std::to_string(bits) + " bits are of a kind that is not read");
 }
 
+/// Alpha is looked for among the first samples only: each plane before it has to be read.
+constexpr int MostSamplesToAlpha = 16;
+
 /// The first of the extra samples that is alpha; all others are passed over.
 void ReadAlpha(const TiffFile& file, TiffLayout& layout) {
     std::uint16_t count = 0;
@@ -103,7 +106,7 @@ void ReadAlpha(const TiffFile& file, TiffLayout& layout) {
     if (TIFFGetFieldDefaulted(file.Handle(), TIFFTAG_EXTRASAMPLES, &count, &kinds) != 1 || kinds == nullptr)
         return;
     const int first = layout.ColourSamples();
-    for (int i = 0; i < count && first + i < layout.samples; ++i) {
+    for (int i = 0; i < count && first + i < std::min<int>(layout.samples, MostSamplesToAlpha); ++i) {
         if (kinds[i] != EXTRASAMPLE_ASSOCALPHA && kinds[i] != EXTRASAMPLE_UNASSALPHA)
             continue;
         layout.alpha = kinds[i] == EXTRASAMPLE_ASSOCALPHA ? TiffAlpha::Associated : TiffAlpha::Unassociated;
@@ -143,6 +146,12 @@ int TiffLayout::ColourSamples() const {
     if (colour == TiffColour::Cmyk)
         return 4;
     return colour == TiffColour::Rgb || colour == TiffColour::Converted ? 3 : 1;
+}
+
+int TiffLayout::Planes() const {
+    if (!separatePlanes)
+        return 1;
+    return alpha == TiffAlpha::None ? ColourSamples() : alphaSample + 1;
 }
 
 PixelFormat TiffLayout::Format() const {

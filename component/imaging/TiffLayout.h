@@ -46,7 +46,8 @@ struct TiffLayout {
     std::int64_t blockHeight = 0; ///< likewise, at most the image's height for strips
 
     int ColourSamples() const;
-    int Planes() const { return separatePlanes ? samples : 1; }
+    /// Planes that are read: those up to the last sample that counts.
+    int Planes() const;
     /// Samples that stand side by side in one plane.
     int SamplesTogether() const { return separatePlanes ? 1 : samples; }
     PixelFormat Format() const;

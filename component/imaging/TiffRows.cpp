@@ -13,6 +13,9 @@ constexpr std::int64_t MostStripBytes = std::int64_t{8} << 20;
 /// 16-bit RGB in tiles of 512 some 300 MB.
 constexpr std::int64_t MostTileRowBytes = std::int64_t{512} << 20;
 
+/// The longest row of a plane: 64 million pixels of 16-bit RGBA.
+constexpr std::int64_t MostRowBytes = std::int64_t{512} << 20;
+
 /// Whether a writer has left the block out because nothing is in it; it reads as zeros.
 bool IsLeftOut(::TIFF* tiff, std::uint32_t block) {
     return TIFFGetStrileOffset(tiff, block) == 0 && TIFFGetStrileByteCount(tiff, block) == 0;
@@ -30,10 +33,8 @@ public:
             TiffFile* const at = own.get();
             planes_.push_back({at, std::move(own), {}});
         }
-        const std::int64_t bytes =
-            std::max<std::int64_t>(TiffRowBytes(layout), TIFFScanlineSize64(file.Handle()));
         for (PlaneRow& plane : planes_)
-            plane.row = ImageBuffer(file.Path(), bytes);
+            plane.row = ImageBuffer(file.Path(), TiffRowBytes(layout));
     }
 
     void Next(const std::function<void()>& pause) override {
@@ -161,11 +162,14 @@ std::int64_t TiffRowBytes(const TiffLayout& layout) {
 }
 
 std::unique_ptr<TiffRows> MakeTiffRows(TiffFile& file, const TiffLayout& layout) {
+    const std::int64_t rowBytes = TiffRowBytes(layout);
+    if (rowBytes > MostRowBytes / layout.Planes())
+        ThrowImageError(ErrorNumber::ImageTooLarge, file.Path(),
+                        "its rows are longer than the program accepts");
     if (layout.tiled) {
         CheckTiles(file, layout);
         return std::make_unique<BandByBand>(file, layout);
     }
-    const std::int64_t rowBytes = TiffRowBytes(layout);
     if (TIFFScanlineSize64(file.Handle()) != static_cast<std::uint64_t>(rowBytes))
         ThrowDamaged(file.Path(), "the length of its rows contradicts itself");
     if (rowBytes * layout.Planes() > MostStripBytes / layout.blockHeight)

@@ -2,11 +2,10 @@
 
 usage: make_tiffs.py THEME FOLDER
 
-Beside an image whose pixels are known by construction stands the truth as raw RGBA (see make_images.py).
+Beside an image whose pixels are known by construction stands the truth as raw RGBA (see pictures.py).
 """
 
 import os
-import struct
 import sys
 
 import numpy
@@ -14,17 +13,10 @@ from osgeo import gdal
 from PIL import Image
 
 sys.dont_write_bytecode = True  # the folder of the sources stays clean
-from make_images import test_picture, write_truth
+from pictures import test_picture, write_truth
+from tiff_writer import HEIGHT, WIDTH, basic_tags, colour_map, packed, rgba_of, scaled, write_tiff
 
 gdal.UseExceptions()
-WIDTH, HEIGHT = 83, 61
-
-
-def rgba_of(*channels):
-    """Grey, grey and alpha, RGB or RGBA channels as one RGBA picture."""
-    colours = [channels[0]] * 3 if len(channels) < 3 else list(channels[:3])
-    alpha = channels[-1] if len(channels) % 2 == 0 else numpy.full(channels[0].shape, 255, numpy.uint8)
-    return numpy.stack([*colours, alpha], -1)
 
 
 def channels(count):
@@ -33,76 +25,35 @@ def channels(count):
     return [rgb[..., 0], rgb[..., 1], rgb[..., 2], alpha][:count]
 
 
-# A writer of one-page files, for what no library writes.
-
-SIZES = {1: "B", 2: "s", 3: "H", 4: "I", 5: "II", 11: "f", 12: "d", 16: "Q"}
-
-
-def write_tiff(name, tags, blocks, order="<", big=False, tiled=False):
-    """tags: {number: (type, values)}; blocks: the bytes of the strips or tiles."""
-    magic = (b"II" if order == "<" else b"MM") + struct.pack(order + ("HHH" if big else "H"), *((43, 8, 0) if big else (42,)))
-    offset_type, offset_code = (16, "Q") if big else (4, "I")
-    start = len(magic) + struct.calcsize(offset_code)
-    offsets, position = [], start
-    for block in blocks:
-        offsets.append(position)
-        position += len(block)
-    tags = dict(tags)
-    tags[324 if tiled else 273] = (offset_type, offsets)
-    tags[325 if tiled else 279] = (offset_type, [len(block) for block in blocks])
-    room = 8 if big else 4
-    directory = position
-    extra_at = directory + (8 if big else 2) + len(tags) * (20 if big else 12) + room
-    entries, extra = b"", b""
-    for number in sorted(tags):
-        kind, values = tags[number]
-        data = values if kind == 2 else struct.pack(order + SIZES[kind] * (len(values) // len(SIZES[kind])), *values)
-        count = len(values) // (1 if kind == 2 else len(SIZES[kind]))
-        entries += struct.pack(order + "HH" + offset_code, number, kind, count)
-        if len(data) <= room:
-            entries += data.ljust(room, b"\0")
-        else:
-            entries += struct.pack(order + offset_code, extra_at + len(extra))
-            extra += data + b"\0" * (len(data) % 2)
-    with open(name, "wb") as out:
-        out.write(magic + struct.pack(order + offset_code, directory) + b"".join(blocks))
-        out.write(struct.pack(order + ("Q" if big else "H"), len(tags)) + entries + bytes(room) + extra)
+def in_memory(*channels):
+    """The channels as a data set of GDAL."""
+    height, width = channels[0].shape
+    memory = gdal.GetDriverByName("MEM").Create("", width, height, len(channels))
+    for i, channel in enumerate(channels):
+        memory.GetRasterBand(i + 1).WriteArray(channel)
+    return memory
 
 
-def basic_tags(photometric, bits, samples=1, width=WIDTH, height=HEIGHT, rows=None):
-    return {256: (4, [width]), 257: (4, [height]), 258: (3, [bits] * samples), 259: (3, [1]), 262: (3, [photometric]),
-            277: (3, [samples]), 278: (4, [rows or height])}
-
-
-def packed(values, bits):
-    """Rows of small numbers, the most significant bit first, each row ending at a byte."""
-    planes = [(values >> bit & 1).astype(numpy.uint8) for bit in range(bits - 1, -1, -1)]
-    return numpy.packbits(numpy.stack(planes, -1).reshape(len(values), -1), axis=1).tobytes()
-
-
-def scaled(values, most):
-    return ((values.astype(numpy.uint64) * 255 + most // 2) // most).astype(numpy.uint8)
-
-
-def colour_map(red, green, blue):
-    return 320, (3, [int(v) for v in (*red, *green, *blue)])
+def save_gdal(file, memory, *options):
+    gdal.GetDriverByName("GTiff").CreateCopy(file, memory, options=options)
 
 
 # The themes.
 
 def make_coders(folder):
     """Every lossless coder over greys, palettes, RGB and RGBA, in strips, tiles and planes."""
-    layouts = {"strips": [], "strip": [f"BLOCKYSIZE={HEIGHT}"], "tiles": ["TILED=YES", "BLOCKXSIZE=32", "BLOCKYSIZE=16"],
+    layouts = {"strips": [], "strip": [f"BLOCKYSIZE={HEIGHT}"],
+               "tiles": ["TILED=YES", "BLOCKXSIZE=32", "BLOCKYSIZE=16"],
                "planes": ["INTERLEAVE=BAND", "BLOCKYSIZE=7"],
                "planes-tiles": ["INTERLEAVE=BAND", "TILED=YES", "BLOCKXSIZE=16", "BLOCKYSIZE=32"],
                "big": ["BIGTIFF=YES", "ENDIANNESS=BIG"]}
-    coders = {"none": [], "lzw": ["COMPRESS=LZW"], "lzw2": ["COMPRESS=LZW", "PREDICTOR=2"], "packbits": ["COMPRESS=PACKBITS"],
-              "deflate": ["COMPRESS=DEFLATE"], "deflate2": ["COMPRESS=DEFLATE", "PREDICTOR=2"], "zstd": ["COMPRESS=ZSTD"],
-              "lzma": ["COMPRESS=LZMA"], "webp": ["COMPRESS=WEBP", "WEBP_LOSSLESS=YES"], "lerc": ["COMPRESS=LERC"]}
+    coders = {"none": [], "lzw": ["COMPRESS=LZW"], "lzw2": ["COMPRESS=LZW", "PREDICTOR=2"],
+              "packbits": ["COMPRESS=PACKBITS"], "deflate": ["COMPRESS=DEFLATE"],
+              "deflate2": ["COMPRESS=DEFLATE", "PREDICTOR=2"], "zstd": ["COMPRESS=ZSTD"],
+              "lzma": ["COMPRESS=LZMA"], "webp": ["COMPRESS=WEBP", "WEBP_LOSSLESS=YES"],
+              "lerc": ["COMPRESS=LERC"]}
     for count in (1, 2, 3, 4):
-        memory = gdal.GetDriverByName("MEM").Create("", WIDTH, HEIGHT, count)
-        for i, channel in enumerate(channels(count)):
-            memory.GetRasterBand(i + 1).WriteArray(channel)
+        memory = in_memory(*channels(count))
         for layout, options in layouts.items():
             for coder, coding in coders.items():
                 if coder == "webp" and (count != 3 or "planes" in layout):
@@ -110,7 +61,7 @@ def make_coders(folder):
                 file = os.path.join(folder, f"{count}-{layout}-{coder}.tif")
                 meaning = ["PHOTOMETRIC=" + ("RGB" if count > 2 else "MINISBLACK")]
                 meaning += ["ALPHA=NON-PREMULTIPLIED"] if count % 2 == 0 else []
-                gdal.GetDriverByName("GTiff").CreateCopy(file, memory, options=meaning + options + coding)
+                save_gdal(file, memory, *meaning, *options, *coding)
                 write_truth(file, rgba_of(*channels(count)))
 
 
@@ -139,7 +90,9 @@ def make_bits(folder):
                 data = packed(values, bits)
             else:
                 data = values.astype(f"{order}u{bits // 8}").tobytes()
-            truth = scaled(values, 2**bits - 1) if bits < 32 else scaled(values >> numpy.uint64(bits - 32), 2**32 - 1)
+            # Of the widest samples the upper 32 bits decide.
+            seen = min(bits, 32)
+            truth = scaled(values >> numpy.uint64(bits - seen), 2**seen - 1)
             for photometric, grey in ((0, 255 - truth), (1, truth)):
                 file = os.path.join(folder, f"grey-{bits}-{photometric}-{end}.tif")
                 write_tiff(file, basic_tags(photometric, bits), [data], order)
@@ -170,7 +123,8 @@ def make_values(folder, random, order, end):
         write_truth(file, rgba_of(level.clip(0, 255).astype(numpy.uint8)))
         if code == 3:
             tags = basic_tags(1, bits) | {339: (3, [code]), 340: (11, [-40.0]), 341: (11, [300.0])}
-            level = numpy.floor((numpy.nan_to_num(values.astype(float), nan=-40, posinf=999, neginf=-999) + 40) * (255 / 340) + 0.5)
+            level = numpy.nan_to_num(values.astype(float), nan=-40, posinf=999, neginf=-999) + 40
+            level = numpy.floor(level * (255 / 340) + 0.5)
             file = os.path.join(folder, f"range-{kind}-{end}.tif")
             write_tiff(file, tags, [values.tobytes()], order)
             write_truth(file, rgba_of(level.clip(0, 255).astype(numpy.uint8)))
@@ -192,8 +146,10 @@ def make_palettes(folder):
     alpha = random.integers(0, 256, indices.shape)
     both = numpy.stack([indices, alpha], -1).astype(numpy.uint8)
     file = os.path.join(folder, "palette-alpha.tif")
-    write_tiff(file, basic_tags(3, 8, 2) | dict([colour_map(*(colours * 257))]) | {338: (3, [2])}, [both.tobytes()])
-    write_truth(file, rgba_of(*(colours[i][indices].astype(numpy.uint8) for i in range(3)), alpha.astype(numpy.uint8)))
+    tags = basic_tags(3, 8, 2) | dict([colour_map(*(colours * 257))]) | {338: (3, [2])}
+    write_tiff(file, tags, [both.tobytes()])
+    shown = [*(colours[i][indices] for i in range(3)), alpha]
+    write_truth(file, rgba_of(*(c.astype(numpy.uint8) for c in shown)))
 
 
 def make_colours(folder):
@@ -205,12 +161,14 @@ def make_colours(folder):
     multiplied = [(c * alpha + 127) // 255 for c in rgb]
     multiplied[0][1, 1] = 255  # more than its alpha: cut off
     with numpy.errstate(divide="ignore", invalid="ignore"):
-        divided = [numpy.where(alpha == 0, 0, (c * 255 + alpha // 2) // numpy.maximum(alpha, 1)).clip(0, 255) for c in multiplied]
+        divided = [(c * 255 + alpha // 2) // numpy.maximum(alpha, 1) for c in multiplied]
+        divided = [numpy.where(alpha == 0, 0, c).clip(0, 255) for c in divided]
 
     def put(name, samples, truth, photometric, **more):
         data = numpy.stack(samples, -1).astype(numpy.uint8)
         file = os.path.join(folder, name + ".tif")
-        write_tiff(file, basic_tags(photometric, 8, len(samples)) | {int(k[1:]): v for k, v in more.items()}, [data.tobytes()])
+        tags = basic_tags(photometric, 8, len(samples)) | {int(k[1:]): v for k, v in more.items()}
+        write_tiff(file, tags, [data.tobytes()])
         write_truth(file, rgba_of(*(numpy.asarray(c, numpy.uint8) for c in truth)))
 
     put("associated", [*multiplied, alpha], [*divided, alpha], 2, t338=(3, [1]))
@@ -238,13 +196,13 @@ def make_colours(folder):
     write_tiff(file, tags, [data.tobytes()])
     write_truth(file, rgba_of(*(c.astype(numpy.uint8) for c in rgb)))
     # Tiles that were never written are black.
-    memory = gdal.GetDriverByName("GTiff").Create(os.path.join(folder, "sparse.tif"), 100, 90, 3,
-                                                  options=["TILED=YES", "BLOCKXSIZE=32", "BLOCKYSIZE=32", "SPARSE_OK=TRUE", "PHOTOMETRIC=RGB"])
-    memory.GetRasterBand(2).WriteArray(numpy.full((32, 32), 77, numpy.uint8), 32, 32)
+    options = ["TILED=YES", "BLOCKXSIZE=32", "BLOCKYSIZE=32", "SPARSE_OK=TRUE", "PHOTOMETRIC=RGB"]
+    sparse = gdal.GetDriverByName("GTiff").Create(os.path.join(folder, "sparse.tif"), 100, 90, 3, options=options)
+    sparse.GetRasterBand(2).WriteArray(numpy.full((32, 32), 77, numpy.uint8), 32, 32)
+    sparse = None  # closes the file
     truth = numpy.zeros((90, 100, 4), numpy.uint8)
     truth[32:64, 32:64, 1] = 77
     truth[..., 3] = 255
-    memory = None
     write_truth(os.path.join(folder, "sparse.tif"), truth)
 
 
@@ -253,13 +211,11 @@ def make_large_strips(folder):
     random = numpy.random.default_rng(8)
     width, height = 2600, 1300
     picture = numpy.repeat(random.integers(0, 6, (height, width // 26, 3), numpy.uint8) * 40, 26, 1)
-    memory = gdal.GetDriverByName("MEM").Create("", width, height, 3)
-    for i in range(3):
-        memory.GetRasterBand(i + 1).WriteArray(picture[..., i])
+    memory = in_memory(*numpy.moveaxis(picture, -1, 0))
     for name, options in {"together": [], "planes": ["INTERLEAVE=BAND"]}.items():
         for coder in "LZW", "DEFLATE":
             file = os.path.join(folder, f"{name}-{coder}.tif")
-            gdal.GetDriverByName("GTiff").CreateCopy(file, memory, options=options + [f"COMPRESS={coder}", f"BLOCKYSIZE={height}", "PHOTOMETRIC=RGB"])
+            save_gdal(file, memory, *options, f"COMPRESS={coder}", f"BLOCKYSIZE={height}", "PHOTOMETRIC=RGB")
             write_truth(file, rgba_of(*(picture[..., i] for i in range(3))))
 
 
@@ -270,8 +226,8 @@ def make_turned(folder):
         write_tiff(file, basic_tags(2, 8, 3) | {274: (3, [orientation])}, [rgb.tobytes()])
         turn = {1: lambda a: a, 2: lambda a: a[:, ::-1], 3: lambda a: a[::-1, ::-1], 4: lambda a: a[::-1],
                 5: lambda a: a.swapaxes(0, 1), 6: lambda a: a[::-1].swapaxes(0, 1),
-                7: lambda a: a[::-1, ::-1].swapaxes(0, 1), 8: lambda a: a[:, ::-1].swapaxes(0, 1)}[orientation]
-        shown = turn(rgb)
+                7: lambda a: a[::-1, ::-1].swapaxes(0, 1), 8: lambda a: a[:, ::-1].swapaxes(0, 1)}
+        shown = turn[orientation](rgb)
         write_truth(file, rgba_of(shown[..., 0], shown[..., 1], shown[..., 2]))
 
 
@@ -284,30 +240,27 @@ def make_pages(folder):
 
 def make_jpeg(folder):
     """JPEG inside TIFF, without a truth: two decoders are asked."""
-    memory = gdal.GetDriverByName("MEM").Create("", 150, 110, 3)
     smooth = numpy.asarray(Image.fromarray(test_picture(20, 15)).resize((150, 110), Image.BICUBIC))
-    for i in range(3):
-        memory.GetRasterBand(i + 1).WriteArray(smooth[..., i])
-    grey = gdal.GetDriverByName("MEM").Create("", 150, 110, 1)
-    grey.GetRasterBand(1).WriteArray(smooth[..., 0])
-    for name, source, options in (("ycbcr-strips", memory, ["PHOTOMETRIC=YCBCR"]),
-                                  ("ycbcr-tiles", memory, ["PHOTOMETRIC=YCBCR", "TILED=YES", "BLOCKXSIZE=48", "BLOCKYSIZE=32"]),
-                                  ("rgb", memory, ["PHOTOMETRIC=RGB"]), ("planes", memory, ["INTERLEAVE=BAND", "PHOTOMETRIC=RGB"]),
-                                  ("grey", grey, [])):
-        gdal.GetDriverByName("GTiff").CreateCopy(os.path.join(folder, name + ".tif"), source, options=options + ["COMPRESS=JPEG", "JPEG_QUALITY=90"])
+    rgb, grey = in_memory(*numpy.moveaxis(smooth, -1, 0)), in_memory(smooth[..., 0])
+    kinds = {"ycbcr-strips": (rgb, "PHOTOMETRIC=YCBCR"),
+             "ycbcr-tiles": (rgb, "PHOTOMETRIC=YCBCR", "TILED=YES", "BLOCKXSIZE=48", "BLOCKYSIZE=32"),
+             "rgb": (rgb, "PHOTOMETRIC=RGB"), "planes": (rgb, "INTERLEAVE=BAND", "PHOTOMETRIC=RGB"), "grey": (grey,)}
+    for name, (source, *options) in kinds.items():
+        save_gdal(os.path.join(folder, name + ".tif"), source, "COMPRESS=JPEG", "JPEG_QUALITY=90", *options)
 
 
 def make_ycbcr(folder):
-    """YCbCr without JPEG, full and subsampled; the truth is the usual conversion, which decoders round variously."""
+    """YCbCr without JPEG, full and subsampled; the truth is the usual conversion unrounded."""
     random = numpy.random.default_rng(9)
     for h, v in ((1, 1), (2, 1), (2, 2), (4, 2)):
         width, height = 64, 48
         luma = random.integers(16, 236, (height, width))
         cb, cr = (random.integers(64, 192, (height // v, width // h)) for _ in range(2))
-        units = numpy.concatenate([luma.reshape(height // v, v, width // h, h).swapaxes(1, 2).reshape(height // v, width // h, v * h),
-                                   cb[..., None], cr[..., None]], -1).astype(numpy.uint8)
+        blocks = luma.reshape(height // v, v, width // h, h).swapaxes(1, 2).reshape(height // v, width // h, v * h)
+        units = numpy.concatenate([blocks, cb[..., None], cr[..., None]], -1).astype(numpy.uint8)
         file = os.path.join(folder, f"ycbcr-{h}{v}.tif")
-        tags = basic_tags(6, 8, 3, width, height) | {530: (3, [h, v]), 532: (5, [0, 1, 255, 1, 128, 1, 255, 1, 128, 1, 255, 1])}
+        full_range = 532, (5, [0, 1, 255, 1, 128, 1, 255, 1, 128, 1, 255, 1])
+        tags = basic_tags(6, 8, 3, width, height) | {530: (3, [h, v])} | dict([full_range])
         write_tiff(file, tags, [units.tobytes()])
         b, r = (numpy.kron(c, numpy.ones((v, h))) - 128.0 for c in (cb, cr))
         shown = [luma + 1.402 * r, luma - 0.344136 * b - 0.714136 * r, luma + 1.772 * b]
@@ -318,11 +271,12 @@ def make_lab(folder):
     """L*a*b* with the white of daylight at 6500 K; the truth goes by the published formulas to sRGB."""
     y, x = numpy.mgrid[0:HEIGHT, 0:WIDTH]
     lightness, a, b = 55 + 35 * x / WIDTH, 12 * numpy.sin(y / 9), 12 * numpy.cos(x / 7)
-    stored = numpy.stack([(lightness * 2.55).round(), a.round().astype(int) % 256, b.round().astype(int) % 256], -1)
+    stored = numpy.stack([(lightness * 2.55).round(), a.round() % 256, b.round() % 256], -1)
     fy = (stored[..., 0] / 2.55 + 16) / 116
     xyz = [numpy.where(f > 6 / 29, f**3, 3 * (6 / 29)**2 * (f - 4 / 29)) * white
            for f, white in ((fy + a.round() / 500, 0.95047), (fy, 1.0), (fy - b.round() / 200, 1.08883))]
-    linear = [3.2406 * xyz[0] - 1.5372 * xyz[1] - 0.4986 * xyz[2], -0.9689 * xyz[0] + 1.8758 * xyz[1] + 0.0415 * xyz[2],
+    linear = [3.2406 * xyz[0] - 1.5372 * xyz[1] - 0.4986 * xyz[2],
+              -0.9689 * xyz[0] + 1.8758 * xyz[1] + 0.0415 * xyz[2],
               0.0557 * xyz[0] - 0.2040 * xyz[1] + 1.0570 * xyz[2]]
     shown = [255 * numpy.where(c > 0.0031308, 1.055 * c.clip(1e-9)**(1 / 2.4) - 0.055, 12.92 * c) for c in linear]
     file = os.path.join(folder, "lab.tif")
@@ -333,13 +287,11 @@ def make_lab(folder):
 
 def make_pixels_last(folder):
     """Files whose tags stand first, so that a cut takes pixels only."""
-    memory = gdal.GetDriverByName("MEM").Create("", 200, 150, 3)
-    for i, channel in enumerate(numpy.moveaxis(test_picture(200, 150), -1, 0)):
-        memory.GetRasterBand(i + 1).WriteArray(channel)
+    memory = in_memory(*numpy.moveaxis(test_picture(200, 150), -1, 0))
     for coder in "NONE", "LZW", "DEFLATE", "PACKBITS", "JPEG", "ZSTD", "LZMA":
         for layout in [], ["TILED=YES", "BLOCKXSIZE=64", "BLOCKYSIZE=64"], ["BLOCKYSIZE=150"]:
             file = os.path.join(folder, f"{coder}-{len(layout)}.tif")
-            gdal.GetDriverByName("GTiff").CreateCopy(file, memory, options=[f"COMPRESS={coder}", "PHOTOMETRIC=RGB", *layout])
+            save_gdal(file, memory, f"COMPRESS={coder}", "PHOTOMETRIC=RGB", *layout)
 
 
 THEMES = {name[5:].replace("_", "-"): make for name, make in list(globals().items())
