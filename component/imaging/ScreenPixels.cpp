@@ -55,3 +55,16 @@ void RowToScreen(const std::uint8_t* row, PixelFormat format, const ScreenTable&
         return;
     }
 }
+
+void RgbDifferencesToScreen(const std::uint8_t* row, std::span<std::uint32_t> out) {
+    std::uint8_t red = 0;
+    std::uint8_t green = 0;
+    std::uint8_t blue = 0;
+    for (std::uint32_t& word : out) {
+        red = static_cast<std::uint8_t>(red + row[0]);
+        green = static_cast<std::uint8_t>(green + row[1]);
+        blue = static_cast<std::uint8_t>(blue + row[2]);
+        word = Word(red, green, blue, 255);
+        row += 3;
+    }
+}

@@ -21,3 +21,7 @@ ScreenTable PaletteScreenTable(const Palette& palette);
 /// A row of `out.size()` pixels. The table is used by the one-byte formats only.
 void RowToScreen(const std::uint8_t* row, PixelFormat format, const ScreenTable& table,
                  std::span<std::uint32_t> out);
+
+/// A row of RGB pixels that are stored as differences from the pixel to the left (the PNG filter "sub"). It
+/// saves a pass over the row, which on the way to the screen costs as much as unpacking one in six.
+void RgbDifferencesToScreen(const std::uint8_t* row, std::span<std::uint32_t> out);

@@ -40,7 +40,15 @@ struct TileDecoder::State {
     void Inflate(const PngTile& tile, std::size_t rowBytes);
     template <typename Target>
     void UnfilterRows(const TileHeader& header, const Target& target);
+    bool HasOnlySubRows(std::size_t rowBytes) const;
 };
+
+bool TileDecoder::State::HasOnlySubRows(std::size_t rowBytes) const {
+    for (std::size_t at = 0; at < filtered.size(); at += rowBytes + 1)
+        if (filtered[at] != static_cast<std::uint8_t>(PngFilter::Sub))
+            return false;
+    return true;
+}
 
 /// Fills `filtered` with exactly the tile's rows, each after its filter's byte.
 void TileDecoder::State::Inflate(const PngTile& tile, std::size_t rowBytes) {
@@ -132,7 +140,14 @@ void TileDecoder::DecodeToScreen(std::span<const std::uint8_t> png, std::int32_t
     const PngTile tile(png);
     const TileHeader& header = tile.Header();
     CheckSize(header, expectedWidth, expectedHeight);
-    state_->Inflate(tile, RowBytes(header));
+    const std::size_t rowBytes = RowBytes(header);
+    state_->Inflate(tile, rowBytes);
+    if (header.format == PixelFormat::Rgb && state_->HasOnlySubRows(rowBytes)) {
+        const std::uint8_t* row = state_->filtered.data() + 1;
+        for (std::int32_t y = 0; y < header.height; ++y, row += rowBytes + 1)
+            RgbDifferencesToScreen(row, {rows + y * stride, static_cast<std::size_t>(header.width)});
+        return;
+    }
     const ScreenTable table =
         header.format == PixelFormat::Palette ? PaletteScreenTable(header.palette) : GreyScreenTable();
     state_->UnfilterRows(header, ScreenTarget{rows, stride, header, table});

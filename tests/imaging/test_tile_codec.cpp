@@ -269,6 +269,12 @@ TEST(TileCodec, EveryFilterOfTheStandardIsRead) {
             const Bytes expected = DecodedByLibpng(png, 29, 11);
             for (std::size_t i = 0; i < rows.size(); ++i)
                 ASSERT_EQ(rows[i], expected[i / step * 4 + i % step]) << "first filter " << firstFilter;
+            std::vector<std::uint32_t> words(29 * 11);
+            TileDecoder().DecodeToScreen(png, 29, 11, words.data(), 29);
+            for (std::size_t i = 0; i < words.size(); ++i) {
+                const std::uint8_t* p = expected.data() + 4 * i;
+                ASSERT_EQ(words[i], ScreenPixel(p[0], p[1], p[2], p[3])) << "first filter " << firstFilter;
+            }
         }
 }
 
