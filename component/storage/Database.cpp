@@ -166,7 +166,17 @@ bool Database::IsReadOnly() const {
 }
 
 void Database::Fail(int code) const {
-    throw ErrorOf(shownName_, code, sqlite3_system_errno(Handle()));
+    int systemError = sqlite3_system_errno(Handle());
+    // A failed commit has been rolled back by now, which may have overwritten the reason; the file keeps its
+    // own.
+    int lastError = 0;
+    sqlite3_file_control(Handle(), "main", SQLITE_FCNTL_LAST_ERRNO, &lastError);
+    if (code == SQLITE_IOERR_WRITE && IsFullDisk(lastError))
+        systemError = lastError;
+    // It is the journal that cannot be opened then.
+    if ((code & 0xff) == SQLITE_CANTOPEN && sqlite3_txn_state(Handle(), "main") == SQLITE_TXN_WRITE)
+        throw IoError(shownName_, code, systemError);
+    throw ErrorOf(shownName_, code, systemError);
 }
 
 void Database::Check(int code) const {

@@ -73,13 +73,23 @@ FileHeader Fill(const FileReplacement& replacement, const NewFileRequest& reques
 /// Reads the new file back before anything is given up for it: what a full or failing disk swallowed without
 /// a word shows here.
 void ReadBack(const FileReplacement& replacement, const NewFileRequest& request, Progress& progress) {
-    const auto written = LibraryFile::Open(replacement.Temporary(), request.form, request.target.string());
-    VerifyTiles(written->ReadState(), progress, [&](const std::string& object, const std::string&) {
+    const auto differs = [&](const std::string& reason) {
         throw ComponentError(ErrorNumber::FileNotWritable,
                              "The file '" + request.target.string() +
-                                 "' could not be written: what was written for " + object +
-                                 " reads back otherwise.");
-    });
+                                 "' could not be written: it does not read back as it was written (" +
+                                 reason + ").");
+    };
+    try {
+        const auto written =
+            LibraryFile::Open(replacement.Temporary(), request.form, request.target.string());
+        VerifyTiles(written->ReadState(), progress,
+                    [&](const std::string& object, const std::string&) { differs(object); });
+    } catch (const ComponentError& error) {
+        // The damage is that of the temporary, not of the file that stands at the target.
+        if (error.Number() == ErrorNumber::FileDamaged || error.Number() == ErrorNumber::NotALibrary)
+            differs("its structure");
+        throw;
+    }
 }
 
 /// To be called under the file's write lock, before anything is written: SQLite has rolled back what had to

@@ -1,6 +1,5 @@
 #include "tests/faults/Killing.h"
 
-#include "tests/support/RunProgram.h"
 #include "tests/support/TempFolder.h"
 
 #include <fcntl.h>
@@ -38,7 +37,7 @@ pid_t Start(const std::vector<std::string>& command) {
 
 std::vector<SystemCall> TraceCalls(const std::vector<std::string>& command, const std::string& names) {
     const TempFolder folder;
-    std::vector<std::string> traced = {"strace",        "-f", "-o", (folder / "log").string(), "-e",
+    std::vector<std::string> traced = {"strace",        "-f", "-y", "-o", (folder / "log").string(), "-e",
                                        "trace=" + names};
     traced.insert(traced.end(), command.begin(), command.end());
     const ProgramResult result = RunProgram(traced);
@@ -46,7 +45,7 @@ std::vector<SystemCall> TraceCalls(const std::vector<std::string>& command, cons
         throw std::runtime_error("strace could not trace the program (is ptrace permitted?): " + result.err);
     std::istringstream log(ReadWholeFile(folder / "log"));
     std::vector<SystemCall> calls;
-    std::map<std::string, int> occurrences;
+    std::map<std::string, int> occurrences; // strace counts for each thread by itself
     for (std::string line; std::getline(log, line);) {
         // "PID  name(arguments) = result"; a call that was interrupted is told in two lines, the second of
         // which has "<..." in place of the name.
@@ -55,7 +54,7 @@ std::vector<SystemCall> TraceCalls(const std::vector<std::string>& command, cons
         if (begin == std::string::npos || end == std::string::npos || !std::islower(line[begin]))
             continue;
         const std::string name = line.substr(begin, end - begin);
-        calls.push_back({name, ++occurrences[name]});
+        calls.push_back({name, ++occurrences[line.substr(0, begin) + name], line.substr(end)});
     }
     return calls;
 }
@@ -76,18 +75,15 @@ std::chrono::microseconds RunAndKill(const std::vector<std::string>& command,
     return std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - begin);
 }
 
-void RunAndKillAt(const std::vector<std::string>& command, const SystemCall& call) {
-    std::vector<std::string> traced = {"strace",
-                                       "-f",
-                                       "--seccomp-bpf",
-                                       "-qq",
-                                       "-o",
-                                       "/dev/null",
-                                       "-e",
-                                       "trace=" + call.name,
-                                       "-e",
-                                       "inject=" + call.name +
-                                           ":signal=SIGKILL:when=" + std::to_string(call.occurrence)};
+ProgramResult RunTampered(const std::vector<std::string>& command, const std::string& callName,
+                          const std::string& tampering) {
+    std::vector<std::string> traced = {
+        "strace",    "-f", "--seccomp-bpf",     "-qq", "-o",
+        "/dev/null", "-e", "trace=" + callName, "-e",  "inject=" + callName + ":" + tampering};
     traced.insert(traced.end(), command.begin(), command.end());
-    RunProgram(traced);
+    return RunProgram(traced);
+}
+
+void RunAndKillAt(const std::vector<std::string>& command, const SystemCall& call) {
+    RunTampered(command, call.name, "signal=SIGKILL:when=" + std::to_string(call.occurrence));
 }
