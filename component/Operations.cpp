@@ -67,32 +67,47 @@ ComponentError OutOfMemory() {
 
 } // namespace
 
-/// Marks an operation as running and raises its first and last events, whatever happens in between.
+/// Marks an operation as running.
 class Operations::Running {
 public:
     Running(Operations& operations, Progress& progress) : operations_(operations) {
-        if (operations_.running_ != nullptr)
-            throw ComponentError(ErrorNumber::Failed, "The library is busy with another operation.");
         operations_.running_ = &progress;
-        try {
-            if (operations_.library_.OnProgressBegin)
-                operations_.library_.OnProgressBegin(EventTotal, operations_.library_);
-        } catch (...) {
-            operations_.running_ = nullptr;
-            throw;
-        }
     }
-    ~Running() noexcept(false) {
-        operations_.running_ = nullptr;
-        if (operations_.library_.OnProgressEnd)
-            operations_.library_.OnProgressEnd();
-    }
+    ~Running() { operations_.running_ = nullptr; }
     Running(const Running&) = delete;
     Running& operator=(const Running&) = delete;
 
 private:
     Operations& operations_;
 };
+
+void Operations::RaiseBegin() const {
+    if (library_.OnProgressBegin)
+        library_.OnProgressBegin(EventTotal, library_);
+}
+
+void Operations::RaiseEnd() const {
+    if (library_.OnProgressEnd)
+        library_.OnProgressEnd();
+}
+
+void Operations::BetweenEvents(Progress& progress, const std::function<void()>& work) {
+    if (running_ != nullptr)
+        throw ComponentError(ErrorNumber::Failed, "The library is busy with another operation.");
+    try {
+        const Running running(*this, progress);
+        RaiseBegin();
+        RaiseProgress(progress);
+        work();
+    } catch (const std::bad_alloc&) {
+        RaiseEnd();
+        throw OutOfMemory();
+    } catch (...) {
+        RaiseEnd(); // not from a destructor: this handler, too, may throw
+        throw;
+    }
+    RaiseEnd();
+}
 
 void Operations::RaiseProgress(const Progress& progress) const {
     if (library_.OnProgress)
@@ -101,22 +116,16 @@ void Operations::RaiseProgress(const Progress& progress) const {
 
 void Operations::Run(const std::function<void(Progress&)>& work) {
     Progress progress;
-    const Running running(*this, progress);
-    RaiseProgress(progress);
-    try {
+    BetweenEvents(progress, [&] {
         Worker worker(progress, work);
         while (!worker.WaitFor(EventInterval))
             RaiseProgress(progress);
         worker.Finish();
-    } catch (const std::bad_alloc&) {
-        throw OutOfMemory();
-    }
+    });
 }
 
 void Operations::RunHere(const std::function<void(Progress&, const Step&)>& work) {
     Progress progress;
-    const Running running(*this, progress);
-    RaiseProgress(progress);
     auto last = std::chrono::steady_clock::now();
     const Step step = [&] {
         if (const auto now = std::chrono::steady_clock::now(); now - last >= EventInterval) {
@@ -125,10 +134,8 @@ void Operations::RunHere(const std::function<void(Progress&, const Step&)>& work
         }
         progress.ThrowIfCancelled();
     };
-    try {
+    BetweenEvents(progress, [&] {
         step();
         work(progress, step);
-    } catch (const std::bad_alloc&) {
-        throw OutOfMemory();
-    }
+    });
 }

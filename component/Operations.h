@@ -27,7 +27,11 @@ public:
 
 private:
     class Running;
+    /// Does the work between its first and last events, whatever happens to it.
+    void BetweenEvents(Progress& progress, const std::function<void()>& work);
+    void RaiseBegin() const;
     void RaiseProgress(const Progress& progress) const;
+    void RaiseEnd() const;
 
     AtlavexLibrary& library_;
     Progress* running_ = nullptr;

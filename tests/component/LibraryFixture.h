@@ -69,8 +69,8 @@ Outcome OutcomeOf(const std::function<void()>& operation);
 
 #define EXPECT_ERROR(operation, number)                                                                      \
     do {                                                                                                     \
-        const Outcome outcome = OutcomeOf([&] { operation; });                                               \
-        EXPECT_EQ(outcome.code, static_cast<int>(number)) << outcome.description;                            \
+        const Outcome thrown = OutcomeOf([&] { operation; });                                                \
+        EXPECT_EQ(thrown.code, static_cast<int>(number)) << thrown.description;                              \
     } while (false)
 
 /// A folder of its own for every test, cheap keys, and a library or two.

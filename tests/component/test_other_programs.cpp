@@ -1,0 +1,160 @@
+// Other programs that change, replace, delete or lock the file that is open.
+
+#include "tests/component/LibraryFixture.h"
+#include "tests/component/OtherProgram.h"
+
+namespace {
+
+class LibraryBesideOthers : public LibraryTest {
+protected:
+    /// Expects that no way of saving over the file is taken, that the file stays as the other program left
+    /// it, and that Save As keeps the work.
+    void ExpectRefusedUntilSavedElsewhere(AtlavexLibrary& library, const std::string& file,
+                                          const std::string& key) {
+        const std::string bytes = std::filesystem::exists(file) ? ReadWholeFile(file) : "absent";
+        const LibraryContent content = ContentOf(library);
+        for (const std::string& underKey : {key, std::string("another key"), std::string()}) {
+            const Outcome outcome = OutcomeOf([&] { library.SaveToFile(file, underKey); });
+            EXPECT_EQ(outcome.code, static_cast<int>(ErrorNumber::FileChanged)) << outcome.description;
+            EXPECT_NE(outcome.description.find(file), std::string::npos) << outcome.description;
+            EXPECT_NE(outcome.description.find("Save As"), std::string::npos) << outcome.description;
+        }
+        EXPECT_ERROR(library.Compact(), ErrorNumber::FileChanged);
+        EXPECT_TRUE((std::filesystem::exists(file) ? ReadWholeFile(file) : "absent") == bytes);
+        EXPECT_EQ(ContentOf(library), content);
+        const std::string other = PathOf("saved as.Atlavex");
+        library.SaveToFile(other, key);
+        ExpectHolds(other, key, content);
+        EXPECT_EQ(library.FileName(), other);
+    }
+
+    std::string file_ = PathOf("lib.Atlavex");
+};
+
+} // namespace
+
+TEST_F(LibraryBesideOthers, AnotherLibraryObjectThatSavedFirstIsNotOverwritten) {
+    for (const std::string key : {"", "key"}) {
+        std::filesystem::remove(file_);
+        std::filesystem::remove(PathOf("saved as.Atlavex"));
+        SaveRichLibrary(file_, key);
+        const auto mine = Open(file_, key), other = Open(file_, key);
+        MapAt(*other, 1)->SetMetadata("by", "the other");
+        other->SaveToFile(file_, key);
+        MapAt(*mine, 1)->SetMetadata("by", "me");
+        AddMap(*mine, MakeSheet(PixelFormat::Rgb, 99, 99));
+        ExpectRefusedUntilSavedElsewhere(*mine, file_, key);
+        ExpectHolds(file_, key, ContentOf(*other));
+    }
+}
+
+TEST_F(LibraryBesideOthers, AnotherProgramThatSavedFirstIsNotOverwritten) {
+    for (const std::string key : {"", "key"}) {
+        std::filesystem::remove(file_);
+        std::filesystem::remove(PathOf("saved as.Atlavex"));
+        LibraryContent content = SaveRichLibrary(file_, key);
+        const auto mine = Open(file_, key);
+        SaveByAnotherProgram(file_, key, "another program");
+        MapAt(*mine, 1)->SetMetadata("by", "me");
+        ExpectRefusedUntilSavedElsewhere(*mine, file_, key);
+        content.maps[0].metadata.emplace_back("by", "another program");
+        ExpectHolds(file_, key, content);
+    }
+}
+
+TEST_F(LibraryBesideOthers, ASaveByAnotherProgramThatChangedNothingStillCounts) {
+    SaveRichLibrary(file_);
+    const auto mine = Open(file_), other = Open(file_);
+    other->SaveToFile(file_, {});
+    EXPECT_ERROR(mine->SaveToFile(file_, {}), ErrorNumber::FileChanged);
+}
+
+TEST_F(LibraryBesideOthers, AFileReplacedByAnotherIsNotOverwritten) {
+    SaveRichLibrary(file_);
+    const auto mine = Open(file_);
+    SaveRichLibrary(PathOf("new.Atlavex"), "key");
+    std::filesystem::rename(PathOf("new.Atlavex"), file_);
+    ExpectRefusedUntilSavedElsewhere(*mine, file_, {});
+}
+
+TEST_F(LibraryBesideOthers, ACopyWithTheSameContentIsAnotherFileToo) {
+    SaveRichLibrary(file_);
+    const auto mine = Open(file_);
+    std::filesystem::copy_file(file_, PathOf("copy"));
+    std::filesystem::rename(PathOf("copy"), file_);
+    ExpectRefusedUntilSavedElsewhere(*mine, file_, {});
+}
+
+TEST_F(LibraryBesideOthers, ADeletedFileIsNotMadeAgainUnasked) {
+    SaveRichLibrary(file_);
+    const auto mine = Open(file_);
+    std::filesystem::remove(file_);
+    ExpectRefusedUntilSavedElsewhere(*mine, file_, {});
+}
+
+TEST_F(LibraryBesideOthers, ARenamedFileCanStillBeReadAndSavedAs) {
+    const LibraryContent content = SaveRichLibrary(file_, "key");
+    const auto mine = Open(file_, "key");
+    std::filesystem::rename(file_, PathOf("elsewhere.Atlavex"));
+    EXPECT_EQ(ContentOf(*mine), content);
+    ExpectRefusedUntilSavedElsewhere(*mine, file_, "key");
+    ExpectHolds(PathOf("elsewhere.Atlavex"), "key", content);
+}
+
+TEST_F(LibraryBesideOthers, DirectWorkIsRefusedBeforeItBegins) {
+    SaveRichLibrary(file_);
+    const auto mine = OpenDirectly(file_);
+    SaveByAnotherProgram(file_, {}, "another program");
+    EXPECT_ERROR(AddMap(*mine, MakeSheet(PixelFormat::Rgb, 99, 99)), ErrorNumber::FileChanged);
+    EXPECT_ERROR(AddIcon(*mine, MakeSheet(PixelFormat::Rgb, 9, 9)), ErrorNumber::FileChanged);
+    EXPECT_EQ(mine->MapCount(), 2);
+    SaveByAnotherProgram(file_, {}, "nothing was left locked");
+}
+
+TEST_F(LibraryBesideOthers, ALockedFileIsNotSavedOverAndTheWorkStays) {
+    for (const std::string key : {"", "key"}) {
+        std::filesystem::remove(file_);
+        SaveRichLibrary(file_, key);
+        const auto mine = Open(file_, key);
+        MapAt(*mine, 1)->SetMetadata("by", "me");
+        AddMap(*mine, MakeSheet(PixelFormat::Rgb, 99, 99));
+        const LibraryContent content = ContentOf(*mine);
+        {
+            const LockingProgram other(file_);
+            const std::string bytes = ReadWholeFile(file_);
+            const Outcome outcome = OutcomeOf([&] { mine->SaveToFile(file_, key); });
+            EXPECT_EQ(outcome.code, static_cast<int>(ErrorNumber::FileLocked)) << outcome.description;
+            EXPECT_NE(outcome.description.find(file_), std::string::npos) << outcome.description;
+            EXPECT_ERROR(mine->SaveToFile(file_, "new key"), ErrorNumber::FileLocked);
+            EXPECT_ERROR(mine->Compact(), ErrorNumber::FileLocked);
+            EXPECT_TRUE(ReadWholeFile(file_) == bytes);
+            EXPECT_EQ(ContentOf(*mine), content);
+        }
+        mine->SaveToFile(file_, key);
+        ExpectHolds(file_, key, content);
+    }
+}
+
+TEST_F(LibraryBesideOthers, ALockedFileCanBeReadAndSavedAs) {
+    const LibraryContent content = SaveRichLibrary(file_);
+    const LockingProgram other(file_);
+    const auto mine = Open(file_);
+    EXPECT_EQ(ContentOf(*mine), content);
+    mine->SaveToFile(PathOf("other.Atlavex"), {});
+    ExpectHolds(PathOf("other.Atlavex"), {}, content);
+    const auto merging = NewLibrary();
+    merging->MergeFromFile(file_, {});
+    EXPECT_EQ(ContentOf(*merging), content);
+}
+
+TEST_F(LibraryBesideOthers, LookingAtTheOpenFileKeepsItsLock) {
+    // The locks of a process on a file go when any descriptor of it is closed.
+    SaveRichLibrary(file_);
+    const auto mine = OpenDirectly(file_);
+    AddMap(*mine, MakeSheet(PixelFormat::Rgb, 99, 99));
+    EXPECT_FALSE(mine->IsEncrypted(file_));
+    mine->MergeFromFile(file_, {});
+    EXPECT_THROW(SaveByAnotherProgram(file_, {}, "between"), std::runtime_error);
+    mine->SaveToFile(file_, {});
+    ExpectHolds(file_, {}, ContentOf(*mine));
+}

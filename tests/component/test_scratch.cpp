@@ -1,0 +1,107 @@
+// Where maps and icons stand that are not saved yet.
+
+#include "tests/component/LibraryFixture.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace {
+
+class LibraryScratch : public LibraryTest {
+protected:
+    std::vector<std::string> ScratchFiles() const { return Names(ScratchFolder()); }
+};
+
+} // namespace
+
+TEST_F(LibraryScratch, IsMadeWhenItIsNeededAndForTheUserAlone) {
+    const auto library = NewLibrary();
+    EXPECT_TRUE(ScratchFiles().empty());
+    AddIcon(*library, MakeSheet(PixelFormat::Grey, 9, 9));
+    ASSERT_EQ(ScratchFiles().size(), 1U);
+    const std::string name = ScratchFiles()[0];
+    EXPECT_NE(name.find(std::to_string(getpid())), std::string::npos) << name;
+    EXPECT_EQ(std::filesystem::status(ScratchFolder() / name).permissions(), std::filesystem::perms{0600});
+    AddMap(*library, MakeSheet(PixelFormat::Grey, 9, 9));
+    EXPECT_EQ(ScratchFiles().size(), 1U);
+}
+
+TEST_F(LibraryScratch, GoesWithTheLibrary) {
+    auto library = NewLibrary();
+    FillRichly(*library);
+    library.reset();
+    EXPECT_TRUE(ScratchFiles().empty());
+}
+
+TEST_F(LibraryScratch, GoesWithTheSaveAlsoWhenItsMapsAreShown) {
+    const auto library = NewLibrary();
+    FillRichly(*library);
+    std::shared_ptr<const AtlavexImage> view;
+    EXPECT_TRUE(MapAt(*library, 1)->RenderView(0, 0, 50, 50, view));
+    library->SaveToFile(PathOf("lib.Atlavex"), {});
+    EXPECT_TRUE(ScratchFiles().empty());
+    AddMap(*library, MakeSheet(PixelFormat::Rgb, 100, 100));
+    EXPECT_EQ(ScratchFiles().size(), 1U);
+    library->SaveToFile(PathOf("lib.Atlavex"), {});
+    EXPECT_TRUE(ScratchFiles().empty());
+}
+
+TEST_F(LibraryScratch, GoesWhenAnotherFileIsLoaded) {
+    SaveRichLibrary(PathOf("lib.Atlavex"));
+    const auto library = NewLibrary();
+    FillRichly(*library);
+    library->LoadFromFile(PathOf("lib.Atlavex"), {});
+    EXPECT_TRUE(ScratchFiles().empty());
+}
+
+TEST_F(LibraryScratch, StaysWhenASaveFails) {
+    const auto library = NewLibrary();
+    FillRichly(*library);
+    const LibraryContent content = ContentOf(*library);
+    EXPECT_ERROR(library->SaveToFile(PathOf("no folder/lib.Atlavex"), {}), ErrorNumber::FileNotWritable);
+    EXPECT_EQ(ScratchFiles().size(), 1U);
+    EXPECT_EQ(ContentOf(*library), content);
+}
+
+TEST_F(LibraryScratch, OfKilledProgramsIsSweptAndThatOfOthersIsNot) {
+    const auto abandoned = ScratchFolder() / "unsaved-1-1.scratch",
+               held = ScratchFolder() / "unsaved-1-2.scratch", foreign = ScratchFolder() / "notes.scratch";
+    for (const auto& file : {abandoned, held, foreign})
+        WriteWholeFile(file, "left");
+    const int descriptor = open(held.c_str(), O_RDWR | O_CLOEXEC);
+    ASSERT_EQ(flock(descriptor, LOCK_EX | LOCK_NB), 0);
+    const auto library = NewLibrary();
+    AddIcon(*library, MakeSheet(PixelFormat::Grey, 9, 9));
+    EXPECT_FALSE(std::filesystem::exists(abandoned));
+    EXPECT_TRUE(std::filesystem::exists(held));
+    EXPECT_TRUE(std::filesystem::exists(foreign));
+    close(descriptor);
+}
+
+TEST_F(LibraryScratch, OfOneLibraryIsNotSweptByAnother) {
+    const auto first = NewLibrary();
+    FillRichly(*first);
+    const LibraryContent content = ContentOf(*first);
+    const auto second = NewLibrary();
+    AddIcon(*second, MakeSheet(PixelFormat::Grey, 9, 9));
+    EXPECT_EQ(ScratchFiles().size(), 2U);
+    first->SaveToFile(PathOf("lib.Atlavex"), {});
+    ExpectHolds(PathOf("lib.Atlavex"), {}, content);
+}
+
+TEST_F(LibraryScratch, InAFolderThatIsNotThereIsAnErrorAndAddsNothing) {
+    LibraryOptions options = Options();
+    options.scratchFolder = PathOf("no such folder");
+    const auto library = CreateAtlavexLibrary(options);
+    EXPECT_ERROR(AddMap(*library, MakeSheet(PixelFormat::Grey, 9, 9)), ErrorNumber::FileNotWritable);
+    EXPECT_ERROR(AddIcon(*library, MakeSheet(PixelFormat::Grey, 9, 9)), ErrorNumber::FileNotWritable);
+    EXPECT_EQ(library->MapCount() + library->IconCount(), 0);
+}
+
+TEST_F(LibraryScratch, IsNotNeededForDirectWork) {
+    SaveRichLibrary(PathOf("lib.Atlavex"));
+    const auto library = OpenDirectly(PathOf("lib.Atlavex"));
+    AddMap(*library, MakeSheet(PixelFormat::Rgb, 100, 100));
+    EXPECT_TRUE(ScratchFiles().empty());
+}
