@@ -77,7 +77,7 @@ TEST(Worldfile, WithAnythingButSixFiniteNumbersIsAnErrorNamingTheLine) {
     ExpectInvalid("2\n0\n0\n-2\n0x10\n5000\n", "line 5");
     ExpectInvalid("2\n0\n0\n-2\n1000\n1e999\n", "line 6");
     ExpectInvalid("2 0\n0\n-2\n1000\n5000\n", "line 1");
-    ExpectInvalid(std::string("2\0\n0\n0\n-2\n1000\n5000\n", 23), "line 1");
+    ExpectInvalid(std::string("2") + '\0' + "\n0\n0\n-2\n1000\n5000\n", "line 1");
     ExpectInvalid("\xFF\xFE"
                   "2\n",
                   "line 1");
