@@ -74,7 +74,7 @@ TEST(OpenImage, RefusesAnEmptyFileAndOneThatIsNoImage) {
 TEST(OpenImage, GoesByTheContentNotByTheName) {
     const TempFolder folder;
     RunScript("make_images.py", {"kinds", folder.Path().string()});
-    for (const char* kind : {"bmp", "gif", "jpg", "png"}) {
+    for (const char* kind : {"bmp", "gif", "jpg", "png", "tif"}) {
         SCOPED_TRACE(kind);
         std::filesystem::rename(folder / (std::string("image.") + kind), folder / "image.dat");
         EXPECT_TRUE(

@@ -13,7 +13,7 @@ TEST(Png, ReadsEveryKindAsItWasWritten) {
     }
 }
 
-// 16-bit samples are left out: both references cut off the lower byte instead of rounding.
+// 16-bit samples are left out: both references cut off where this program rounds.
 TEST(Png, AgreesWithPillowAndImageMagick) {
     const TempFolder folder;
     RunScript("make_images.py", {"png", folder.Path().string()});
