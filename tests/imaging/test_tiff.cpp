@@ -182,6 +182,17 @@ TEST(Tiff, CutPixelsAreDamagedInEveryCoder) {
     }
 }
 
+TEST(Tiff, JpegDataThatEndTooEarlyAreDamagedAlthoughTheirLibraryOnlyWarns) {
+    const TempFolder folder;
+    RunScript("make_tiffs.py", {"pixels-last", folder.Path().string()});
+    const auto file = folder / "JPEG-1.tif"; // one strip
+    ASSERT_EQ(ErrorOf(file), std::nullopt);
+    std::string bytes = ReadWholeFile(file);
+    bytes.replace(bytes.size() * 6 / 10, 2, "\xFF\xD9"); // the marker of the image's end
+    WriteWholeFile(file, bytes);
+    EXPECT_EQ(ErrorOf(file), ErrorNumber::ImageDamaged);
+}
+
 TEST(Tiff, FlippedBytesGiveAnErrorOrPixelsButNothingElse) {
     const TempFolder folder;
     std::mt19937 random(12);
