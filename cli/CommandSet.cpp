@@ -103,7 +103,8 @@ void CommandSet::CheckCommandName(int argumentCount, const char* const* argument
         throw UsageError("A command is missing (atlavex --help lists them).");
     const std::string name = arguments[1];
     if (name.starts_with('-') && app_.get_option_no_throw(name) == nullptr)
-        throw UsageError("There is no option '" + name + "' in front of a command (atlavex --help lists them).");
+        throw UsageError("There is no option '" + name +
+                         "' in front of a command (atlavex --help lists them).");
     const auto hasName = [&name](const CLI::App* command) { return command->get_name() == name; };
     if (!name.starts_with('-') && app_.get_subcommands(hasName).empty())
         throw UsageError("There is no command '" + name + "' (atlavex --help lists them).");

@@ -2,6 +2,8 @@
 
 #include "cli/ExitStatus.h"
 
+#include <poll.h>
+
 #include <csignal>
 
 namespace {
@@ -31,4 +33,14 @@ bool IsInterrupted() {
 void ThrowIfInterrupted() {
     if (IsInterrupted())
         throw CommandFailure(ExitStatus::Interrupted, "The command was interrupted.");
+}
+
+void WaitForInput(int descriptor) {
+    // In slices: a signal between the check and the wait would otherwise be seen only when input comes.
+    constexpr int SliceMilliseconds = 100;
+    pollfd input{descriptor, POLLIN, 0};
+    do
+        ThrowIfInterrupted();
+    while (poll(&input, 1, SliceMilliseconds) == 0);
+    ThrowIfInterrupted();
 }

@@ -9,3 +9,7 @@ bool IsInterrupted();
 
 /// Throws CommandFailure (ExitStatus::Interrupted) once one of the signals has arrived.
 void ThrowIfInterrupted();
+
+/// Waits until the descriptor has something to read, or has come to its end. Throws CommandFailure when one
+/// of the signals arrives before.
+void WaitForInput(int descriptor);

@@ -43,6 +43,7 @@ public:
 
     SecretText ReadLine() const {
         std::string line(LongestTypedKey, '\0');
+        WaitForInput(descriptor_);
         const ssize_t got = read(descriptor_, line.data(), line.size());
         ThrowIfInterrupted();
         line.resize(got > 0 ? static_cast<std::size_t>(got) : 0);

@@ -55,6 +55,7 @@ SecretText ReadKeyFile(const std::string& file) {
     std::string text(LongestKey + 1, '\0'); // whole from the start, so that no growth leaves copies behind
     std::size_t length = 0;
     while (length < text.size()) {
+        WaitForInput(source.Number());
         const ssize_t got = read(source.Number(), text.data() + length, text.size() - length);
         if (got < 0)
             FailKeyFile(file, std::strerror(errno));

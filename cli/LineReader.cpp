@@ -3,7 +3,6 @@
 #include "cli/ExitStatus.h"
 #include "cli/Interrupt.h"
 
-#include <poll.h>
 #include <unistd.h>
 
 #include <array>
@@ -13,16 +12,6 @@
 namespace {
 
 constexpr std::size_t LongestLine = 65536; // bytes; two numbers need some fifty
-constexpr int WaitMilliseconds = 100;      // a signal between the check and the wait is seen after this time
-
-/// Waits until there is something to read, or the end of the input.
-void WaitForInput() {
-    pollfd input{STDIN_FILENO, POLLIN, 0};
-    do
-        ThrowIfInterrupted();
-    while (poll(&input, 1, WaitMilliseconds) == 0);
-    ThrowIfInterrupted();
-}
 
 } // namespace
 
@@ -53,7 +42,7 @@ void LineReader::ReadMore() {
         throw CommandFailure(ExitStatus::Failed, "Line " + std::to_string(number_ + 1) +
                                                      " of the input is too long to be a pair of numbers.");
     beforeWaiting_();
-    WaitForInput();
+    WaitForInput(STDIN_FILENO);
     std::array<char, LongestLine> block;
     const ssize_t got = read(STDIN_FILENO, block.data(), block.size());
     if (got < 0 && errno != EINTR && errno != EAGAIN)

@@ -29,7 +29,8 @@ bool MeansDiskFull(int systemError) {
 
 NewFile::NewFile(std::filesystem::path target)
     : target_(std::move(target)), temporary_(target_.parent_path() / TemporaryName()) {
-    if (std::filesystem::is_directory(target_))
+    std::error_code unknown; // whatever it is, opening or renaming fails on it as well
+    if (std::filesystem::is_directory(target_, unknown))
         Fail(EISDIR);
     const int descriptor = open(temporary_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (descriptor < 0)

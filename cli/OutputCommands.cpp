@@ -176,9 +176,9 @@ struct ExportOptions {
 class ExportFolder {
 public:
     explicit ExportFolder(std::filesystem::path folder) : folder_(std::move(folder)) {
-        std::error_code failure;
+        std::error_code failure, unknown;
         made_ = std::filesystem::create_directory(folder_, failure);
-        if (!std::filesystem::is_directory(folder_))
+        if (!std::filesystem::is_directory(folder_, unknown))
             throw ComponentError(ErrorNumber::FileNotWritable,
                                  "The folder '" + folder_.string() + "' cannot be made: " +
                                      (failure ? failure.message() : "there is a file of this name") + ".");
