@@ -111,9 +111,10 @@ Database::Database(const std::filesystem::path& file, Mode mode, std::string sho
     Harden(raw);
     sqlite3_busy_timeout(raw, BusyMilliseconds);
     Execute("PRAGMA temp_store=MEMORY; PRAGMA mmap_size=0; PRAGMA cell_size_check=ON;"
-            "PRAGMA trusted_schema=OFF; PRAGMA cache_size=-8000; PRAGMA secure_delete=FAST;");
+            "PRAGMA trusted_schema=OFF; PRAGMA secure_delete=FAST;");
     if (mode == Mode::Fill)
-        Execute("PRAGMA locking_mode=EXCLUSIVE; PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF;");
+        Execute("PRAGMA cache_size=-8000; PRAGMA locking_mode=EXCLUSIVE; PRAGMA journal_mode=OFF; PRAGMA "
+                "synchronous=OFF;");
 }
 
 void Database::Execute(const char* sql) {

@@ -66,9 +66,12 @@ private:
 std::unique_ptr<Database> OpenChecked(const std::filesystem::path& file, const std::string& shownName) {
     RequireRegularFile(file);
     auto database = std::make_unique<Database>(file, Database::Mode::Existing, shownName);
-    database->Execute("PRAGMA synchronous=EXTRA");
-    const ReadTransaction reading(*database);
-    CheckLibraryFile(*database);
+    {
+        const ReadTransaction reading(*database);
+        CheckLibraryFile(*database);
+    }
+    // Only now: these read the schema.
+    database->Execute("PRAGMA synchronous=EXTRA; PRAGMA cache_size=-8000");
     return database;
 }
 

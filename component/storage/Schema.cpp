@@ -26,6 +26,25 @@ constexpr std::array<TableText, 6> Tables = {{
 constexpr std::string_view SqliteMagic("SQLite format 3\0", 16);
 constexpr int SqliteHeaderSize = 100;
 
+/// What the database header of every library says, by the database file format's own offsets.
+struct HeaderField {
+    std::size_t offset;
+    std::size_t length;
+    std::int64_t value;
+};
+
+constexpr std::array<HeaderField, 9> FixedFields = {{
+    {16, 2, PageSize},
+    {18, 2, 0x0101},   // rollback journal, for writing and for reading: never a log
+    {20, 1, 0},        // no bytes reserved in a page
+    {21, 3, 0x402020}, // payload fractions, fixed by the format
+    {44, 4, 4},        // schema format
+    {52, 4, 0},        // no automatic vacuum
+    {56, 4, 1},        // UTF-8
+    {64, 4, 0},        // no incremental vacuum
+    {72, 8, 0},        // reserved
+}};
+
 std::int64_t BigEndian(const Bytes& bytes, std::size_t at, std::size_t length) {
     std::int64_t value = 0;
     for (std::size_t i = 0; i < length; ++i)
@@ -38,7 +57,7 @@ std::int64_t BigEndian(const Bytes& bytes, std::size_t at, std::size_t length) {
                          "The file '" + database.ShownName() + "' is not a map library.");
 }
 
-/// What can be told from the first bytes, before SQLite reads anything.
+/// What can be told from the first bytes, before SQLite reads more.
 void CheckFirstBytes(const Database& database) {
     const std::int64_t size = database.FileSize();
     if (size == 0)
@@ -58,8 +77,11 @@ void CheckFirstBytes(const Database& database) {
                              "The file '" + database.ShownName() + "' has format version " +
                                  std::to_string(version) + "; this program reads versions up to " +
                                  std::to_string(FormatVersion) + ".");
-    if (version < 1 || BigEndian(start, 16, 2) != PageSize || start[18] != 1 || start[19] != 1)
-        database.Damaged("its first page is not that of a map library");
+    if (version < 1)
+        database.Damaged("its format version is impossible");
+    for (const HeaderField& field : FixedFields)
+        if (BigEndian(start, field.offset, field.length) != field.value)
+            database.Damaged("its first page is not that of a map library");
 }
 
 void CheckSchema(Database& database) {
@@ -89,9 +111,9 @@ void CreateScratchSchema(Database& database) {
 }
 
 void CheckLibraryFile(Database& database) {
-    CheckFirstBytes(database);
-    // The first look takes SQLite's lock and brings back a file that was left in the middle of a save.
-    database.Number("SELECT count(*) FROM sqlite_schema");
+    // Takes SQLite's lock, which brings back a file that was left in the middle of a save, but reads no
+    // schema.
+    database.Number("PRAGMA user_version");
     CheckFirstBytes(database);
     const Bytes start = database.ReadRaw(0, SqliteHeaderSize);
     if (BigEndian(start, 28, 4) * PageSize != database.FileSize())
