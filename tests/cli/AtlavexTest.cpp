@@ -1,5 +1,7 @@
 #include "tests/cli/AtlavexTest.h"
 
+#include "component/AtlavexLibrary.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
@@ -97,6 +99,14 @@ std::string AtlavexTest::Bmp(const std::string& name, int width, int height) con
 
 std::string AtlavexTest::NewLibrary(const std::string& name) const {
     Do({"new", In(name)});
+    return In(name);
+}
+
+std::string AtlavexTest::SealedLibrary(const std::string& name, const std::string& key) const {
+    LibraryOptions cheap;
+    cheap.keyOperations = 1;
+    cheap.keyMemoryMiB = 8;
+    CreateAtlavexLibrary(cheap)->SaveToFile(In(name), key);
     return In(name);
 }
 

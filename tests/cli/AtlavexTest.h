@@ -37,6 +37,9 @@ protected:
 
     /// An empty library.
     std::string NewLibrary(const std::string& name = "a.Atlavex") const;
+    /// An empty library sealed under the key at the least cost of derivation, so that each command on it is
+    /// quick.
+    std::string SealedLibrary(const std::string& name, const std::string& key) const;
     /// A library with the map "Sheet" (300x200 pixels, UTM zone 32, two metres a pixel, pixel 0,0 at easting
     /// 500000, northing 6100000) and the icon "Hut".
     std::string ScaledLibrary(const std::string& name = "a.Atlavex") const;

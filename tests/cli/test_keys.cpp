@@ -14,8 +14,8 @@ using Keys = AtlavexTest;
 } // namespace
 
 TEST_F(Keys, ASealedLibraryShowsNothingWithoutItsKey) {
-    const std::string library = In("a.Atlavex"), key = Write("key", "open sesame\n");
-    Do({"new", library, "--key-file", key});
+    const std::string library = SealedLibrary("a.Atlavex", "open sesame"),
+                      key = Write("key", "open sesame\n");
     Do({"add-map", library, Bmp("Treasure.bmp"), "--key-file", key});
     EXPECT_THAT(ReadWholeFile(library), Not(HasSubstr("Treasure")));
     EXPECT_EQ(DoJson({"info", library, "--key-file", key})["sealed"], true);
@@ -26,8 +26,9 @@ TEST_F(Keys, ASealedLibraryShowsNothingWithoutItsKey) {
 }
 
 TEST_F(Keys, EveryCommandOnASealedLibraryEndsWithStatus3UnderAWrongKey) {
-    const std::string library = ScaledLibrary(), key = Write("key", "k"), wrong = Write("wrong", "w");
-    Do({"rekey", library, "--new-key-file", key});
+    const std::string library = SealedLibrary("a.Atlavex", "k"), key = Write("key", "k"),
+                      wrong = Write("wrong", "w");
+    Do({"merge", library, ScaledLibrary("b.Atlavex"), "--key-file", key});
     const std::string image = Bmp("x.bmp");
     for (const Words& command :
          {Words{"info", library}, Words{"verify", library}, Words{"compact", library},
@@ -48,8 +49,7 @@ TEST_F(Keys, AKeyMayHaveAnyCharacters) {
     for (const char* key : {"1", "ключ от карты 16", "鍵鍵鍵鍵鍵鍵鍵鍵鍵鍵鍵鍵鍵鍵鍵鍵",
                             "🗝🗺🗝🗺🗝🗺🗝🗺🗝🗺🗝🗺🗝🗺🗝🗺",
                             "  blanks count  ", "מפתח של המפה שלי", "a\n\"b'\\/"}) {
-        const std::string library = In("k" + std::to_string(++number)), file = Write("key", key);
-        Do({"new", library, "--key-file", file});
+        const std::string library = SealedLibrary("k" + std::to_string(++number), key);
         Do({"info", library, "--key-file", Write("key", std::string(key) + "\r\n")});
         ExpectFailure(3, {"info", library, "--key-file", Write("wrong", std::string(key) + "x")});
     }
@@ -58,14 +58,14 @@ TEST_F(Keys, AKeyMayHaveAnyCharacters) {
 TEST_F(Keys, ComposedAndDecomposedLettersAreTheSameKey) {
     const std::string composed = Write("composed", "Schl\xC3\xBCssel"),
                       decomposed = Write("decomposed", "Schlu\xCC\x88ssel");
-    Do({"new", In("a"), "--key-file", composed});
+    SealedLibrary("a", "Schl\xC3\xBCssel");
     Do({"info", In("a"), "--key-file", decomposed});
-    Do({"new", In("b"), "--key-file", decomposed});
+    SealedLibrary("b", "Schlu\xCC\x88ssel");
     Do({"info", In("b"), "--key-file", composed});
 }
 
 TEST_F(Keys, AKeyCanComeFromTheEnvironment) {
-    Do({"new", In("a"), "--key-file", Write("key", "secret")});
+    SealedLibrary("a", "secret");
     setenv("ATLAVEX_TEST_KEY", "secret", 1);
     Do({"info", In("a"), "--key-env", "ATLAVEX_TEST_KEY"});
     setenv("ATLAVEX_TEST_KEY", "other", 1);
@@ -75,11 +75,18 @@ TEST_F(Keys, AKeyCanComeFromTheEnvironment) {
 }
 
 TEST_F(Keys, AKeyFileThatCannotBeReadIsAFailure) {
-    Do({"new", In("a"), "--key-file", Write("key", "secret")});
+    SealedLibrary("a", "secret");
     ExpectFailure(1, {"info", In("a"), "--key-file", In("missing")}, "missing");
     ExpectFailure(1, {"info", In("a"), "--key-file", "/"}, "'/'");
     ExpectFailure(1, {"info", In("a"), "--key-file", ""}, "key file");
     ExpectFailure(1, {"info", In("a"), "--key-file", "/dev/zero"}, "longer");
+}
+
+TEST_F(Keys, NewWithAKeySealsTheLibrary) {
+    const std::string key = Write("key", "secret\n");
+    Do({"new", In("a"), "--key-file", key});
+    EXPECT_EQ(DoJson({"info", In("a"), "--key-file", key})["sealed"], true);
+    ExpectFailure(3, {"info", In("a")}, "--key-file");
 }
 
 TEST_F(Keys, ANewKeyIsNeverEmpty) {
@@ -110,9 +117,9 @@ TEST_F(Keys, APlainLibraryStaysPlainWhateverKeyIsNamed) {
 }
 
 TEST_F(Keys, ASealedLibraryIsMergedWithItsOwnOrTheNamedKey) {
-    const std::string a = ScaledLibrary("a.Atlavex"), b = ScaledLibrary("b.Atlavex");
+    const std::string a = ScaledLibrary("a.Atlavex"), b = SealedLibrary("b.Atlavex", "B");
     const std::string keyA = Write("keyA", "A"), keyB = Write("keyB", "B");
-    Do({"rekey", b, "--new-key-file", keyB});
+    Do({"merge", b, a, "--key-file", keyB});
     ExpectFailure(3, {"merge", a, b}, "b.Atlavex");
     ExpectFailure(3, {"merge", a, b, "--other-key-file", keyA}, "b.Atlavex");
     Do({"merge", a, b, "--other-key-file", keyB});

@@ -38,7 +38,7 @@ def on_terminal(arguments, typed=None):
 } // namespace
 
 TEST_F(Terminal, AKeyIsAskedForWithoutShowingIt) {
-    Do({"new", In("a.Atlavex"), "--key-file", Write("key", "sesame")});
+    SealedLibrary("a.Atlavex", "sesame");
     const std::string script = OnTerminal;
     const std::string right = Python(script + "print(on_terminal(['info', 'a.Atlavex'], 'sesame\\n'))");
     EXPECT_THAT(right, HasSubstr("Key of a.Atlavex: "));
