@@ -24,6 +24,3 @@ private:
 /// than LargestIconPixels.
 IconRecord ImportIcon(const std::string& file, const std::string& name, Container& container,
                       NumberSource& numbers);
-
-/// Icons are drawn whole: more pixels than this are refused.
-inline constexpr std::int64_t LargestIconPixels = std::int64_t{16} << 20;

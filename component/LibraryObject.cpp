@@ -73,30 +73,24 @@ std::string LibraryObject::IconIdAt(std::int32_t position) const {
 
 std::shared_ptr<AtlavexMap> LibraryObject::GetMap(const std::string& reference) {
     const std::int64_t id = IdOf(MapMark, reference);
-    std::shared_ptr<MapObject>& object = mapObjects_[id];
-    if (!object) {
-        const auto found = FindId(state_.maps, id);
-        if (found == state_.maps.end()) {
-            mapObjects_.erase(id);
-            NoSuchMap();
-        }
-        object = std::make_shared<MapObject>(*found, operations_, options_.threads);
-    }
-    return object;
+    if (const auto known = mapObjects_.find(id); known != mapObjects_.end())
+        return known->second;
+    const auto found = FindId(state_.maps, id);
+    if (found == state_.maps.end())
+        NoSuchMap();
+    auto object = std::make_shared<MapObject>(*found, operations_, options_.threads);
+    return mapObjects_.emplace(id, std::move(object)).first->second;
 }
 
 std::shared_ptr<AtlavexIcon> LibraryObject::GetIcon(const std::string& reference) {
     const std::int64_t id = IdOf(IconMark, reference);
-    std::shared_ptr<IconObject>& object = iconObjects_[id];
-    if (!object) {
-        const auto found = FindId(state_.icons, id);
-        if (found == state_.icons.end()) {
-            iconObjects_.erase(id);
-            NoSuchIcon();
-        }
-        object = std::make_shared<IconObject>(*found);
-    }
-    return object;
+    if (const auto known = iconObjects_.find(id); known != iconObjects_.end())
+        return known->second;
+    const auto found = FindId(state_.icons, id);
+    if (found == state_.icons.end())
+        NoSuchIcon();
+    auto object = std::make_shared<IconObject>(*found);
+    return iconObjects_.emplace(id, std::move(object)).first->second;
 }
 
 std::shared_ptr<AtlavexMap> LibraryObject::Append(std::shared_ptr<MapState> map) {

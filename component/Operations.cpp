@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <exception>
 #include <mutex>
+#include <system_error>
 #include <thread>
 
 namespace {
@@ -102,6 +103,11 @@ void Operations::BetweenEvents(Progress& progress, const std::function<void()>& 
     } catch (const std::bad_alloc&) {
         RaiseEnd();
         throw OutOfMemory();
+    } catch (const std::system_error& error) {
+        RaiseEnd();
+        if (error.code() == std::errc::resource_unavailable_try_again)
+            throw OutOfMemory(); // that is how a thread that cannot be started is told
+        throw;
     } catch (...) {
         RaiseEnd(); // not from a destructor: this handler, too, may throw
         throw;

@@ -63,11 +63,9 @@ void RequireNoDevice(const std::filesystem::path& target) {
 
 void SweepTemporaries(FileSystem& files, const std::filesystem::path& target) {
     const std::string start = TemporaryStart(target);
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(FolderOf(target), error), end; !error && entry != end;
-         entry.increment(error))
-        if (IsTemporaryOf(entry->path().filename().string(), start))
-            files.RemoveIfAbandoned(entry->path());
+    for (const std::string& name : NamesIn(FolderOf(target)))
+        if (IsTemporaryOf(name, start))
+            files.RemoveIfAbandoned(FolderOf(target) / name);
 }
 
 void SyncFolderOf(FileSystem& files, const std::filesystem::path& target) {

@@ -2,6 +2,7 @@
 
 #include "base/ComponentError.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -127,4 +128,16 @@ public:
 
 std::shared_ptr<FileSystem> SystemFiles() {
     return std::make_shared<SystemFileSystem>();
+}
+
+std::vector<std::string> NamesIn(const std::filesystem::path& folder) {
+    struct Closer {
+        void operator()(DIR* listing) const { closedir(listing); }
+    };
+    const std::unique_ptr<DIR, Closer> listing(opendir(folder.c_str()));
+    std::vector<std::string> names;
+    if (listing)
+        while (const dirent* entry = readdir(listing.get()))
+            names.emplace_back(entry->d_name);
+    return names;
 }

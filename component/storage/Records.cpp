@@ -210,7 +210,9 @@ IconRecord IconRecord::Decode(ByteSpan bytes) {
     record.name = reader.Text();
     for (std::int32_t* value : {&record.width, &record.height, &record.offsetX, &record.offsetY})
         *value = reader.Integer<std::int32_t>();
-    Require(record.width >= 1 && record.height >= 1, "its size is impossible");
+    Require(record.width >= 1 && record.height >= 1 &&
+                std::int64_t{record.width} * record.height <= LargestIconPixels,
+            "its size is impossible");
     record.picture = ReadRef(reader);
     reader.End();
     return record;

@@ -62,6 +62,9 @@ struct MapRecord {
     static MapRecord Decode(ByteSpan bytes);
 };
 
+/// Icons are drawn whole: more pixels than this are refused, in an image as in a file.
+inline constexpr std::int64_t LargestIconPixels = std::int64_t{16} << 20;
+
 /// What a file keeps of an icon beside its metadata.
 struct IconRecord {
     std::string name; ///< as given when the icon was added

@@ -45,13 +45,9 @@ private:
 };
 
 void SweepAbandoned(FileSystem& files, const std::filesystem::path& folder) {
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-        const std::string name = entry->path().filename().string();
+    for (const std::string& name : NamesIn(folder))
         if (name.starts_with(NameStart) && name.ends_with(NameEnding))
-            files.RemoveIfAbandoned(entry->path());
-    }
+            files.RemoveIfAbandoned(folder / name);
 }
 
 std::string UniqueName() {
