@@ -78,9 +78,9 @@ TEST_F(LibraryImages, WithAColourTwiceInThePaletteKeepTheirColours) {
 TEST_F(LibraryImages, InOtherTileSizesAreRefusedAndAddNothing) {
     const auto library = NewLibrary();
     const Sheet sheet = MakeSheet(PixelFormat::Grey, 10, 10);
-    for (const auto& [width, height] :
+    for (const Size size :
          {Size{63, 64}, Size{64, 63}, Size{1025, 64}, Size{64, 1025}, Size{0, 256}, Size{-256, 256}})
-        EXPECT_ERROR(AddMap(*library, sheet, "sheet", width, height), ErrorNumber::InvalidTileSize);
+        EXPECT_ERROR(AddMap(*library, sheet, "sheet", size.width, size.height), ErrorNumber::InvalidTileSize);
     EXPECT_EQ(library->MapCount(), 0);
 }
 
@@ -95,7 +95,9 @@ TEST_F(LibraryImages, ThatCannotBeReadAddNothingAndSayWhy) {
         {text, ErrorNumber::ImageNotReadable},
         {torn, ErrorNumber::ImageDamaged},
         {PathOf("scratch"), ErrorNumber::FileNotReadable}};
-    for (const auto& [file, number] : cases) {
+    for (const auto& refused : cases) {
+        const std::string& file = refused.first;
+        const ErrorNumber number = refused.second;
         const Outcome asMap = OutcomeOf([&] { library->AddMapFromImageFile(file, "m", 64, 64); });
         EXPECT_EQ(asMap.code, static_cast<int>(number)) << asMap.description;
         EXPECT_NE(asMap.description.find(file), std::string::npos) << asMap.description;

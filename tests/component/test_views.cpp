@@ -116,8 +116,8 @@ TEST_F(MapViews, BeyondTheMapAreTransparent) {
 }
 
 TEST_F(MapViews, OfImpossibleSizesAreRefused) {
-    for (const auto& [width, height] : {std::pair{0, 10}, {10, 0}, {-1, 10}, {10, 1 << 30}})
-        EXPECT_ERROR(Render(0, 0, width, height), ErrorNumber::InvalidArgument);
+    for (const auto& size : {std::pair{0, 10}, {10, 0}, {-1, 10}, {10, 1 << 30}})
+        EXPECT_ERROR(Render(0, 0, size.first, size.second), ErrorNumber::InvalidArgument);
 }
 
 TEST_F(MapViews, TheZoomIsOneAtFirstAndStoredWithTheMap) {

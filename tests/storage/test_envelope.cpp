@@ -97,7 +97,7 @@ TEST(Envelope, OpensTheFixedHeaderUnderTheKeyTypedDecomposed) {
 
 TEST(Envelope, TakesAnyChangeOfTheHeaderForAWrongKey) {
     const Bytes header = FromHex(HeaderHex), mac = FromHex(MacHex);
-    for (const std::size_t at : {16, 32, 50, 119, 120, 128, 136, 140, 144, 175}) {
+    for (const unsigned at : {16U, 32U, 50U, 119U, 120U, 128U, 136U, 140U, 144U, 175U}) {
         Bytes changed = header;
         changed[at] = static_cast<std::uint8_t>(changed[at] ^ 1);
         EXPECT_EQ(OpenHeader(changed, mac, Key), nullptr) << at;

@@ -142,7 +142,7 @@ TEST_F(OpeningLibraries, RefusesAFileThatIsCutOrLengthened) {
 }
 
 TEST_F(OpeningLibraries, RefusesAFileTooShortToSayWhatItIs) {
-    for (const std::size_t length : {1, 15, 16, 50, 99}) {
+    for (const unsigned length : {1U, 15U, 16U, 50U, 99U}) {
         WriteWholeFile(file_, whole_.substr(0, length));
         const int code = Open().code;
         EXPECT_TRUE(code == static_cast<int>(ErrorNumber::FileDamaged) ||

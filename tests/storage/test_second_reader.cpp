@@ -225,7 +225,7 @@ std::set<std::string> Probes(const LibraryContent& content) {
 /// How many of the probes stand in the bytes.
 std::size_t Found(const std::set<std::string>& probes, const std::string& bytes) {
     std::set<std::string> found;
-    for (const std::size_t length : {5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16})
+    for (const unsigned length : {5U, 6U, 7U, 8U, 9U, 10U, 11U, 12U, 13U, 14U, 15U, 16U})
         for (std::size_t at = 0; at + length <= bytes.size(); ++at)
             if (std::string piece = bytes.substr(at, length); probes.contains(piece))
                 found.insert(std::move(piece));
