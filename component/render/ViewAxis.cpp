@@ -27,7 +27,10 @@ std::vector<std::int32_t> PixelsUnder(ScreenRange range, std::int32_t offset, st
 
 Coverage CoverageOf(std::int64_t position, std::int32_t levelSize, double step) {
     const double size = levelSize, at = static_cast<double>(position);
-    return {std::min(at * step, size), std::min((at + 1) * step, size)};
+    // A step beyond the level covers all of it at once; an infinite one (of the smallest zooms) times 0 is no
+    // number.
+    const double bounded = std::min(step, size);
+    return {std::min(at * bounded, size), std::min((at + 1) * bounded, size)};
 }
 
 std::vector<Taps> CoveredPixels(ScreenRange range, std::int32_t offset, std::int32_t levelSize, double step) {

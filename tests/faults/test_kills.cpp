@@ -6,7 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include <set>
+#include <map>
+#include <random>
 
 namespace {
 
