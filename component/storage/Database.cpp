@@ -112,8 +112,9 @@ Database::Database(const std::filesystem::path& file, Mode mode, std::string sho
     sqlite3_busy_timeout(raw, BusyMilliseconds);
     Execute("PRAGMA temp_store=MEMORY; PRAGMA mmap_size=0; PRAGMA cell_size_check=ON;"
             "PRAGMA trusted_schema=OFF; PRAGMA secure_delete=FAST;");
+    // A hardened connection takes no journal_mode=OFF; in memory, none lies beside the file after a kill.
     if (mode == Mode::Fill)
-        Execute("PRAGMA cache_size=-8000; PRAGMA locking_mode=EXCLUSIVE; PRAGMA journal_mode=OFF; PRAGMA "
+        Execute("PRAGMA cache_size=-8000; PRAGMA locking_mode=EXCLUSIVE; PRAGMA journal_mode=MEMORY; PRAGMA "
                 "synchronous=OFF;");
 }
 

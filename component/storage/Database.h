@@ -16,7 +16,7 @@ class Database {
 public:
     enum class Mode {
         Existing, ///< read and write, as far as the file permits; it must exist
-        Fill      ///< an existing empty file that is filled in one go: no journal, no sync
+        Fill      ///< an existing empty file that is filled in one go: no journal on disk, no sync
     };
 
     /// `shownName` is the name that error sentences give; the path may be that of a temporary.

@@ -19,8 +19,6 @@ public:
         : files_(std::move(files)), path_(std::move(path)), locked_(files_->CreateLocked(path_)) {
         try {
             auto database = std::make_unique<Database>(path_, Database::Mode::Fill, path_.string());
-            // Kept in memory: an import that fails is undone, a crash needs nothing of this file.
-            database->Execute("PRAGMA journal_mode=MEMORY");
             CreateScratchSchema(*database);
             container_ = std::make_unique<Container>(std::move(database), std::move(form));
         } catch (const ComponentError&) {

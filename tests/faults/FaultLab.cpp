@@ -79,7 +79,7 @@ std::vector<std::string> NamesIn(const fs::path& folder, const std::string& star
 }
 
 std::vector<std::string> Temporaries(const fs::path& folder) {
-    return NamesIn(folder, ".", ".tmp");
+    return NamesIn(folder, ".", "");
 }
 
 std::vector<std::string> Scratches(const fs::path& folder) {

@@ -26,7 +26,7 @@ void CopyFile(const std::filesystem::path& from, const std::filesystem::path& to
 /// Names in the folder that begin and end as given.
 std::vector<std::string> NamesIn(const std::filesystem::path& folder, const std::string& start,
                                  const std::string& end);
-/// Temporaries of saves in the folder.
+/// Temporaries of saves in the folder, and whatever else has a hidden name.
 std::vector<std::string> Temporaries(const std::filesystem::path& folder);
 /// Scratch files in the folder.
 std::vector<std::string> Scratches(const std::filesystem::path& folder);

@@ -77,13 +77,20 @@ std::chrono::microseconds RunAndKill(const std::vector<std::string>& command,
 
 ProgramResult RunTampered(const std::vector<std::string>& command, const std::string& callName,
                           const std::string& tampering) {
-    std::vector<std::string> traced = {
-        "strace",    "-f", "--seccomp-bpf",     "-qq", "-o",
-        "/dev/null", "-e", "trace=" + callName, "-e",  "inject=" + callName + ":" + tampering};
+    std::vector<std::string> traced = {"strace",
+                                       "-f",
+                                       "-qq",
+                                       "-o",
+                                       "/dev/null",
+                                       "-e",
+                                       "trace=" + callName,
+                                       "-e",
+                                       "inject=" + callName + ":" + tampering};
     traced.insert(traced.end(), command.begin(), command.end());
     return RunProgram(traced);
 }
 
-void RunAndKillAt(const std::vector<std::string>& command, const SystemCall& call) {
-    RunTampered(command, call.name, "signal=SIGKILL:when=" + std::to_string(call.occurrence));
+bool RunAndKillAt(const std::vector<std::string>& command, const SystemCall& call) {
+    return RunTampered(command, call.name, "signal=SIGKILL:when=" + std::to_string(call.occurrence)).status ==
+           128 + SIGKILL;
 }

@@ -32,5 +32,5 @@ ProgramResult RunTampered(const std::vector<std::string>& command, const std::st
 std::chrono::microseconds RunAndKill(const std::vector<std::string>& command,
                                      std::chrono::microseconds after);
 
-/// Runs the command and kills it when one of its threads is about to make the call.
-void RunAndKillAt(const std::vector<std::string>& command, const SystemCall& call);
+/// Runs the command and kills it when one of its threads is about to make the call; false when none made it.
+bool RunAndKillAt(const std::vector<std::string>& command, const SystemCall& call);

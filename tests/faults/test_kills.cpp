@@ -56,6 +56,10 @@ protected:
             CopyFile(Base(), Target());
     }
 
+    static void KillAt(const std::vector<std::string>& command, const SystemCall& call) {
+        ASSERT_TRUE(RunAndKillAt(command, call)) << call.name << ' ' << call.occurrence << " was not met";
+    }
+
     void KillOftenDuring(const std::vector<std::string>& command, bool withTarget, unsigned seed);
 
     TempFolder folder_;
@@ -78,6 +82,7 @@ void Kills::KillOftenDuring(const std::vector<std::string>& command, bool withTa
 
     std::mt19937 random(seed);
     std::map<std::string, int> seen;
+    int hits = 0;
     for (int i = 0; i < KillsByClock + KillsAtCalls; ++i) {
         Prepare(withTarget);
         std::string moment;
@@ -90,13 +95,14 @@ void Kills::KillOftenDuring(const std::vector<std::string>& command, bool withTa
             // One of the last calls, or any: what matters most happens at the end.
             const std::size_t back = random() % (i % 3 == 0 ? calls.size() : 30);
             const SystemCall& call = calls[calls.size() - 1 - back];
-            RunAndKillAt(command, call);
+            hits += RunAndKillAt(command, call) ? 1 : 0;
             moment = call.name + " " + std::to_string(call.occurrence);
         }
         const std::string now = StateOf(Target());
         ASSERT_TRUE(now == old || now == fresh) << "killed at " << moment << ": " << now;
         ++seen[now];
     }
+    EXPECT_GT(hits, KillsAtCalls / 2);
     EXPECT_EQ(seen.size(), 2U) << "only one of the two outcomes was met";
     for (const auto& [state, times] : seen)
         RecordProperty(state == old ? "old" : "new", times);
@@ -119,17 +125,26 @@ TEST_F(Kills, DuringAChangeOfKeyLeaveThePlainOrTheSealedLibrary) {
 TEST_F(Kills, LeaveATemporaryThatTheNextSaveSweepsEvenOneInPlace) {
     fs::create_directory(folder_ / "scratch");
     Prepare(true);
-    RunAndKillAt(Driver("rekey"), {"rename", 1});
+    KillAt(Driver("rekey"), {"rename", 1});
     ASSERT_EQ(Temporaries(folder_.Path()).size(), 1U);
     const ProgramResult saved = RunProgram(Driver("set-metadata", "checked"));
     EXPECT_EQ(saved.status, 0) << saved.out;
     EXPECT_TRUE(Temporaries(folder_.Path()).empty());
 }
 
+TEST_F(Kills, WhileANewFileIsFilledLeaveNothingThatIsNotSwept) {
+    fs::create_directory(folder_ / "scratch");
+    Prepare(true);
+    KillAt(Driver("rekey"), {"pwrite64", 100});
+    ASSERT_EQ(Temporaries(folder_.Path()).size(), 1U) << "the temporary has no journal beside it";
+    ASSERT_EQ(RunProgram(Driver("set-metadata", "checked")).status, 0);
+    EXPECT_TRUE(Temporaries(folder_.Path()).empty());
+}
+
 TEST_F(Kills, LeaveAScratchThatTheNextImportSweeps) {
     fs::create_directory(folder_ / "scratch");
     Prepare(true);
-    RunAndKillAt(Driver("add-map", Base().parent_path() / "extra.bmp"), {"fdatasync", 1});
+    KillAt(Driver("add-map", Base().parent_path() / "extra.bmp"), {"fdatasync", 1});
     ASSERT_EQ(Scratches(folder_ / "scratch").size(), 1U);
     const ProgramResult added = RunProgram(Driver("add-map", Base().parent_path() / "extra.bmp"));
     EXPECT_EQ(added.status, 0) << added.out;
@@ -140,7 +155,7 @@ TEST_F(Kills, LeaveAScratchThatTheNextImportSweeps) {
 TEST_F(Kills, BeforeTheJournalIsSyncedDoNotStandInTheWayOfANewKey) {
     fs::create_directory(folder_ / "scratch");
     Prepare(true);
-    RunAndKillAt(Driver("set-metadata", "never written"), {"fdatasync", 1});
+    KillAt(Driver("set-metadata", "never written"), {"fdatasync", 1});
     ASSERT_TRUE(fs::exists(Target().string() + "-journal"));
     const ProgramResult saved = RunProgram(Driver("rekey"));
     EXPECT_EQ(saved.status, 0) << saved.out;
