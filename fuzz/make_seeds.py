@@ -5,6 +5,7 @@ Codec libraries are not instrumented, so the fuzzer cannot find their formats by
 small real files of each kind."""
 
 import io
+import shutil
 import sqlite3
 import struct
 import subprocess
@@ -88,6 +89,12 @@ def write_parts(library, seeds):
         (seeds / "contents" / str(number)).write_bytes(parts + blob)
 
 
+def copy_found(seeds):
+    """Inputs that showed a fault once."""
+    found = Path(__file__).resolve().parent.parent / "tests" / "data" / "fuzz"
+    shutil.copytree(found, seeds, dirs_exist_ok=True)
+
+
 def main():
     build, seeds = Path(sys.argv[1]), Path(sys.argv[2])
     write_images(seeds / "image")
@@ -96,6 +103,7 @@ def main():
     (seeds / "worldfile").mkdir(exist_ok=True)
     (seeds / "worldfile" / "plain").write_text("2.5\n0\n0\n-2.5\n565000.25\n6142000.75\n")
     (seeds / "worldfile" / "turned").write_bytes(b"1e-3\r\n\r\n+0.5\r\n-0.5\r\n1\r\n10\r\n60\r\n")
+    copy_found(seeds)
 
 
 main()

@@ -33,14 +33,21 @@ pid_t Start(const std::vector<std::string>& command) {
     _exit(127);
 }
 
+/// The leak sanitizer traces the program itself at its end, which strace stands in the way of.
+std::vector<std::string> UnderStrace(const std::vector<std::string>& options,
+                                     const std::vector<std::string>& command) {
+    std::vector<std::string> words = {"env", "ASAN_OPTIONS=detect_leaks=0", "strace", "-f"};
+    words.insert(words.end(), options.begin(), options.end());
+    words.insert(words.end(), command.begin(), command.end());
+    return words;
+}
+
 } // namespace
 
 std::vector<SystemCall> TraceCalls(const std::vector<std::string>& command, const std::string& names) {
     const TempFolder folder;
-    std::vector<std::string> traced = {"strace",        "-f", "-y", "-o", (folder / "log").string(), "-e",
-                                       "trace=" + names};
-    traced.insert(traced.end(), command.begin(), command.end());
-    const ProgramResult result = RunProgram(traced);
+    const ProgramResult result =
+        RunProgram(UnderStrace({"-y", "-o", (folder / "log").string(), "-e", "trace=" + names}, command));
     if (result.status != 0)
         throw std::runtime_error("strace could not trace the program (is ptrace permitted?): " + result.err);
     std::istringstream log(ReadWholeFile(folder / "log"));
@@ -77,17 +84,9 @@ std::chrono::microseconds RunAndKill(const std::vector<std::string>& command,
 
 ProgramResult RunTampered(const std::vector<std::string>& command, const std::string& callName,
                           const std::string& tampering) {
-    std::vector<std::string> traced = {"strace",
-                                       "-f",
-                                       "-qq",
-                                       "-o",
-                                       "/dev/null",
-                                       "-e",
-                                       "trace=" + callName,
-                                       "-e",
-                                       "inject=" + callName + ":" + tampering};
-    traced.insert(traced.end(), command.begin(), command.end());
-    return RunProgram(traced);
+    return RunProgram(UnderStrace(
+        {"-qq", "-o", "/dev/null", "-e", "trace=" + callName, "-e", "inject=" + callName + ":" + tampering},
+        command));
 }
 
 bool RunAndKillAt(const std::vector<std::string>& command, const SystemCall& call) {

@@ -109,7 +109,8 @@ TEST_F(Targets, BeyondALimitOfFileSizesStayAsTheyAre) {
             fs::remove(argument);
         // Blocks of 512 bytes: the library fits with little room, or (copied whole) not at all.
         const std::string blocks =
-            std::to_string(bytes.size() / 512 + (operation == "save-as" || operation == "rekey" ? -40 : 40));
+            std::to_string(static_cast<int>(bytes.size() / 512) +
+                           (operation == "save-as" || operation == "rekey" ? -40 : 40));
         const ProgramResult result = RunProgram(
             {"sh", "-c", "trap '' XFSZ; ulimit -f " + blocks + "; FAULT_NEW_KEY=k exec \"$@\"", "sh",
              DriverProgram(), operation, (folder_ / "scratch").string(), target.string(), argument});
