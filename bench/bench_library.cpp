@@ -1,5 +1,5 @@
-// What a library costs to open, to save after a small edit, and to look at. Run by compare.py, which makes the
-// files: bench_library FOLDER [benchmark options]. Every *.Atlavex in the folder is measured; a name that
+// What a library costs to open, to save after a small edit, and to look at. Run by compare.py, which makes
+// the files: bench_library FOLDER [benchmark options]. Every *.Atlavex in the folder is measured; a name that
 // contains "sealed" is opened with the key that compare.py uses.
 
 #include "component/AtlavexLibrary.h"

@@ -6,7 +6,9 @@
 
 namespace {
 
-std::int32_t DivideUp(std::int32_t value, std::int32_t by) { return value / by + (value % by != 0 ? 1 : 0); }
+std::int32_t DivideUp(std::int32_t value, std::int32_t by) {
+    return value / by + (value % by != 0 ? 1 : 0);
+}
 
 void CheckTileSide(std::int32_t side) {
     if (side < MinTileSide || side > MaxTileSide)
@@ -50,5 +52,6 @@ std::int64_t PyramidLayout::Entries() const {
 
 bool PyramidLayout::IsEdgeTile(int level, std::int32_t row, std::int32_t column) const {
     const PyramidLevel& at = Level(level);
-    return (std::int64_t{column} + 1) * tileWidth_ > at.width || (std::int64_t{row} + 1) * tileHeight_ > at.height;
+    return (std::int64_t{column} + 1) * tileWidth_ > at.width ||
+           (std::int64_t{row} + 1) * tileHeight_ > at.height;
 }

@@ -45,8 +45,8 @@ struct TileHeader {
 };
 
 /// Reads the PNG files that TileEncoder writes, and others of the same layout with any row filter and any
-/// number of IDAT chunks. The chunks' CRCs are not computed: the store's digest covers the whole file, and the
-/// compressed stream has a checksum of its own. One object a thread: it keeps its buffers.
+/// number of IDAT chunks. The chunks' CRCs are not computed: the store's digest covers the whole file, and
+/// the compressed stream has a checksum of its own. One object a thread: it keeps its buffers.
 class TileDecoder {
 public:
     TileDecoder();
@@ -60,8 +60,8 @@ public:
 
     /// Decodes into rows of width × BytesPerPixel(header.format) bytes, `stride` bytes apart. The tile must
     /// have exactly the expected size; nothing is ever written beyond it. Throws FileDamaged.
-    TileHeader Decode(std::span<const std::uint8_t> png, std::int32_t expectedWidth, std::int32_t expectedHeight,
-                      std::uint8_t* rows, std::ptrdiff_t stride);
+    TileHeader Decode(std::span<const std::uint8_t> png, std::int32_t expectedWidth,
+                      std::int32_t expectedHeight, std::uint8_t* rows, std::ptrdiff_t stride);
 
     /// Decodes into screen pixels (see Bitmap), `stride` words apart. Same rules.
     void DecodeToScreen(std::span<const std::uint8_t> png, std::int32_t expectedWidth,

@@ -10,7 +10,8 @@ public:
     virtual ~TileSink() = default;
     /// Keeps one encoded tile (a PNG of exactly one tile's size). Called once for every tile of every level,
     /// in no fixed order, by several threads at the same time.
-    virtual void Put(int level, std::int32_t row, std::int32_t column, std::span<const std::uint8_t> encoded) = 0;
+    virtual void Put(int level, std::int32_t row, std::int32_t column,
+                     std::span<const std::uint8_t> encoded) = 0;
 };
 
 /// Gives the tiles of a map.

@@ -11,7 +11,8 @@
 ProgramResult RunProgram(const std::vector<std::string>& command, const std::string& input) {
     // Files instead of pipes: no order of reading and writing can block.
     const TempFolder folder;
-    const auto in = (folder / "in").string(), out = (folder / "out").string(), err = (folder / "err").string();
+    const auto in = (folder / "in").string(), out = (folder / "out").string(),
+               err = (folder / "err").string();
     WriteWholeFile(in, input);
     const pid_t child = fork();
     if (child < 0)
