@@ -1,5 +1,6 @@
 #include "cli/KeyPrompt.h"
 
+#include "base/FileDescriptor.h"
 #include "cli/ExitStatus.h"
 #include "cli/Interrupt.h"
 #include "cli/Output.h"
@@ -19,18 +20,16 @@ constexpr std::size_t LongestTypedKey = 4096; // the longest line that a termina
 class SilentTerminal {
 public:
     SilentTerminal() : descriptor_(open("/dev/tty", O_RDWR | O_CLOEXEC | O_NOCTTY)) {
-        if (descriptor_ < 0 || tcgetattr(descriptor_, &before_) != 0)
+        if (!descriptor_.IsOpen() || tcgetattr(descriptor_.Number(), &before_) != 0)
             return;
         termios silent = before_;
         silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
         silent.c_lflag |= ECHONL;
-        usable_ = tcsetattr(descriptor_, TCSAFLUSH, &silent) == 0;
+        usable_ = tcsetattr(descriptor_.Number(), TCSAFLUSH, &silent) == 0;
     }
     ~SilentTerminal() {
         if (usable_)
-            tcsetattr(descriptor_, TCSAFLUSH, &before_);
-        if (descriptor_ >= 0)
-            close(descriptor_);
+            tcsetattr(descriptor_.Number(), TCSAFLUSH, &before_);
     }
     SilentTerminal(const SilentTerminal&) = delete;
     SilentTerminal& operator=(const SilentTerminal&) = delete;
@@ -38,13 +37,13 @@ public:
     bool Usable() const { return usable_; }
 
     bool Write(std::string_view text) const {
-        return write(descriptor_, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+        return write(descriptor_.Number(), text.data(), text.size()) == static_cast<ssize_t>(text.size());
     }
 
     SecretText ReadLine() const {
         std::string line(LongestTypedKey, '\0');
-        WaitForInput(descriptor_);
-        const ssize_t got = read(descriptor_, line.data(), line.size());
+        WaitForInput(descriptor_.Number());
+        const ssize_t got = read(descriptor_.Number(), line.data(), line.size());
         ThrowIfInterrupted();
         line.resize(got > 0 ? static_cast<std::size_t>(got) : 0);
         if (line.ends_with('\n'))
@@ -53,7 +52,7 @@ public:
     }
 
 private:
-    int descriptor_;
+    FileDescriptor descriptor_;
     termios before_{};
     bool usable_ = false;
 };

@@ -1,5 +1,6 @@
 #include "cli/KeySource.h"
 
+#include "base/FileDescriptor.h"
 #include "cli/ExitStatus.h"
 #include "cli/Interrupt.h"
 #include "cli/KeyPrompt.h"
@@ -17,23 +18,6 @@ namespace {
 
 constexpr std::size_t LongestKey = 4096; // bytes; more is some other file given by mistake
 
-/// An open file descriptor, or -1.
-class Descriptor {
-public:
-    explicit Descriptor(int number) : number_(number) {}
-    ~Descriptor() {
-        if (number_ >= 0)
-            close(number_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    int Number() const { return number_; }
-
-private:
-    int number_;
-};
-
 [[noreturn]] void FailKeyFile(const std::string& file, const std::string& reason) {
     ThrowIfInterrupted();
     throw CommandFailure(ExitStatus::Failed, "The key file '" + file + "' cannot be read: " + reason + ".");
@@ -49,8 +33,8 @@ SecretText WithoutLineEnd(std::string text) {
 
 // A pipe is welcome too: shells hand over the output of a password store that way.
 SecretText ReadKeyFile(const std::string& file) {
-    const Descriptor source(open(file.c_str(), O_RDONLY | O_CLOEXEC));
-    if (source.Number() < 0)
+    const FileDescriptor source(open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!source.IsOpen())
         FailKeyFile(file, std::strerror(errno));
     std::string text(LongestKey + 1, '\0'); // whole from the start, so that no growth leaves copies behind
     std::size_t length = 0;

@@ -9,6 +9,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -32,12 +33,15 @@ NewFile::NewFile(std::filesystem::path target)
     std::error_code unknown; // whatever it is, opening or renaming fails on it as well
     if (std::filesystem::is_directory(target_, unknown))
         Fail(EISDIR);
-    const int descriptor = open(temporary_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (descriptor < 0)
+    FileDescriptor descriptor(open(temporary_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (!descriptor.IsOpen())
         Fail(errno);
-    stream_.reset(fdopen(descriptor, "w+b"));
-    if (!stream_)
-        Fail(errno);
+    stream_ = OpenFileStream(std::move(descriptor), "w+b");
+    if (stream_)
+        return;
+    const int error = errno;
+    unlink(temporary_.c_str()); // the destructor of a half-made object does not run
+    Fail(error);
 }
 
 NewFile::~NewFile() {

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "base/FileStream.h"
+
 #include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <string>
 
 /// A file that appears under its name only when it is complete: until Commit it is built beside it under a
@@ -25,11 +26,7 @@ public:
     [[noreturn]] void Fail(int systemError) const;
 
 private:
-    struct CloseStream {
-        void operator()(std::FILE* stream) const { std::fclose(stream); }
-    };
-
     std::filesystem::path target_;
     std::filesystem::path temporary_;
-    std::unique_ptr<std::FILE, CloseStream> stream_;
+    FileStream stream_;
 };

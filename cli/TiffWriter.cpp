@@ -1,6 +1,7 @@
 #include "cli/ImageWriter.h"
 
 #include "base/ComponentError.h"
+#include "base/FileDescriptor.h"
 
 #include <tiffio.h>
 #include <unistd.h>
@@ -87,14 +88,13 @@ private:
         TIFFOpenOptionsSetWarningHandlerExtR(options.get(), IgnoreWarning, nullptr);
         const std::int64_t bytes = std::int64_t{shape_.width} * Samples() * shape_.height;
         // The library closes what it is given, and the file's owner closes the file: each gets its own.
-        const int descriptor = dup(fileno(file_.Stream()));
-        if (descriptor < 0)
+        FileDescriptor descriptor(dup(fileno(file_.Stream())));
+        if (!descriptor.IsOpen())
             file_.Fail(errno);
-        tiff_.reset(TIFFFdOpenExt(descriptor, file_.Target().c_str(), bytes > ClassicLimit ? "w8" : "w",
+        tiff_.reset(TIFFFdOpenExt(descriptor.Number(), file_.Target().c_str(), bytes > ClassicLimit ? "w8" : "w",
                                   options.get()));
-        if (!tiff_)
-            close(descriptor);
         Check(tiff_ != nullptr);
+        descriptor.Release();
     }
 
     void WriteTags() {

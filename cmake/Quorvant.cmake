@@ -16,6 +16,7 @@ endif()
 
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets)
 
 add_library(quorvant_options INTERFACE)
 target_compile_options(quorvant_options INTERFACE
@@ -64,6 +65,31 @@ function(quorvant_test name)
     target_precompile_headers(${name} REUSE_FROM test_precompiled)
     target_compile_definitions(${name} PRIVATE
         TEST_DATA_DIR="${CMAKE_SOURCE_DIR}/tests/data" SOURCE_DIR="${CMAKE_SOURCE_DIR}" BUILD_DIR="${CMAKE_BINARY_DIR}")
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 300)
+    endif()
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60
+        PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
+endfunction()
+
+# quorvant_desktop_library(NAME SOURCES file... [PUBLIC lib...] [PRIVATE lib...])
+# The same for a folder that uses Qt Widgets. A form's .ui file stands beside its source.
+function(quorvant_desktop_library name)
+    quorvant_library(${name} ${ARGN})
+    set_target_properties(${name} PROPERTIES AUTOMOC ON AUTOUIC ON AUTORCC ON)
+    target_link_libraries(${name} PUBLIC Qt6::Widgets)
+    target_compile_definitions(${name} PUBLIC QT_NO_KEYWORDS QT_NO_CAST_FROM_BYTEARRAY)
+endfunction()
+
+# quorvant_desktop_test(NAME SOURCES file... LIBS lib... [LABELS label...] [TIMEOUT seconds])
+# A GoogleTest program over real widgets on Qt's offscreen platform.
+function(quorvant_desktop_test name)
+    cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS;LABELS" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+    target_link_libraries(${name} PRIVATE quorvant_options test_support test_desktop ${ARG_LIBS})
+    target_compile_options(${name} PRIVATE ${QUORVANT_TEST_OPTIONS})
+    target_precompile_headers(${name} REUSE_FROM test_desktop)
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 300)
     endif()

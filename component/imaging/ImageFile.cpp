@@ -5,10 +5,10 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 namespace {
 
@@ -24,17 +24,14 @@ namespace {
 
 ImageFile::ImageFile(std::filesystem::path path) : path_(std::move(path)) {
     // O_NONBLOCK: a named pipe would keep the program waiting for its writer. It changes nothing for files.
-    const int descriptor = open(path_.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0)
+    FileDescriptor descriptor(open(path_.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    if (!descriptor.IsOpen())
         ThrowSystemError(path_, errno);
-    stream_.reset(fdopen(descriptor, "rb"));
-    if (!stream_) {
-        const int number = errno;
-        close(descriptor);
-        ThrowSystemError(path_, number);
-    }
+    stream_ = OpenFileStream(std::move(descriptor), "rb");
+    if (!stream_)
+        ThrowSystemError(path_, errno);
     struct stat status {};
-    if (fstat(descriptor, &status) != 0)
+    if (fstat(fileno(stream_.get()), &status) != 0)
         ThrowSystemError(path_, errno);
     if (S_ISDIR(status.st_mode))
         ThrowImageError(ErrorNumber::FileNotReadable, path_, "it is a folder");

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "base/FileStream.h"
+
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -29,11 +30,7 @@ public:
     void Read(std::span<std::uint8_t> bytes, const std::string& what);
 
 private:
-    struct CloseStream {
-        void operator()(std::FILE* stream) const { std::fclose(stream); }
-    };
-
     std::filesystem::path path_;
     std::int64_t size_ = 0;
-    std::unique_ptr<std::FILE, CloseStream> stream_;
+    FileStream stream_;
 };

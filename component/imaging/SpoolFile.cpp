@@ -28,19 +28,15 @@ SpoolFile::SpoolFile() {
     if (error)
         ThrowWriteError(error.value());
     std::string name = (folder / "quorvant-image-XXXXXX").string();
-    descriptor_ = mkstemp(name.data());
-    if (descriptor_ < 0)
+    descriptor_ = FileDescriptor(mkstemp(name.data()));
+    if (!descriptor_.IsOpen())
         ThrowWriteError(errno);
     unlink(name.c_str());
 }
 
-SpoolFile::~SpoolFile() {
-    close(descriptor_);
-}
-
 void SpoolFile::Write(std::int64_t offset, std::span<const std::uint8_t> bytes) {
     while (!bytes.empty()) {
-        const ssize_t written = pwrite(descriptor_, bytes.data(), bytes.size(), offset);
+        const ssize_t written = pwrite(descriptor_.Number(), bytes.data(), bytes.size(), offset);
         if (written < 0 && errno == EINTR)
             continue;
         if (written <= 0)
@@ -52,7 +48,7 @@ void SpoolFile::Write(std::int64_t offset, std::span<const std::uint8_t> bytes) 
 
 void SpoolFile::Read(std::int64_t offset, std::span<std::uint8_t> bytes) const {
     while (!bytes.empty()) {
-        const ssize_t read = pread(descriptor_, bytes.data(), bytes.size(), offset);
+        const ssize_t read = pread(descriptor_.Number(), bytes.data(), bytes.size(), offset);
         if (read < 0 && errno == EINTR)
             continue;
         if (read < 0)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/FileDescriptor.h"
+
 #include <cstdint>
 #include <span>
 
@@ -9,9 +11,6 @@ class SpoolFile {
 public:
     /// Makes it in the user's temporary folder. Throws FileNotWritable or DiskFull.
     SpoolFile();
-    ~SpoolFile();
-    SpoolFile(const SpoolFile&) = delete;
-    SpoolFile& operator=(const SpoolFile&) = delete;
 
     /// Offsets are bytes from the begin. Throws DiskFull or FileNotWritable.
     void Write(std::int64_t offset, std::span<const std::uint8_t> bytes);
@@ -19,5 +18,5 @@ public:
     void Read(std::int64_t offset, std::span<std::uint8_t> bytes) const;
 
 private:
-    int descriptor_ = -1;
+    FileDescriptor descriptor_;
 };

@@ -13,33 +13,10 @@
 
 namespace {
 
-/// An open file that is closed at the latest when it goes out of scope.
-class OpenFile {
-public:
-    explicit OpenFile(int descriptor) : descriptor_(descriptor) {}
-    ~OpenFile() {
-        if (descriptor_ >= 0)
-            close(descriptor_);
-    }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-
-    int Descriptor() const { return descriptor_; }
-    bool IsOpen() const { return descriptor_ >= 0; }
-    bool IsRegular() const {
-        struct stat status {};
-        return fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode);
-    }
-    /// False, with errno, when the system lost what was written: some file systems say so only here.
-    bool Close() {
-        const int descriptor = descriptor_;
-        descriptor_ = -1;
-        return close(descriptor) == 0;
-    }
-
-private:
-    int descriptor_;
-};
+bool IsRegular(const FileDescriptor& file) {
+    struct stat status {};
+    return fstat(file.Number(), &status) == 0 && S_ISREG(status.st_mode);
+}
 
 bool WriteAll(int descriptor, std::span<const std::uint8_t> bytes) {
     while (!bytes.empty()) {
@@ -61,21 +38,17 @@ std::string Reason(int error) {
 
 ExportFolder::ExportFolder(const std::filesystem::path& path)
     : path_(path), folder_(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    if (folder_ < 0)
+    if (!folder_.IsOpen())
         throw ComponentError(ErrorNumber::FileNotWritable,
                              "The folder \"" + path.string() + "\" cannot be used: " + Reason(errno) + ".");
 }
 
-ExportFolder::~ExportFolder() {
-    close(folder_);
-}
-
 void ExportFolder::MakeFolder(const std::string& name) const {
     struct stat status {};
-    if (mkdirat(folder_, name.c_str(), 0777) == 0)
+    if (mkdirat(folder_.Number(), name.c_str(), 0777) == 0)
         return;
     const int error = errno;
-    if (error == EEXIST && fstatat(folder_, name.c_str(), &status, 0) == 0 && S_ISDIR(status.st_mode))
+    if (error == EEXIST && fstatat(folder_.Number(), name.c_str(), &status, 0) == 0 && S_ISDIR(status.st_mode))
         return;
     ThrowNotWritable(name, error);
 }
@@ -87,9 +60,9 @@ void ExportFolder::Write(const std::string& name, std::span<const std::uint8_t> 
 void ExportFolder::Replace(const std::string& name, std::string_view text) const {
     const std::string temporary = "." + name + ".tmp";
     WriteNew(temporary, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()}, true);
-    if (renameat(folder_, temporary.c_str(), folder_, name.c_str()) != 0) {
+    if (renameat(folder_.Number(), temporary.c_str(), folder_.Number(), name.c_str()) != 0) {
         const int error = errno;
-        unlinkat(folder_, temporary.c_str(), 0);
+        unlinkat(folder_.Number(), temporary.c_str(), 0);
         ThrowNotWritable(name, error);
     }
 }
@@ -97,29 +70,29 @@ void ExportFolder::Replace(const std::string& name, std::string_view text) const
 void ExportFolder::WriteNew(const std::string& name, std::span<const std::uint8_t> bytes, bool toDisk) const {
     // Not blocking: a pipe in the file's place would wait for a reader.
     constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
-    OpenFile file(openat(folder_, name.c_str(), flags, 0666));
+    FileDescriptor file(openat(folder_.Number(), name.c_str(), flags, 0666));
     if (!file.IsOpen())
         ThrowNotWritable(name, errno);
     errno = 0;
-    const bool written = WriteAll(file.Descriptor(), bytes) && (!toDisk || fsync(file.Descriptor()) == 0);
+    const bool written = WriteAll(file.Number(), bytes) && (!toDisk || fsync(file.Number()) == 0);
     if (written && file.Close())
         return;
     const int error = errno;
-    unlinkat(folder_, name.c_str(), 0);
+    unlinkat(folder_.Number(), name.c_str(), 0);
     ThrowNotWritable(name, error);
 }
 
 std::optional<std::string> ExportFolder::Read(const std::string& name, std::size_t largest) const {
-    const OpenFile file(openat(folder_, name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const FileDescriptor file(openat(folder_.Number(), name.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file.IsOpen() && errno == ENOENT)
         return std::nullopt;
     const std::string path = (path_ / name).string();
-    if (!file.IsOpen() || !file.IsRegular())
+    if (!file.IsOpen() || !IsRegular(file))
         throw ComponentError(ErrorNumber::FileNotReadable, "\"" + path + "\" cannot be read.");
     std::string text(largest + 1, '\0');
     std::size_t size = 0;
     for (ssize_t count = 1; count != 0 && size < text.size();) {
-        count = read(file.Descriptor(), text.data() + size, text.size() - size);
+        count = read(file.Number(), text.data() + size, text.size() - size);
         if (count < 0 && errno != EINTR)
             throw ComponentError(ErrorNumber::FileNotReadable,
                                  "\"" + path + "\" cannot be read: " + Reason(errno) + ".");

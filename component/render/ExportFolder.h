@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/FileDescriptor.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -15,9 +17,6 @@
 class ExportFolder {
 public:
     explicit ExportFolder(const std::filesystem::path& path);
-    ~ExportFolder();
-    ExportFolder(const ExportFolder&) = delete;
-    ExportFolder& operator=(const ExportFolder&) = delete;
 
     const std::filesystem::path& Path() const { return path_; }
 
@@ -35,5 +34,5 @@ private:
     [[noreturn]] void ThrowNotWritable(const std::string& name, int error) const;
 
     std::filesystem::path path_;
-    int folder_ = -1;
+    FileDescriptor folder_;
 };

@@ -1,6 +1,7 @@
 #include "component/storage/FileSystem.h"
 
 #include "base/ComponentError.h"
+#include "base/FileDescriptor.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -26,30 +27,45 @@ void Check(bool succeeded, const std::filesystem::path& file) {
         Fail(file, errno);
 }
 
-class Descriptor {
-public:
-    explicit Descriptor(int number) : number_(number) {}
-    ~Descriptor() {
-        if (number_ >= 0)
-            close(number_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    int Number() const { return number_; }
-    bool IsOpen() const { return number_ >= 0; }
+/// Whether the path still names the file that is open.
+bool Names(const std::filesystem::path& path, const FileDescriptor& file) {
+    struct stat named {};
+    struct stat opened {};
+    return lstat(path.c_str(), &named) == 0 && fstat(file.Number(), &opened) == 0 &&
+           named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
+}
 
-private:
-    int number_;
-};
+/// Waits for a sweeper that came between: it holds the lock no longer than it takes to remove a name. The
+/// lock is one of the whole open file, unlike SQLite's: it stays when SQLite closes its own descriptor.
+bool Lock(const FileDescriptor& file) {
+    int result = 0;
+    do
+        result = flock(file.Number(), LOCK_EX);
+    while (result != 0 && errno == EINTR);
+    return result == 0;
+}
+
+/// A new file with its lock. No call of the system makes both at once, and a sweeper may take the file for an
+/// abandoned one in between and remove its name. Both decide under the lock and by the name: whoever holds
+/// the lock of a file that still has its name owns it, and a maker whose file lost its name makes another.
+FileDescriptor MakeLocked(const std::filesystem::path& path) {
+    for (;;) {
+        FileDescriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+        Check(file.IsOpen(), path);
+        if (!Lock(file)) {
+            const int error = errno;
+            unlink(path.c_str());
+            Fail(path, error);
+        }
+        if (Names(path, file))
+            return file;
+    }
+}
 
 class SystemLockedFile : public FileSystem::LockedFile {
 public:
     explicit SystemLockedFile(const std::filesystem::path& file)
-        : path_(file), descriptor_(open(file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600)) {
-        Check(descriptor_.IsOpen(), path_);
-        // A lock of the whole open file, unlike SQLite's: it stays when SQLite closes its own descriptor.
-        Check(flock(descriptor_.Number(), LOCK_EX | LOCK_NB) == 0, path_);
-    }
+        : path_(file), descriptor_(MakeLocked(file)) {}
 
     void Sync() override { Check(fsync(descriptor_.Number()) == 0, path_); }
 
@@ -68,7 +84,7 @@ public:
 
 private:
     std::filesystem::path path_;
-    Descriptor descriptor_;
+    FileDescriptor descriptor_;
 };
 
 /// FAT and some network file systems know one name a file.
@@ -83,7 +99,7 @@ bool Copy(const std::filesystem::path& file, const std::filesystem::path& name) 
         return false;
     if (!std::filesystem::copy_file(file, name, error))
         Fail(name, error.value());
-    const Descriptor descriptor(open(name.c_str(), O_RDONLY | O_CLOEXEC));
+    const FileDescriptor descriptor(open(name.c_str(), O_RDONLY | O_CLOEXEC));
     Check(descriptor.IsOpen() && fsync(descriptor.Number()) == 0, name);
     return true;
 }
@@ -109,7 +125,7 @@ public:
     }
 
     void SyncFolder(const std::filesystem::path& folder) override {
-        const Descriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        const FileDescriptor descriptor(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         Check(descriptor.IsOpen(), folder);
         // Some file systems do not know this call for folders; they order names by themselves.
         Check(fsync(descriptor.Number()) == 0 || errno == EINVAL, folder);
@@ -118,8 +134,11 @@ public:
     void Remove(const std::filesystem::path& file) noexcept override { unlink(file.c_str()); }
 
     void RemoveIfAbandoned(const std::filesystem::path& file) noexcept override {
-        const Descriptor descriptor(open(file.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-        if (descriptor.IsOpen() && flock(descriptor.Number(), LOCK_EX | LOCK_NB) == 0)
+        const FileDescriptor descriptor(open(file.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        // Between opening and locking, its maker may have put it in its place, or another have swept it; the
+        // name is then gone, or that of a file that was made since.
+        if (descriptor.IsOpen() && flock(descriptor.Number(), LOCK_EX | LOCK_NB) == 0 &&
+            Names(file, descriptor))
             unlink(file.c_str());
     }
 };

@@ -1,0 +1,21 @@
+#include "tests/support/TempFolder.h"
+
+#include <QApplication>
+#include <QFontDatabase>
+
+#include <gmock/gmock.h>
+
+// Every program of desktop tests runs without a screen, in a home of its own, with settings of its own.
+int main(int argc, char** argv) {
+    const TempFolder home;
+    const QByteArray folder = QByteArray::fromStdString(home.Path().string());
+    for (const char* const name : {"HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"})
+        qputenv(name, folder);
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    ::testing::InitGoogleMock(&argc, argv);
+    const QApplication application(argc, argv);
+    QApplication::setEffectEnabled(Qt::UI_AnimateMenu, false);
+    QApplication::setEffectEnabled(Qt::UI_AnimateCombo, false);
+    return RUN_ALL_TESTS();
+}
