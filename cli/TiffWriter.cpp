@@ -91,8 +91,8 @@ private:
         FileDescriptor descriptor(dup(fileno(file_.Stream())));
         if (!descriptor.IsOpen())
             file_.Fail(errno);
-        tiff_.reset(TIFFFdOpenExt(descriptor.Number(), file_.Target().c_str(), bytes > ClassicLimit ? "w8" : "w",
-                                  options.get()));
+        tiff_.reset(TIFFFdOpenExt(descriptor.Number(), file_.Target().c_str(),
+                                  bytes > ClassicLimit ? "w8" : "w", options.get()));
         Check(tiff_ != nullptr);
         descriptor.Release();
     }

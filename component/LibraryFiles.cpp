@@ -2,6 +2,7 @@
 
 #include "component/LibraryObject.h"
 #include "component/storage/FileReplacement.h"
+#include "component/storage/RealPath.h"
 #include "component/storage/Saving.h"
 #include "component/storage/Verification.h"
 #include "platform/modGUID.h"
@@ -10,13 +11,6 @@
 #include <set>
 
 namespace {
-
-/// The real place of a file: a link is followed, so that a save replaces the file and not the link.
-std::filesystem::path RealPath(const std::string& file) {
-    std::error_code error;
-    const std::filesystem::path path = std::filesystem::weakly_canonical(file, error);
-    return error ? std::filesystem::absolute(file) : path;
-}
 
 /// A cancelled load or merge is no error: the caller sees that nothing came.
 void IgnoringCancel(const std::function<void()>& operation) {

@@ -48,7 +48,8 @@ void ExportFolder::MakeFolder(const std::string& name) const {
     if (mkdirat(folder_.Number(), name.c_str(), 0777) == 0)
         return;
     const int error = errno;
-    if (error == EEXIST && fstatat(folder_.Number(), name.c_str(), &status, 0) == 0 && S_ISDIR(status.st_mode))
+    if (error == EEXIST && fstatat(folder_.Number(), name.c_str(), &status, 0) == 0 &&
+        S_ISDIR(status.st_mode))
         return;
     ThrowNotWritable(name, error);
 }

@@ -47,16 +47,23 @@ bool IsTemporaryOf(const std::string& name, const std::string& start) {
            name.find_first_not_of("0123456789abcdef", start.size()) == start.size() + RandomDigits;
 }
 
-/// No file is put in the place of what is no file, though a privileged user could.
+std::string NameOf(std::filesystem::file_type type) {
+    using std::filesystem::file_type;
+    return type == file_type::directory ? "folder"
+           : type == file_type::symlink ? "link that leads nowhere"
+                                        : "device";
+}
+
+/// No file is put in the place of what is no file, though a privileged user could. Links were followed
+/// before: one that stands here leads nowhere.
 void RequireNoDevice(const std::filesystem::path& target) {
     using std::filesystem::file_type;
     std::error_code ignored;
     const file_type type = std::filesystem::symlink_status(target, ignored).type();
-    if (type != file_type::not_found && type != file_type::none && type != file_type::regular &&
-        type != file_type::symlink)
-        throw ComponentError(ErrorNumber::FileNotWritable,
-                             "The file '" + target.string() + "' could not be written: a " +
-                                 (type == file_type::directory ? "folder" : "device") + " has this name.");
+    if (type != file_type::not_found && type != file_type::none && type != file_type::regular)
+        throw ComponentError(ErrorNumber::FileNotWritable, "The file '" + target.string() +
+                                                               "' could not be written: a " + NameOf(type) +
+                                                               " has this name.");
 }
 
 } // namespace

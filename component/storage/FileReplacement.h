@@ -15,7 +15,7 @@ void SyncFolderOf(FileSystem& files, const std::filesystem::path& target);
 class FileReplacement {
 public:
     /// Makes the empty temporary; sweeps those that killed programs left for the same target.
-    /// FileNotWritable when the target is a folder, device or pipe.
+    /// FileNotWritable when the target is a folder, device, pipe or symbolic link: its user follows links.
     FileReplacement(std::shared_ptr<FileSystem> files, std::filesystem::path target);
     ~FileReplacement();
     FileReplacement(const FileReplacement&) = delete;

@@ -203,14 +203,33 @@ TEST_F(Targets, ThatAreLinksAreFollowed) {
     EXPECT_EQ(ContentOfFile(real, TestKey), expected);
 }
 
-TEST_F(Targets, ThatAreLinksToNothingTakeALibraryAllTheSame) {
+TEST_F(Targets, ThatAreLinksToNothingGetTheFileThatTheyPromise) {
     LoadBase();
     const std::string expected = ContentOf(*library_);
-    const fs::path link = folder_ / "link.Atlavex";
-    fs::create_symlink(folder_ / "nothing.Atlavex", link);
+    fs::create_directory(folder_ / "real");
+    const fs::path link = folder_ / "link.Atlavex", real = folder_ / "real" / "new.Atlavex";
+    fs::create_symlink("real/new.Atlavex", link);
     EXPECT_EQ(LoadError(link), ErrorNumber::FileNotFound) << sentence_;
     EXPECT_EQ(SaveError(link), ErrorNumber{}) << sentence_;
-    EXPECT_EQ(ContentOfFile(link), expected);
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(real)));
+    EXPECT_EQ(ContentOfFile(real), expected);
+    library_->GetMap(library_->MapIdAt(1))->SetMetadata("author", "Changed");
+    EXPECT_EQ(SaveError(link), ErrorNumber{}) << "in place: " << sentence_;
+    EXPECT_EQ(ContentOfFile(link), ContentOf(*library_));
+    EXPECT_FALSE(fs::exists(real.string() + ".bak"));
+}
+
+TEST_F(Targets, ThatAreLinksInACircleAreRefusedAndStay) {
+    LoadBase();
+    const fs::path link = folder_ / "link.Atlavex";
+    fs::create_symlink("link.Atlavex", link);
+    EXPECT_EQ(SaveError(link), ErrorNumber::FileNotWritable) << sentence_;
+    EXPECT_NE(sentence_.find(link.string() + "' could not be written: a link"), std::string::npos)
+        << sentence_;
+    EXPECT_NE(LoadError(link), ErrorNumber{}) << sentence_;
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_TRUE(Temporaries(folder_.Path()).empty());
 }
 
 TEST_F(Targets, WithTheLongestNamesAreSavedOrRefused) {
