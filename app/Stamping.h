@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+
+class AtlavexLibrary;
+
+/// The present local date and time as it is written into metadata: "2026-11-21 16:07:33".
+QString NowText();
+
+/// Sets "lastchanged" of every map, then of every icon, to now; each gets its own reading of the clock.
+void StampLastChanged(AtlavexLibrary& library);
+
+/// Gives every map whose identifier is no GUID text a new one.
+void CompleteIdentifiers(AtlavexLibrary& library);
