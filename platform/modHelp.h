@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+#include <QUrl>
+
+#include <functional>
+
+class QWidget;
+
+/// The maker's web server. A reserved name that leads nowhere until the maker names the real one.
+inline constexpr QLatin1String HelpServer("https://www.kestova.example");
+
+/// Opens an address in the user's web browser; false when there is none or it does not start.
+using AddressOpener = std::function<bool(const QUrl& address)>;
+bool OpenInBrowser(const QUrl& address);
+
+/// Opens the page on this program in the developer's guide, or tells the user where to find the guide.
+void ShowHelp(QWidget* parent, const AddressOpener& open = OpenInBrowser);
