@@ -1,0 +1,75 @@
+#pragma once
+
+#include "dialogs/MetadataEdits.h"
+
+#include <QDialog>
+
+#include <memory>
+#include <string>
+
+class AtlavexIcon;
+class AtlavexMap;
+class Metadata;
+class QLineEdit;
+class QTreeWidgetItem;
+
+namespace Ui {
+class frmMetadata;
+}
+
+/// Shows and changes the metadata of one map or icon: the six fixed texts, and all others as a list.
+class frmMetadata : public QDialog {
+    Q_OBJECT
+public:
+    explicit frmMetadata(QWidget* parent = nullptr);
+    ~frmMetadata() override;
+
+    /// Leaves only the name to be changed; to be called before one of the next two.
+    void ReduceToName();
+    /// Fills the dialog from the object, shows it and returns when it is closed. Overflow for more than
+    /// 32,767 texts.
+    void ShowMapMetaData(const std::shared_ptr<AtlavexMap>& map);
+    void ShowIconMetaData(const std::shared_ptr<AtlavexIcon>& icon);
+
+    /// Whether the name may stay as it is typed; if not, says why and gives its field the focus.
+    bool check_name();
+
+    bool OK() const { return ok_; } ///< whether btnOK wrote the texts
+
+    void reject() override;
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void Load();
+    void Fill(const Metadata& object, const std::string& name);
+    void FillCustomMetadata(const Metadata& object);
+    Metadata& Object() const;
+    void WriteTo(Metadata& object) const;
+    bool RefuseName(const QString& reason);
+    QTreeWidgetItem* SelectedEntry() const;
+
+    void FixedField_Change();
+    void lvCustomMeta_ItemClick();
+    void tbData_Change();
+    void btnAdd_Click();
+    void btnRemove_Click();
+    void btnOK_Click();
+    void btnCancel_Click();
+
+    /// A fixed text, in the order in which they are read and written.
+    struct FixedField {
+        const char* key;
+        QLineEdit* field;
+    };
+
+    std::unique_ptr<Ui::frmMetadata> ui_;
+    std::vector<FixedField> fixedFields_;
+    std::shared_ptr<AtlavexMap> map_;   ///< being edited; or
+    std::shared_ptr<AtlavexIcon> icon_; ///< this one
+    MetadataEdits edits_;
+    bool filling_ = false; ///< fields are being set by the dialog itself
+    bool nameOnly_ = false;
+    bool ok_ = false;
+};

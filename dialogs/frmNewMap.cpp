@@ -1,0 +1,94 @@
+#include "dialogs/frmNewMap.h"
+
+#include "platform/modFields.h"
+#include "ui_frmNewMap.h"
+
+#include <QShowEvent>
+
+namespace {
+
+constexpr int PresetTile = 2; ///< "256"
+
+const QStringList TileSides{QStringLiteral("64"), QStringLiteral("128"), QStringLiteral("256"),
+                            QStringLiteral("512"), QStringLiteral("1024")};
+
+} // namespace
+
+frmNewMap::frmNewMap(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui::frmNewMap>()) {
+    ui_->setupUi(this);
+    FillCombo(*ui_->ddTileWidth, TileSides);
+    FillCombo(*ui_->ddTileHeight, TileSides);
+    connect(ui_->btnOK, &QPushButton::clicked, this, &frmNewMap::btnOK_Click);
+    connect(ui_->btnCancel, &QPushButton::clicked, this, &frmNewMap::btnCancel_Click);
+}
+
+frmNewMap::~frmNewMap() = default;
+
+void frmNewMap::SetName(const QString& name) {
+    ui_->tbName->setText(name);
+}
+
+void frmNewMap::SetTile(const QString& width, const QString& height) {
+    SelectComboItem(*ui_->ddTileWidth, width, false);
+    SelectComboItem(*ui_->ddTileHeight, height, false);
+}
+
+void frmNewMap::ReduceToIcon() {
+    setWindowTitle(QStringLiteral("New icon settings..."));
+    for (QComboBox* const list : {ui_->ddTileWidth, ui_->ddTileHeight}) {
+        FillCombo(*list, QStringList{QStringLiteral("n/a")});
+        list->setCurrentIndex(0);
+        list->setEnabled(false);
+    }
+    ui_->lbWarning->hide();
+}
+
+QString frmNewMap::Name() const {
+    return ui_->tbName->text();
+}
+
+QString frmNewMap::Description() const {
+    return ui_->tbDescription->text();
+}
+
+std::int32_t frmNewMap::TileWidth() const {
+    return ComboText(*ui_->ddTileWidth).toInt();
+}
+
+std::int32_t frmNewMap::TileHeight() const {
+    return ComboText(*ui_->ddTileHeight).toInt();
+}
+
+void frmNewMap::showEvent(QShowEvent* event) {
+    if (!event->spontaneous()) {
+        Load();
+        Activate();
+    }
+    QDialog::showEvent(event);
+}
+
+void frmNewMap::Load() {
+    ok_ = false;
+    for (QComboBox* const list : {ui_->ddTileWidth, ui_->ddTileHeight})
+        if (list->currentIndex() == -1)
+            list->setCurrentIndex(PresetTile);
+}
+
+void frmNewMap::Activate() {
+    ui_->tbName->setFocus();
+    ui_->tbName->selectAll();
+}
+
+void frmNewMap::btnOK_Click() {
+    ok_ = true;
+    accept();
+}
+
+void frmNewMap::btnCancel_Click() {
+    reject();
+}
+
+void frmNewMap::reject() {
+    ok_ = false;
+    QDialog::reject();
+}

@@ -1,0 +1,82 @@
+#include "dialogs/frmOffset.h"
+
+#include "platform/modFields.h"
+#include "platform/modMessages.h"
+#include "ui_frmOffset.h"
+
+#include <QShowEvent>
+
+namespace {
+
+// "arount" and "OffsetY" are meant.
+const auto HelpText = QStringLiteral(
+    "Offset X is measured in pixels. If set to 0 then the Icon will be horizontally centered arount the "
+    "position. If set to a positive value the Icon will be displaced the corresponding number of pixels to "
+    "the right, and if negative to the left."
+    "\r\n\r\n"
+    "OffsetY is measured in pixels. If set to 0 then the Icon will be vertically centered arount the "
+    "position. If set to a positive value the Icon will be displaced the corresponding number of pixels "
+    "downwards, and if negative upwards.");
+
+/// The field's whole number; without one says so and gives the field the focus.
+std::optional<std::int32_t> ReadPixels(QWidget* parent, QLineEdit& field) {
+    try {
+        return IntegerFrom(field);
+    } catch (const NumberError& error) {
+        ShowMessage(parent, error.Description());
+        field.setFocus();
+        field.selectAll();
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+frmOffset::frmOffset(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui::frmOffset>()) {
+    ui_->setupUi(this);
+    connect(ui_->bOK, &QPushButton::clicked, this, &frmOffset::bOK_Click);
+    connect(ui_->bCancel, &QPushButton::clicked, this, &frmOffset::bCancel_Click);
+}
+
+frmOffset::~frmOffset() = default;
+
+void frmOffset::SetOffset(std::int32_t x, std::int32_t y) {
+    offsetX_ = x;
+    offsetY_ = y;
+}
+
+void frmOffset::showEvent(QShowEvent* event) {
+    if (!event->spontaneous())
+        Load();
+    QDialog::showEvent(event);
+}
+
+void frmOffset::Load() {
+    ok_ = false;
+    ui_->txtX->setText(NumberText(offsetX_, 0));
+    ui_->txtY->setText(NumberText(offsetY_, 0));
+    ui_->txtHelp->setPlainText(HelpText);
+    ui_->txtX->setFocus();
+    ui_->txtX->selectAll();
+}
+
+void frmOffset::bOK_Click() {
+    const auto x = ReadPixels(this, *ui_->txtX);
+    if (!x)
+        return;
+    const auto y = ReadPixels(this, *ui_->txtY);
+    if (!y)
+        return;
+    SetOffset(*x, *y);
+    ok_ = true;
+    accept();
+}
+
+void frmOffset::bCancel_Click() {
+    reject();
+}
+
+void frmOffset::reject() {
+    ok_ = false;
+    QDialog::reject();
+}
