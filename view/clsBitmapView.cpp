@@ -1,0 +1,232 @@
+#include "view/clsBitmapView.h"
+
+#include "base/CheckedNumbers.h"
+#include "component/viewer/KarvelViewer.h"
+#include "view/ZoomSlider.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace {
+
+/// What is shown along one axis: the zoomed size where the viewer is larger, which is never stretched. At
+/// least one pixel, or a small map at a small zoom would vanish.
+std::int32_t VisibleLength(std::int32_t imageSize, double zoom, std::int32_t viewerSize) {
+    const double zoomed = std::max(1.0, RoundHalfEven(imageSize * zoom));
+    return zoomed < viewerSize ? CheckedRound<std::int32_t>(zoomed) : viewerSize;
+}
+
+int NearestInteger(double value) {
+    return static_cast<int>(std::clamp<double>(RoundHalfEven(value), std::numeric_limits<int>::min(),
+                                               std::numeric_limits<int>::max()));
+}
+
+} // namespace
+
+clsBitmapView::~clsBitmapView() {
+    QObject::disconnect(resized_);
+}
+
+void clsBitmapView::SetViewer(KarvelViewer* viewer) {
+    QObject::disconnect(resized_);
+    viewer_ = viewer;
+    zoom_ = 1.0;
+    if (viewer_ != nullptr)
+        resized_ = QObject::connect(viewer_, &KarvelViewer::Resized, viewer_, [this] { AdjustSize(); });
+}
+
+void clsBitmapView::SetScrollBars(QScrollBar* horizontal, QScrollBar* vertical) {
+    horizontal_.SetBar(horizontal);
+    vertical_.SetBar(vertical);
+}
+
+std::int32_t clsBitmapView::MapWidth() const {
+    return mapWidth_ != 0 ? mapWidth_ : objBitmap_ ? objBitmap_->Width() : 0;
+}
+
+std::int32_t clsBitmapView::MapHeight() const {
+    return mapHeight_ != 0 ? mapHeight_ : objBitmap_ ? objBitmap_->Height() : 0;
+}
+
+void clsBitmapView::SetMap(std::shared_ptr<AtlavexMap> map) {
+    const double zoom = map ? map->Zoom() : zoom_;
+    map_ = std::move(map);
+    zoom_ = zoom;
+    // The map renders what the bars select; the viewer shows its answer from the first pixel on.
+    if (viewer_ != nullptr) {
+        viewer_->SetHorizontalPosition(0);
+        viewer_->SetVerticalPosition(0);
+    }
+    SetObjBitmap(map_);
+}
+
+void clsBitmapView::SetObjBitmap(std::shared_ptr<const AtlavexImage> image) {
+    objBitmap_ = std::move(image);
+    if (viewer_ != nullptr)
+        viewer_->ShowImage(objBitmap_);
+}
+
+void clsBitmapView::TakeZoom(std::int32_t sliderPosition) {
+    const double zoom = ZoomAtSliderPosition(sliderPosition);
+    if (map_)
+        map_->SetZoom(zoom);
+    zoom_ = zoom;
+}
+
+void clsBitmapView::SetZoom(std::int32_t sliderPosition) {
+    if (busy_)
+        return;
+    TakeZoom(sliderPosition);
+    AdjustSize();
+}
+
+void clsBitmapView::ZoomAbout(std::int32_t sliderPosition, const QPoint& viewerPosition) {
+    if (busy_)
+        return;
+    const QPointF offset(HorizontalOffset(), VerticalOffset());
+    const QPointF place = (viewerPosition + offset) / zoom_;
+    TakeZoom(sliderPosition);
+    LayOutAxes();
+    horizontal_.MoveTo(place.x() * zoom_ - viewerPosition.x());
+    vertical_.MoveTo(place.y() * zoom_ - viewerPosition.y());
+    ShowVisiblePart();
+}
+
+std::int32_t clsBitmapView::HighestSliderPosition() const {
+    const QSize viewer = ViewerSize();
+    const auto canBeReached = [&](double zoom) {
+        return ZoomedLength(ImageWidth(), zoom) - viewer.width() <= ScrollAxis::LargestOverhang &&
+               ZoomedLength(ImageHeight(), zoom) - viewer.height() <= ScrollAxis::LargestOverhang;
+    };
+    std::int32_t position = TopSliderPosition;
+    while (position > LowestSliderPosition && !canBeReached(ZoomAtSliderPosition(position)))
+        --position;
+    return position;
+}
+
+std::int32_t clsBitmapView::FitPosition() const {
+    const QSize viewer = ViewerSize();
+    const auto fits = [&](double zoom) {
+        return ZoomedLength(ImageWidth(), zoom) <= viewer.width() &&
+               ZoomedLength(ImageHeight(), zoom) <= viewer.height();
+    };
+    std::int32_t position = TopSliderPosition;
+    while (position > LowestSliderPosition && !fits(ZoomAtSliderPosition(position)))
+        --position;
+    return position;
+}
+
+void clsBitmapView::Clear() {
+    map_.reset();
+    SetObjBitmap(nullptr);
+    LayOutAxes();
+    ShowVisiblePart();
+}
+
+void clsBitmapView::SetBusy(bool busy) {
+    if (std::exchange(busy_, busy) && !busy)
+        AdjustSize();
+}
+
+ImagePixel clsBitmapView::PixelAt(const QPoint& viewerPosition) const {
+    const std::int32_t x = CheckedAdd<std::int32_t>(viewerPosition.x(), HorizontalOffset());
+    const std::int32_t y = CheckedAdd<std::int32_t>(viewerPosition.y(), VerticalOffset());
+    return {CheckedRound<std::int32_t>(x / zoom_), CheckedRound<std::int32_t>(y / zoom_)};
+}
+
+QPoint clsBitmapView::ViewerPosition(double imageX, double imageY) const {
+    return {NearestInteger(imageX * zoom_ - HorizontalOffset()),
+            NearestInteger(imageY * zoom_ - VerticalOffset())};
+}
+
+// What shows a part of the image. -----------------------------------------------------------------------
+
+/// The layout's own idea of the size: once a map has rendered, the shown image is no larger than the viewer.
+std::int32_t clsBitmapView::ImageWidth() const {
+    return !objBitmap_ ? 0 : map_ && mapWidth_ == 0 ? map_->Width() : MapWidth();
+}
+
+std::int32_t clsBitmapView::ImageHeight() const {
+    return !objBitmap_ ? 0 : map_ && mapHeight_ == 0 ? map_->Height() : MapHeight();
+}
+
+QSize clsBitmapView::ViewerSize() const {
+    return viewer_ != nullptr ? QSize(viewer_->PixelWidth(), viewer_->PixelHeight()) : QSize(0, 0);
+}
+
+void clsBitmapView::LayOutAxes() {
+    const QSize viewer = ViewerSize();
+    horizontal_.LayOut(ImageWidth(), zoom_, viewer.width());
+    vertical_.LayOut(ImageHeight(), zoom_, viewer.height());
+}
+
+void clsBitmapView::AdjustSize() {
+    if (busy_)
+        return;
+    LayOutAxes();
+    ShowVisiblePart();
+}
+
+void clsBitmapView::ChangeVScroll() {
+    ShowVisiblePart();
+}
+
+void clsBitmapView::ChangeHScroll() {
+    ShowVisiblePart();
+}
+
+void clsBitmapView::ScrollBy(const QPoint& devicePixels) {
+    horizontal_.MoveBy(devicePixels.x());
+    vertical_.MoveBy(devicePixels.y());
+    ShowVisiblePart();
+}
+
+void clsBitmapView::CenterOn(double imageX, double imageY) {
+    const QSize viewer = ViewerSize();
+    horizontal_.MoveTo(imageX * zoom_ - viewer.width() / 2.0);
+    vertical_.MoveTo(imageY * zoom_ - viewer.height() / 2.0);
+    ShowVisiblePart();
+}
+
+void clsBitmapView::ShowVisiblePart() {
+    if (busy_ || viewer_ == nullptr)
+        return;
+    if (map_) {
+        ShowMapPart();
+    } else {
+        viewer_->SetHorizontalPosition(HorizontalOffset());
+        viewer_->SetVerticalPosition(VerticalOffset());
+    }
+    if (OnViewChanged)
+        OnViewChanged();
+}
+
+void clsBitmapView::ShowMapPart() {
+    const QSize viewer = ViewerSize();
+    if (viewer.isEmpty())
+        return;
+    const QSize visible(VisibleLength(ImageWidth(), zoom_, viewer.width()),
+                        VisibleLength(ImageHeight(), zoom_, viewer.height()));
+    std::shared_ptr<const AtlavexImage> image;
+    try {
+        if (Render(visible, image))
+            SetObjBitmap(std::move(image));
+    } catch (const ComponentError&) {
+        // The map is gone or there is no memory: what the viewer has is better than nothing.
+    }
+}
+
+bool clsBitmapView::Render(const QSize& visible, std::shared_ptr<const AtlavexImage>& image) {
+    const auto render = [&](const QSize& size) {
+        return map_->RenderView(HorizontalOffset(), VerticalOffset(), size.width(), size.height(), image);
+    };
+    if (render(visible))
+        return true;
+    // A map that was shown before knows its last answer, but the viewer has shown another image since.
+    // Another question in between makes it draw again.
+    const bool hasAnswer = objBitmap_.get() != static_cast<const AtlavexImage*>(map_.get());
+    const QSize other = visible == QSize(1, 1) ? QSize(2, 2) : QSize(1, 1);
+    return !hasAnswer && render(other) && render(visible);
+}
