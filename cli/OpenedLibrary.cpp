@@ -18,12 +18,13 @@ void ThrowWrongKey(const std::string& file) {
     throw CommandFailure(ExitStatus::WrongKey, "The key does not open '" + file + "'.");
 }
 
-OpenedLibrary::OpenedLibrary(Access access) : library_(MakeLibrary(access)) {
+OpenedLibrary::OpenedLibrary(Access access, std::string file)
+    : library_(MakeLibrary(access)), file_(std::move(file)) {
     WatchWork();
 }
 
-OpenedLibrary::OpenedLibrary(const LibraryChoice& choice, Access access) : OpenedLibrary(access) {
-    file_ = choice.file;
+OpenedLibrary::OpenedLibrary(const LibraryChoice& choice, Access access)
+    : OpenedLibrary(access, choice.file) {
     if (library_->IsEncrypted(file_))
         key_ = ObtainKey(choice.key, file_);
     ThrowIfInterrupted();

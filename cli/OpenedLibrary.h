@@ -38,7 +38,7 @@ public:
     void SaveAs(const std::string& file, const SecretText& key);
 
 private:
-    explicit OpenedLibrary(Access access);
+    explicit OpenedLibrary(Access access, std::string file = {});
     void WatchWork();
 
     // On the heap, because the library's events point at it.

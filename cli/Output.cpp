@@ -23,10 +23,12 @@ namespace {
                                                  std::strerror(reason) + ".");
 }
 
-std::string Escape(const char* form, unsigned value) {
-    std::array<char, 16> text{};
-    std::snprintf(text.data(), text.size(), form, value);
-    return text.data();
+/// The start of an escape with the value's last hexadecimal digits.
+std::string Escape(std::string_view start, std::uint32_t value, std::uint32_t digits) {
+    std::string text(start);
+    for (std::uint32_t left = digits; left > 0; --left)
+        text += "0123456789abcdef"[(value >> (4 * (left - 1))) & 0xFU];
+    return text;
 }
 
 /// The three-byte UTF-8 character at the start of the text, or 0.
@@ -59,15 +61,15 @@ std::size_t AppendEscape(std::string& shown, std::string_view text) {
         return 1;
     }
     if (byte < 0x20 || byte == 0x7F) {
-        shown += Escape("\\x%02x", byte);
+        shown += Escape("\\x", byte, 2);
         return 1;
     }
     if (IsHighControl(text)) {
-        shown += Escape("\\x%02x", static_cast<unsigned char>(text[1]));
+        shown += Escape("\\x", static_cast<unsigned char>(text[1]), 2);
         return 2;
     }
     if (const std::uint32_t character = ThreeByteCharacter(text); TurnsDirection(character)) {
-        shown += Escape("\\u%04x", character);
+        shown += Escape("\\u", character, 4);
         return 3;
     }
     if (text.substr(0, 2) == "\xD8\x9C") { // U+061C, the only one of them with two bytes
@@ -99,8 +101,9 @@ void PrintJson(const nlohmann::ordered_json& value) {
 }
 
 void PrintMessage(std::string_view sentence) {
-    std::fflush(stdout);
-    std::fprintf(stderr, "atlavex: %s\n", Printable(sentence).c_str());
+    // There is nowhere left to tell of a failure to write this.
+    static_cast<void>(std::fflush(stdout));
+    static_cast<void>(std::fprintf(stderr, "atlavex: %s\n", Printable(sentence).c_str()));
 }
 
 std::string Printable(std::string_view text) {

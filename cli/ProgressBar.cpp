@@ -5,6 +5,17 @@
 #include <algorithm>
 #include <cstdio>
 #include <string>
+#include <string_view>
+
+namespace {
+
+/// On the terminal at once; a bar that cannot be drawn is no reason to break off the work.
+void Draw(std::string_view text) {
+    static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
+    static_cast<void>(std::fflush(stderr));
+}
+
+} // namespace
 
 ProgressBar::ProgressBar() : onTerminal_(isatty(STDERR_FILENO) == 1) {}
 
@@ -27,8 +38,8 @@ void ProgressBar::Show(float done) {
     constexpr int Cells = 40;
     const auto full = static_cast<std::size_t>(percent * Cells / 100);
     const std::string bar = std::string(full, '#') + std::string(Cells - full, '.');
-    std::fprintf(stderr, "\r[%s] %3d %%", bar.c_str(), percent);
-    std::fflush(stderr);
+    const std::string number = std::to_string(percent);
+    Draw("\r[" + bar + "] " + std::string(3 - number.size(), ' ') + number + " %");
 }
 
 void ProgressBar::End() {
@@ -36,6 +47,5 @@ void ProgressBar::End() {
         return;
     shownPercent_ = -1;
     // Back to the first column and clear to the end of the line.
-    std::fputs("\r\x1b[K", stderr);
-    std::fflush(stderr);
+    Draw("\r\x1b[K");
 }

@@ -8,8 +8,8 @@ std::string LocalTimeText() {
     std::tm parts{};
     localtime_r(&now, &parts);
     std::array<char, 32> text{};
-    std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &parts);
-    return text.data();
+    const std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &parts);
+    return {text.data(), length};
 }
 
 void StampLastChanged(Metadata& object) {

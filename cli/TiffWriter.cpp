@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <cstdarg>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -27,10 +28,10 @@ struct TiffFault {
 int KeepError(TIFF*, void* fault, const char*, const char* format, va_list arguments) {
     const int systemError = errno;
     std::array<char, 256> text{};
-    std::vsnprintf(text.data(), text.size(), format, arguments);
+    const bool told = std::vsnprintf(text.data(), text.size(), format, arguments) > 0;
     auto& kept = *static_cast<TiffFault*>(fault);
     if (kept.message.empty())
-        kept = {text.data(), systemError};
+        kept = {told ? text.data() : "unknown", systemError};
     return 1; // handled: nothing is printed
 }
 
@@ -53,10 +54,10 @@ bool HasTransparency(const Palette& palette) {
 
 class TiffWriter : public ImageWriter {
 public:
-    TiffWriter(NewFile& file, const PictureShape& shape)
-        : file_(file), shape_(shape),
-          paletteWithAlpha_(shape.format == PixelFormat::Palette && HasTransparency(shape.palette)),
-          row_(static_cast<std::size_t>(shape.width) * static_cast<std::size_t>(Samples())) {
+    TiffWriter(NewFile& file, PictureShape shape)
+        : file_(file), shape_(std::move(shape)),
+          paletteWithAlpha_(shape_.format == PixelFormat::Palette && HasTransparency(shape_.palette)),
+          row_(static_cast<std::size_t>(shape_.width) * static_cast<std::size_t>(Samples())) {
         Open();
         WriteTags();
     }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <csetjmp>
-#include <cstdio>
+#include <string_view>
 
 /// The way out of a C library that must not return from its error callback. An exception may not pass
 /// through the library's frames, so the callback leaves a message and jumps back to RunGuarded.
@@ -9,9 +9,10 @@ struct LibraryExit {
     std::jmp_buf jump{};
     char message[200] = "";
 
-    /// For the library's error callback.
+    /// For the library's error callback. A text that is too long is cut.
     [[noreturn]] void Leave(const char* text) {
-        std::snprintf(message, sizeof message, "%s", text);
+        message[std::string_view(text).copy(message, sizeof message - 1)] = '\0';
+        // NOLINTNEXTLINE(cert-err52-cpp): the libraries know no other way.
         std::longjmp(jump, 1);
     }
 };

@@ -33,7 +33,8 @@ void OnUnmap(thandle_t, void*, toff_t) {}
 
 std::string Formatted(const char* format, std::va_list arguments) {
     std::array<char, 300> text{};
-    std::vsnprintf(text.data(), text.size(), format, arguments);
+    if (std::vsnprintf(text.data(), text.size(), format, arguments) < 0)
+        return "unknown";
     std::string sentence(text.data());
     while (!sentence.empty() && (sentence.back() == '.' || sentence.back() == '\n'))
         sentence.pop_back();

@@ -82,6 +82,7 @@ TEST_F(LockedFiles, TakePlaceAlthoughASweeperCameBetween) {
     BeforeLocking() = [&] { SweepTemporaries(*SystemFiles(), target); };
     FileReplacement replacement(files_, target);
     ASSERT_FALSE(BeforeLocking());
+    ASSERT_TRUE(fs::exists(replacement.Temporary()));
     WriteWholeFile(replacement.Temporary(), "new");
     replacement.TakePlace(false);
     EXPECT_EQ(ReadWholeFile(target), "new");
