@@ -16,7 +16,7 @@ endif()
 
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
-find_package(Qt6 6.4 REQUIRED COMPONENTS Widgets)
+find_package(Qt6 6.4 REQUIRED COMPONENTS DBus Widgets)
 
 add_library(quorvant_options INTERFACE)
 target_compile_options(quorvant_options INTERFACE

@@ -38,6 +38,10 @@ void ShowMessage(QWidget* parent, const QString& text) {
     Ask(parent, QMessageBox::Information, text, QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Ok);
 }
 
+void ShowError(QWidget* parent, const QString& text) {
+    Ask(parent, QMessageBox::Critical, text, QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Ok);
+}
+
 bool AskYesNo(QWidget* parent, const QString& question) {
     return Ask(parent, QMessageBox::Question, question, QMessageBox::Yes | QMessageBox::No, QMessageBox::No,
                QMessageBox::No) == QMessageBox::Yes;

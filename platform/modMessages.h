@@ -16,6 +16,9 @@ enum class Answer { Yes, No, Cancel };
 /// A text with an OK button.
 void ShowMessage(QWidget* parent, const QString& text);
 
+/// The same with the icon of a critical error.
+void ShowError(QWidget* parent, const QString& text);
+
 /// Yes and No, No the default button; Escape and the close button answer No.
 bool AskYesNo(QWidget* parent, const QString& question);
 

@@ -1,0 +1,183 @@
+#include "wizard/CoordinateText.h"
+
+#include <QRegularExpression>
+#include <QStringList>
+
+#include <cmath>
+
+namespace {
+
+constexpr double LatitudeLimit = 90;
+constexpr double LongitudeLimit = 360;
+
+/// A value together with the letter that stood at it, or a null character.
+struct Lettered {
+    double value = 0;
+    QChar letter;
+};
+
+/// Both halves of a pair in the order in which they stand.
+struct Halves {
+    QString first;
+    QString second;
+};
+
+/// The many ways to write minutes, seconds and minus as one.
+QString Unified(QString text) {
+    static const QRegularExpression blanks(QStringLiteral("\\s+"));
+    text = text.toUpper().replace(blanks, QStringLiteral(" ")).trimmed();
+    text.replace(QChar(0x00BA), QChar(0x00B0)); // masculine ordinal for degree
+    for (const char16_t minute : {u'\u2032', u'\u2019', u'\u00B4'})
+        text.replace(QChar(minute), u'\'');
+    for (const char16_t second : {u'\u2033', u'\u201D'})
+        text.replace(QChar(second), u'"');
+    text.replace(QStringLiteral("''"), QStringLiteral("\""));
+    return text.replace(QChar(0x2212), u'-');
+}
+
+bool HasDecimalComma(const QLocale& locale) {
+    return locale.decimalPoint() == QStringLiteral(",");
+}
+
+/// Where the letters are: the second half begins at its leading letter, or behind the first half's trailing
+/// one.
+std::optional<Halves> SplitAtLetters(const QString& text) {
+    static const QRegularExpression letter(QStringLiteral("[NSEW]"));
+    const bool leading = letter.match(text.left(1)).hasMatch();
+    const qsizetype first = text.indexOf(letter);
+    const qsizetype cut = leading ? text.indexOf(letter, first + 1) : first + 1;
+    if (cut <= 0 || cut >= text.size())
+        return std::nullopt;
+    return Halves{text.left(cut), text.mid(cut)};
+}
+
+/// Without letters: at a semicolon, at the comma that is no decimal one, else at the only blank.
+std::optional<Halves> SplitAtSeparator(const QString& text, const QLocale& locale) {
+    QStringList halves = text.split(u';');
+    if (halves.size() == 1)
+        halves = text.split(HasDecimalComma(locale) ? QStringLiteral(", ") : QStringLiteral(","));
+    if (halves.size() == 1)
+        halves = text.split(u' ');
+    if (halves.size() != 2)
+        return std::nullopt;
+    return Halves{halves[0], halves[1]};
+}
+
+std::optional<Halves> Split(const QString& text, const QLocale& locale) {
+    static const QRegularExpression letter(QStringLiteral("[A-Z]"));
+    return text.contains(letter) ? SplitAtLetters(text) : SplitAtSeparator(text, locale);
+}
+
+/// The half without its letter and without separators around what is left.
+std::optional<Lettered> TakeLetter(QString& half) {
+    static const QRegularExpression around(QStringLiteral("^[ ,;]+|[ ,;]+$"));
+    half.remove(around);
+    Lettered result;
+    for (const bool atEnd : {false, true}) {
+        if (half.isEmpty() || !half[atEnd ? half.size() - 1 : 0].isLetter())
+            continue;
+        if (!result.letter.isNull())
+            return std::nullopt;
+        result.letter = half[atEnd ? half.size() - 1 : 0];
+        half = atEnd ? half.chopped(1) : half.mid(1);
+    }
+    half.remove(around);
+    return result;
+}
+
+std::optional<double> Number(QString digits, const QLocale& locale) {
+    if (HasDecimalComma(locale))
+        digits.replace(u',', u'.');
+    QLocale plain = QLocale::c();
+    plain.setNumberOptions(QLocale::RejectGroupSeparator);
+    bool isNumber = false;
+    const double value = plain.toDouble(digits, &isNumber);
+    return isNumber && std::isfinite(value) ? std::optional(value) : std::nullopt;
+}
+
+/// Degrees with optional minutes and seconds; only the last of them may have a fraction.
+std::optional<Lettered> ReadAngle(QString half, const QLocale& locale) {
+    static const QRegularExpression angle(
+        QStringLiteral("^([+-]?)(\\d+(?:[.,]\\d*)?) ?\u00B0? ?"
+                       "(?:(\\d+(?:[.,]\\d*)?) ?'? ?(?:(\\d+(?:[.,]\\d*)?) ?\"?)?)?$"));
+    std::optional<Lettered> result = TakeLetter(half);
+    const QRegularExpressionMatch match = angle.match(half);
+    if (!result || !match.hasMatch())
+        return std::nullopt;
+    const bool hasSign = !match.captured(1).isEmpty();
+    if (hasSign && !result->letter.isNull())
+        return std::nullopt;
+    bool sawFraction = false;
+    double unit = 1;
+    for (const int part : {2, 3, 4}) {
+        const QString digits = match.captured(part);
+        if (digits.isEmpty())
+            break;
+        const std::optional<double> number = Number(digits, locale);
+        if (!number || sawFraction || (part > 2 && *number >= 60))
+            return std::nullopt;
+        sawFraction = digits.contains(u'.') || digits.contains(u',');
+        result->value += *number * unit;
+        unit /= 60;
+    }
+    const bool negative =
+        match.captured(1) == QStringLiteral("-") || result->letter == u'S' || result->letter == u'W';
+    result->value = negative ? -result->value : result->value;
+    return result;
+}
+
+std::optional<Lettered> ReadLength(QString half, const QLocale& locale) {
+    static const QRegularExpression length(QStringLiteral("^[+-]?\\d+(?:[.,]\\d*)?$"));
+    std::optional<Lettered> result = TakeLetter(half);
+    if (!result || !length.match(half).hasMatch())
+        return std::nullopt;
+    const std::optional<double> number = Number(half, locale);
+    if (!number)
+        return std::nullopt;
+    result->value = *number;
+    return result;
+}
+
+bool IsEastWest(QChar letter) {
+    return letter == u'E' || letter == u'W';
+}
+
+bool IsNorthSouth(QChar letter) {
+    return letter == u'N' || letter == u'S';
+}
+
+} // namespace
+
+std::optional<LonLat> ParseLonLat(const QString& text, const QLocale& locale) {
+    const auto halves = Split(Unified(text), locale);
+    if (!halves)
+        return std::nullopt;
+    auto latitude = ReadAngle(halves->first, locale);
+    auto longitude = ReadAngle(halves->second, locale);
+    if (!latitude || !longitude)
+        return std::nullopt;
+    if (IsEastWest(latitude->letter))
+        std::swap(latitude, longitude);
+    const bool bare = latitude->letter.isNull() && longitude->letter.isNull();
+    if (!bare && !(IsNorthSouth(latitude->letter) && IsEastWest(longitude->letter)))
+        return std::nullopt;
+    if (std::abs(latitude->value) > LatitudeLimit || std::abs(longitude->value) > LongitudeLimit)
+        return std::nullopt;
+    return LonLat{longitude->value, latitude->value};
+}
+
+std::optional<EastNorth> ParseEastNorth(const QString& text, const QLocale& locale) {
+    const auto halves = Split(Unified(text), locale);
+    if (!halves)
+        return std::nullopt;
+    auto easting = ReadLength(halves->first, locale);
+    auto northing = ReadLength(halves->second, locale);
+    if (!easting || !northing)
+        return std::nullopt;
+    if (easting->letter == u'N')
+        std::swap(easting, northing);
+    const bool bare = easting->letter.isNull() && northing->letter.isNull();
+    if (!bare && !(easting->letter == u'E' && northing->letter == u'N'))
+        return std::nullopt;
+    return EastNorth{easting->value, northing->value};
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "coordinates/Projection.h"
+
+#include <QLocale>
+#include <QString>
+
+#include <optional>
+
+// Whole coordinates as other programs, web pages and sheets write them, for pasting. Numbers may have a
+// decimal point, or a decimal comma where the locale has one.
+
+/// A latitude and a longitude in one text: decimal degrees, degrees and minutes, or degrees, minutes and
+/// seconds, with or without signs for the units. Latitude comes first unless letters (N, S, E, W; before or
+/// after each angle) say otherwise: "55°40'34\"N 12°34'08\"E", "E 12.569 N 55.676", "55.676, -12.569".
+/// Nothing for any other text, and for angles beyond ±90 and ±360 degrees.
+std::optional<LonLat> ParseLonLat(const QString& text, const QLocale& locale = QLocale::system());
+
+/// An easting and a northing in one text, easting first unless letters (E, N) say otherwise: "32633 6173000",
+/// "N 6173000.5 E 32633".
+std::optional<EastNorth> ParseEastNorth(const QString& text, const QLocale& locale = QLocale::system());

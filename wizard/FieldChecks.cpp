@@ -1,0 +1,142 @@
+#include "wizard/FieldChecks.h"
+
+#include "base/ComponentError.h"
+#include "platform/modFields.h"
+#include "platform/modMessages.h"
+
+#include <QAbstractButton>
+#include <QFocusEvent>
+#include <QLineEdit>
+
+#include <algorithm>
+
+namespace {
+
+/// The form itself loses the focus, or a menu of the box has it: the user has not left the box.
+bool IsStillInField(Qt::FocusReason reason) {
+    return reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason ||
+           reason == Qt::MenuBarFocusReason;
+}
+
+/// What an edit put in the place of what stood there.
+QString InsertedPart(const QString& before, const QString& after) {
+    const qsizetype shorter = std::min(before.size(), after.size());
+    qsizetype start = 0;
+    while (start < shorter && before[start] == after[start])
+        ++start;
+    qsizetype end = 0;
+    while (end < shorter - start && before[before.size() - 1 - end] == after[after.size() - 1 - end])
+        ++end;
+    return after.mid(start, after.size() - start - end);
+}
+
+} // namespace
+
+FieldChecks::FieldChecks(QWidget& form) : form_(form) {}
+
+void FieldChecks::Watch(QLineEdit& field, Take take, Insert insert) {
+    fields_[&field] = State{std::move(take), std::move(insert), field.text(), field.text(), {}, false};
+    field.installEventFilter(this);
+    connect(&field, &QLineEdit::textEdited, this,
+            [this, &field](const QString& text) { Edited(field, text); });
+}
+
+void FieldChecks::Write(QLineEdit& field, const QString& text) {
+    State& state = fields_.at(&field);
+    state.written = text;
+    state.known = text;
+    state.refused.reset();
+    field.setText(text);
+}
+
+bool FieldChecks::Settle() {
+    // A box that was left by the press on a button has its say first, and alone.
+    bool taken = !refusal_.has_value();
+    for (auto& [field, state] : fields_) {
+        if (taken && (field->hasFocus() || state.refused != field->text()))
+            taken = Check(*field);
+    }
+    ShowRefusal();
+    return taken;
+}
+
+bool FieldChecks::eventFilter(QObject* watched, QEvent* event) {
+    const auto entry = fields_.find(qobject_cast<QLineEdit*>(watched));
+    if (entry == fields_.end())
+        return QObject::eventFilter(watched, event);
+    auto& [field, state] = *entry;
+    if (event->type() == QEvent::FocusIn) {
+        Enter(*field, state, *static_cast<QFocusEvent*>(event));
+    } else if (event->type() == QEvent::FocusOut) {
+        Leave(*static_cast<QFocusEvent*>(event), *field);
+    } else if (event->type() == QEvent::MouseButtonRelease && state.entered) {
+        // The press that gave the focus has put the cursor where it was; a drag has selected what it passed.
+        state.entered = false;
+        if (!field->hasSelectedText())
+            field->selectAll();
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void FieldChecks::Enter(QLineEdit& field, State& state, const QFocusEvent& event) {
+    if (IsStillInField(event.reason()))
+        return;
+    state.entered = event.reason() == Qt::MouseFocusReason;
+    field.selectAll();
+}
+
+void FieldChecks::Leave(const QFocusEvent& event, QLineEdit& field) {
+    if (IsStillInField(event.reason()) || !form_.isVisible() || Check(field))
+        return;
+    // Later, when the press or key that led away has been dealt with: a box in its middle would leave a
+    // button pressed.
+    QMetaObject::invokeMethod(this, &FieldChecks::ShowRefusal, Qt::QueuedConnection);
+}
+
+bool FieldChecks::Check(QLineEdit& field) {
+    State& state = fields_.at(&field);
+    if (field.text() == state.written)
+        return true;
+    try {
+        state.take();
+        state.written = field.text();
+        state.refused.reset();
+        return true;
+    } catch (const NumberError& error) {
+        state.refused = field.text();
+        refusal_ = error.Description();
+    } catch (const ComponentError&) {
+        Write(field, state.written);
+        field.selectAll();
+    }
+    return false;
+}
+
+void FieldChecks::Edited(QLineEdit& field, const QString& text) {
+    State& state = fields_.at(&field);
+    const QString inserted = InsertedPart(state.known, text);
+    state.known = text;
+    const bool cameInOnePiece = inserted.size() > 1;
+    if (!state.insert || !cameInOnePiece)
+        return;
+    try {
+        if (!state.insert(text))
+            state.insert(inserted);
+    } catch (const ComponentError&) {
+        // A value that cannot be stays in the box as typed and is refused when the box is left.
+    }
+}
+
+void FieldChecks::ShowRefusal() {
+    const std::optional<QString> sentence = std::exchange(refusal_, std::nullopt);
+    if (!sentence || !form_.isVisible())
+        return;
+    ReleaseButtons();
+    ShowMessage(&form_, *sentence);
+}
+
+void FieldChecks::ReleaseButtons() {
+    // A button that is pressed just now must not be clicked by the release that follows the message.
+    for (QAbstractButton* const button : form_.findChildren<QAbstractButton*>())
+        button->setDown(false);
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include <functional>
+#include <map>
+#include <optional>
+
+class QFocusEvent;
+class QLineEdit;
+class QWidget;
+
+/// Takes over what was typed into a form's text boxes when they are left, each text once, and says in a
+/// message box what is no number. Entering a box selects its whole text.
+class FieldChecks : public QObject {
+    Q_OBJECT
+
+public:
+    /// Reads the box and stores its value. NumberError: the sentence is shown and the text stays.
+    /// ComponentError, for a value that cannot be: the former text comes back, without a word.
+    using Take = std::function<void()>;
+    /// Tries to make something of a text that came in one piece, as by pasting; whether it did.
+    using Insert = std::function<bool(const QString& text)>;
+
+    explicit FieldChecks(QWidget& form);
+
+    void Watch(QLineEdit& field, Take take, Insert insert = {});
+    /// Puts a text into a watched box as the one that stands for the stored value.
+    void Write(QLineEdit& field, const QString& text);
+    /// Before the form is confirmed: takes over what has not been taken yet, the focused box included, and
+    /// shows what is left to be shown. False when something was refused: the form stays open.
+    bool Settle();
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    struct State {
+        Take take;
+        Insert insert;
+        QString written;                ///< stands for the stored value
+        QString known;                  ///< the text before the last edit
+        std::optional<QString> refused; ///< the text that was last refused
+        bool entered = false;           ///< by a press of the mouse that is not yet released
+    };
+
+    void Enter(QLineEdit& field, State& state, const QFocusEvent& event);
+    void Leave(const QFocusEvent& event, QLineEdit& field);
+    bool Check(QLineEdit& field);
+    void Edited(QLineEdit& field, const QString& text);
+    void ShowRefusal();
+    void ReleaseButtons();
+
+    QWidget& form_;
+    std::map<QLineEdit*, State> fields_;
+    std::optional<QString> refusal_; ///< the sentence to show
+};

@@ -1,0 +1,96 @@
+#include "wizard/GridChooser.h"
+
+#include "base/CheckedNumbers.h"
+#include "catalogue/modCountryGadgets.h"
+#include "catalogue/modSPCS.h"
+#include "platform/modFields.h"
+#include "platform/modMessages.h"
+#include "wizard/GridDatumCombos.h"
+
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+
+#include <charconv>
+#include <cmath>
+
+namespace {
+
+constexpr std::int16_t LowestZone = 1;
+constexpr std::int16_t HighestZone = 60;
+
+/// "0101" is zone 101. Every code is four digits.
+template <typename Codes>
+std::int16_t StatePlaneZone(const Codes& codes, int row) {
+    const std::string_view code = codes.at(CheckedNarrow<std::size_t>(row));
+    std::int16_t zone = 0;
+    std::from_chars(code.data(), code.data() + code.size(), zone);
+    return zone;
+}
+
+} // namespace
+
+void GridChooser::Offer(const QString& country, QComboBox* ddDatum) {
+    FillGridDatumCombos(fields_.ddGrid, ddDatum, country);
+    fields_.ddGrid.setCurrentIndex(0);
+    if (ddDatum != nullptr)
+        ddDatum->setCurrentIndex(0);
+    GridChanged();
+}
+
+void GridChooser::Unselect(QComboBox* ddDatum) {
+    if (ddDatum != nullptr)
+        ddDatum->setCurrentIndex(-1);
+    fields_.ddGrid.setCurrentIndex(-1);
+    GridChanged();
+}
+
+void GridChooser::GridChanged() {
+    const QString grid = ComboText(fields_.ddGrid);
+    const bool typed = GridHasNumericZone(grid.toStdString());
+    fields_.txtZone.setVisible(typed);
+    fields_.lZone.setVisible(typed);
+    if (FillZoneCombo(fields_.ddZone, grid))
+        fields_.ddZone.setCurrentIndex(0);
+}
+
+std::optional<ChosenGrid> GridChooser::Choose(QWidget* form) {
+    const QString gridText = ComboText(fields_.ddGrid);
+    const std::string grid = gridText.toStdString();
+    const std::optional<std::int16_t> zone = Zone(gridText);
+    const std::int16_t identifier = GridIdentifier(grid, zone.value_or(0));
+    if (identifier == 0) {
+        ShowMessage(form, QStringLiteral("No grid selected!"));
+        return std::nullopt;
+    }
+    if (GridHasNumericZone(grid) && (!zone || *zone < LowestZone || *zone > HighestZone)) {
+        ShowMessage(form, QStringLiteral("Invalid Zone. Should be between 1 and 60"));
+        fields_.txtZone.setFocus();
+        return std::nullopt;
+    }
+    return ChosenGrid{identifier, *zone, MakeGrid(identifier, *zone)};
+}
+
+std::optional<std::int16_t> GridChooser::Zone(const QString& grid) const {
+    if (grid == QLatin1String("State Plane (nad27)"))
+        return StatePlaneZone(SpcsNad27Code, fields_.ddZone.currentIndex());
+    if (grid == QLatin1String("State Plane (nad83)"))
+        return StatePlaneZone(SpcsNad83Code, fields_.ddZone.currentIndex());
+    // The zone of a zone list is not read: the first zone of the list is the one that reaches the map.
+    return fields_.txtZone.isHidden() ? std::int16_t{0} : TypedZone();
+}
+
+std::optional<std::int16_t> GridChooser::TypedZone() const {
+    // The number is read as if a zero stood before it, so that a sign or a blank there makes it none.
+    const QString text = fields_.txtZone.text();
+    const QString start = text.left(1);
+    if (!start.isEmpty() && !start.front().isDigit() && start != QLocale::system().decimalPoint())
+        return std::nullopt;
+    try {
+        return CheckedRound<std::int16_t>(std::floor(GetNumber(fields_.txtZone)));
+    } catch (const NumberError&) {
+        return std::nullopt;
+    } catch (const ComponentError&) {
+        return std::nullopt;
+    }
+}

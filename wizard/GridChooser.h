@@ -1,0 +1,53 @@
+#pragma once
+
+#include "coordinates/QuorvantGrid.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QWidget;
+
+/// A grid of the catalogue as it was chosen in a form.
+struct ChosenGrid {
+    std::int16_t identifier = 0;
+    /// The typed zone, the state-plane code as a number, or 0.
+    std::int16_t zone = 0;
+    QuorvantGrid grid;
+};
+
+/// The fields in which a grid and its zone are chosen: the same in every form that asks for a grid.
+class GridChooser {
+public:
+    struct Fields {
+        QComboBox& ddGrid;
+        QLabel& lZone;
+        QComboBox& ddZone;
+        QLineEdit& txtZone;
+    };
+
+    /// The fields must outlive the chooser.
+    explicit GridChooser(const Fields& fields) : fields_(fields) {}
+
+    /// Offers the country's grids (and datums) and selects its defaults: the first of each list, the national
+    /// grid and WGS84.
+    void Offer(const QString& country, QComboBox* ddDatum);
+    /// Selects no grid (and no datum).
+    void Unselect(QComboBox* ddDatum);
+    /// Shows the zone fields that the selected grid needs.
+    void GridChanged();
+    /// The grid as it stands in the fields. Otherwise says what is missing, in a message before `form`, and
+    /// returns nothing. Throws what MakeGrid throws.
+    std::optional<ChosenGrid> Choose(QWidget* form);
+
+private:
+    /// Nothing for a typed zone that is no number or beyond 16 bits.
+    std::optional<std::int16_t> Zone(const QString& grid) const;
+    std::optional<std::int16_t> TypedZone() const;
+
+    Fields fields_;
+};

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "coordinates/QuorvantPosition.h"
+#include "wizard/FieldChecks.h"
+#include "wizard/WizardForm.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace Ui {
+class frmCoordinate;
+}
+class QLabel;
+
+/// Asks for the coordinate of one reference point. One form serves all points of a wizard run: the degree
+/// format and the unit carry over from point to point.
+class frmCoordinate : public WizardForm {
+    Q_OBJECT
+
+public:
+    explicit frmCoordinate(QWidget* parent = nullptr);
+    ~frmCoordinate() override;
+
+    // Set before the form is shown.
+    std::int16_t CoordinateNumber = 1; ///< 1-based number of the reference point
+    std::int16_t ProjectionType = 1;   ///< 1 Cartesian (3 points), 2 Polar (4 points)
+    bool UseGrid = false;              ///< easting and northing are asked for, else longitude and latitude
+    bool UseLonLat = true;
+    std::int16_t Zone = 0; ///< kept for the caller
+    bool LockX = false;    ///< longitude or easting is given and cannot be edited
+    bool LockY = false;    ///< latitude or northing likewise
+
+    // Set before the form is shown, read once it is confirmed.
+    std::int32_t PixelX = 0; ///< unzoomed pixels
+    std::int32_t PixelY = 0;
+    double Longitude = 0; ///< decimal degrees, east positive
+    double Latitude = 0;  ///< decimal degrees, north positive
+    double Easting = 0;   ///< metres
+    double Northing = 0;  ///< metres
+
+protected:
+    void Form_Load() override;
+    void bNext_Click() override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void ConnectFields();
+    void ConnectLists();
+    void WatchParts(bool latitude);
+    void LoadLonLat();
+    void LoadGrid();
+    void EnableFields();
+    void ShowFormat();
+    void RefreshPosition();
+    void ShowMeters();
+
+    void rbDecDeg_Click();
+    void rbDMS_Click();
+    void ddLatHemi_Click();
+    void ddLonHemi_Click();
+    void ddUnit_Click();
+    void TakeParts(bool latitude);
+    bool PasteLonLat(const QString& text);
+    bool PasteEastNorth(const QString& text);
+    double Meters(const QLineEdit& field) const;
+
+    std::unique_ptr<Ui::frmCoordinate> ui_;
+    FieldChecks checks_;
+    QuorvantPosition position_; ///< the longitude and latitude being edited
+    QString degreeFormat_ = QStringLiteral("DecDeg");
+    QString unit_; ///< as last confirmed
+};
