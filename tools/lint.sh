@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Checks the form of all C++ files, and their substance with clang-tidy (a quarter of an hour on two cores).
-# tools/lint.sh --form checks the form alone, --fix mends it.
+# Checks the form of all C++ files, and the substance of the programs' sources with clang-tidy (half an hour and more
+# on two cores). tools/lint.sh --form checks the form alone, --fix mends it; tools/lint.sh FILE.cpp ... looks into
+# these files only. QUORVANT_BUILD names another build folder than build/, which must then be up to date.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -15,8 +16,15 @@ if [ "${1:-}" = --form ]; then
     exit 0
 fi
 
-[ -f build/compile_commands.json ] || tools/build.sh release
-# The engine and its programs; tests are held to the compiler's warnings.
-mapfile -t sources < <(git ls-files 'base/*.cpp' 'coordinates/*.cpp' 'catalogue/*.cpp' 'platform/*.cpp' 'component/*.cpp' 'cli/*.cpp')
-printf '%s\n' "${sources[@]}" | xargs -P "$(nproc)" -n 4 clang-tidy -p build --quiet 2> >(grep -v 'warnings generated\|warnings treated\|Suppressed\|Use -header-filter\|non-user code' >&2)
-echo "Form and clang-tidy: ${#files[@]} files, nothing to mend."
+# Everything is built first: sources include headers that the build makes of forms and of the viewer page.
+build=${QUORVANT_BUILD:-build}
+[ -n "${QUORVANT_BUILD:-}" ] || tools/build.sh release
+# The engine, the command and the editor; tests are held to the compiler's warnings.
+sources=("$@")
+if [ ${#sources[@]} = 0 ]; then
+    mapfile -t sources < <(git ls-files 'base/*.cpp' 'coordinates/*.cpp' 'catalogue/*.cpp' 'platform/*.cpp' \
+        'component/*.cpp' 'cli/*.cpp' 'view/*.cpp' 'dialogs/*.cpp' 'wizard/*.cpp' 'app/*.cpp')
+fi
+printf '%s\n' "${sources[@]}" | xargs -P "$(nproc)" -n 1 clang-tidy -p "$build" --quiet \
+    2> >(grep -v 'warnings generated\|warnings treated\|Suppressed\|Use -header-filter\|non-user code' >&2)
+echo "Form: ${#files[@]} files, clang-tidy: ${#sources[@]} sources, nothing to mend."
