@@ -68,14 +68,22 @@ void ModalScript::Arm() {
 
 void ModalScript::Poll() {
     Arm();
-    std::erase_if(met_,
-                  [](const QPointer<QWidget>& window) { return window.isNull() || !window->isVisible(); });
     QWidget* const window = QApplication::activeModalWidget();
     if (window == nullptr || !window->isVisible() ||
         std::find(met_.begin(), met_.end(), window) != met_.end())
         return;
     met_.emplace_back(window);
+    window->installEventFilter(this);
     Meet(*window);
+}
+
+// A window that is shown again, perhaps without a moment in between, has its next step.
+bool ModalScript::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Hide)
+        std::erase_if(met_, [watched](const QPointer<QWidget>& window) {
+            return window.isNull() || window.data() == watched;
+        });
+    return false;
 }
 
 void ModalScript::Meet(QWidget& window) {

@@ -27,6 +27,9 @@ public:
     /// Whether everything that was expected has come.
     bool IsDone() const { return steps_.empty(); }
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     struct Step {
         QString name;

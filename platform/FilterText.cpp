@@ -1,0 +1,23 @@
+#include "platform/FilterText.h"
+
+namespace {
+
+QString QtPatterns(const QString& patterns) {
+    QStringList words;
+    for (const QString& pattern : patterns.split(u';')) {
+        const QString word = pattern.trimmed();
+        if (!word.isEmpty())
+            words.append(word == QStringLiteral("*.*") ? QStringLiteral("*") : word);
+    }
+    return words.join(u' ');
+}
+
+} // namespace
+
+FilterText::FilterText(const QString& text) {
+    const QStringList parts = text.split(u'|');
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        descriptions_.append(parts[i].trimmed());
+        qtFilters_.append(descriptions_.last() + QStringLiteral(" (") + QtPatterns(parts[i + 1]) + u')');
+    }
+}
