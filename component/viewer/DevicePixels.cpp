@@ -3,6 +3,7 @@
 #include <QPainter>
 #include <QWidget>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -19,6 +20,10 @@ int NearestEdge(double position) {
     return static_cast<int>(std::floor(position + 0.5));
 }
 
+QPoint WholePoint(const QPointF& position) {
+    return {static_cast<int>(std::floor(position.x())), static_cast<int>(std::floor(position.y()))};
+}
+
 } // namespace
 
 QRect DevicePixelsOf(const QWidget& widget) {
@@ -32,14 +37,13 @@ QRect DevicePixelsOf(const QWidget& widget) {
 
 QPoint DevicePixelAt(const QWidget& widget, const QPointF& position) {
     const QPointF inWindow = (position + OriginInWindow(widget)) * widget.devicePixelRatioF();
-    const QPoint pixel(static_cast<int>(std::floor(inWindow.x() + Tolerance)),
-                       static_cast<int>(std::floor(inWindow.y() + Tolerance)));
-    return pixel - DevicePixelsOf(widget).topLeft();
-}
-
-QPointF MiddleOfDevicePixel(const QWidget& widget, const QPoint& pixel) {
-    const QPointF inWindow = QPointF(pixel + DevicePixelsOf(widget).topLeft()) + QPointF(0.5, 0.5);
-    return inWindow / widget.devicePixelRatioF() - OriginInWindow(widget);
+    const QPoint pixel = WholePoint(inWindow + QPointF(Tolerance, Tolerance));
+    const QRect place = DevicePixelsOf(widget);
+    const QPoint inPlace = pixel - place.topLeft();
+    // A device pixel on the edge is painted by one of two neighbours and may be reported to the other.
+    if (place.isEmpty() || !widget.rect().contains(WholePoint(position)))
+        return inPlace;
+    return {std::clamp(inPlace.x(), 0, place.width() - 1), std::clamp(inPlace.y(), 0, place.height() - 1)};
 }
 
 double CountDevicePixels(QPainter& painter) {

@@ -14,11 +14,9 @@ class QWidget;
 /// The device pixels that the widget covers in its window.
 QRect DevicePixelsOf(const QWidget& widget);
 
-/// The device pixel, counted from the widget's first, under a position inside the widget.
+/// The device pixel, counted from the widget's first, under a position in the widget's own units. A position
+/// inside the widget gives one of its pixels, one outside may give any.
 QPoint DevicePixelAt(const QWidget& widget, const QPointF& position);
-
-/// The reverse: the position, in the widget's own units, of the middle of a device pixel.
-QPointF MiddleOfDevicePixel(const QWidget& widget, const QPoint& pixel);
 
 /// From now on the painter, fresh on a widget, counts device pixels from the widget's first one: what is
 /// drawn at whole numbers is neither scaled nor smeared. Returns the device pixel ratio.

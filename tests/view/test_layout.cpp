@@ -1,0 +1,497 @@
+// Scroll ranges, coarse bars, the slider's upper end, and how often a map is asked for its pixels.
+
+#include "tests/view/RecordingMap.h"
+#include "tests/view/ViewWindow.h"
+#include "view/ZoomSlider.h"
+
+#include <random>
+
+namespace {
+
+class ViewLayout : public testing::Test {
+protected:
+    /// Shows a map of this size as a selection does.
+    std::shared_ptr<RecordingMap> Show(std::int32_t width, std::int32_t height, double zoom = 1.0) {
+        auto map = std::make_shared<RecordingMap>(width, height);
+        map->SetZoom(zoom);
+        View().SetMap(map);
+        View().SetMapWidth(map->Width());
+        View().SetMapHeight(map->Height());
+        View().AdjustSize();
+        return map;
+    }
+    clsBitmapView& View() { return window_.view; }
+    QScrollBar& Horizontal() { return window_.horizontal; }
+    QScrollBar& Vertical() { return window_.vertical; }
+    int Width() { return window_.Place().width(); }
+    int Height() { return window_.Place().height(); }
+
+    ViewWindow window_;
+};
+
+using Call = RecordingMap::Call;
+
+} // namespace
+
+TEST_F(ViewLayout, AsksOnceForTheVisiblePart) {
+    const auto map = Show(1000, 800);
+    EXPECT_EQ(map->calls, (std::vector<Call>{{0, 0, Width(), Height(), 1.0}}));
+}
+
+TEST_F(ViewLayout, AsksForThePartThatBothBarsSelect) {
+    const auto map = Show(1000, 800);
+    Horizontal().setValue(30);
+    Vertical().setValue(40);
+    EXPECT_EQ(map->calls.at(1), (Call{30, 0, Width(), Height(), 1.0}));
+    EXPECT_EQ(map->calls.at(2), (Call{30, 40, Width(), Height(), 1.0}));
+    map->calls.clear();
+    View().ChangeHScroll();
+    View().ChangeVScroll();
+    const Call both{30, 40, Width(), Height(), 1.0};
+    EXPECT_EQ(map->calls, (std::vector<Call>{both, both}));
+}
+
+TEST_F(ViewLayout, AsksOnceWhenANewRangeMovesBothBars) {
+    const auto map = Show(1000, 800);
+    Horizontal().setValue(Horizontal().maximum());
+    Vertical().setValue(Vertical().maximum());
+    map->calls.clear();
+    View().SetZoom(-5);
+    ASSERT_EQ(map->calls.size(), 1U);
+    EXPECT_EQ(map->calls[0].left, Horizontal().maximum());
+    EXPECT_EQ(map->calls[0].top, Vertical().maximum());
+}
+
+TEST_F(ViewLayout, AsksOnceWhenTheViewerChangesItsSize) {
+    const auto map = Show(1000, 800);
+    map->calls.clear();
+    window_.ResizeViewer({222, 177});
+    EXPECT_EQ(map->calls, (std::vector<Call>{{0, 0, Width(), Height(), 1.0}}));
+    EXPECT_EQ(Horizontal().maximum(), 1000 - Width());
+    EXPECT_EQ(Vertical().maximum(), 800 - Height());
+}
+
+TEST_F(ViewLayout, ShowsTheAnswerOnlyWhenItIsNew) {
+    const auto map = Show(1000, 800);
+    const auto shown = View().objBitmap();
+    EXPECT_EQ(window_.viewer.Image(), shown);
+    map->changed = false;
+    Horizontal().setValue(3);
+    EXPECT_EQ(View().objBitmap(), shown);
+    map->changed = true;
+    Horizontal().setValue(4);
+    EXPECT_NE(View().objBitmap(), shown);
+    EXPECT_EQ(window_.viewer.Image(), View().objBitmap());
+}
+
+TEST_F(ViewLayout, AsksForNoMoreThanTheZoomedMap) {
+    const auto map = Show(50, 30);
+    EXPECT_EQ(map->calls.back(), (Call{0, 0, 50, 30, 1.0}));
+    EXPECT_EQ(Horizontal().maximum(), 0);
+    EXPECT_EQ(Vertical().maximum(), 0);
+    const QImage screen = window_.Screen();
+    EXPECT_EQ(screen.pixel(49, 29), RecordingMap::Colour);
+    EXPECT_EQ(screen.pixel(50, 29), QColor(Qt::magenta).rgb());
+    EXPECT_EQ(screen.pixel(49, 30), QColor(Qt::magenta).rgb());
+}
+
+TEST_F(ViewLayout, RoundsTheVisibleSizeHalfToEven) {
+    for (const auto& [size, zoomed] : {std::pair(21, 10), {23, 12}, {25, 12}, {27, 14}}) {
+        const auto map = Show(size, 1000, 0.5);
+        EXPECT_EQ(map->calls.back().width, zoomed) << size;
+        EXPECT_EQ(map->calls.back().height, Height());
+    }
+}
+
+TEST_F(ViewLayout, ShowsATinyMapAsAtLeastOnePixel) {
+    const auto map = Show(10, 10, 0.01);
+    EXPECT_EQ(map->calls.back(), (Call{0, 0, 1, 1, 0.01}));
+}
+
+TEST_F(ViewLayout, AsksNothingWithoutAViewersSize) {
+    const auto map = Show(1000, 800);
+    map->calls.clear();
+    window_.ResizeViewer({0, 0});
+    EXPECT_EQ(map->calls.size(), 0U);
+}
+
+TEST_F(ViewLayout, SetsTheZoomOfViewAndMap) {
+    const auto map = Show(1000, 800);
+    View().SetZoom(10);
+    EXPECT_EQ(View().Zoom(), std::exp(1.0));
+    EXPECT_EQ(map->Zoom(), std::exp(1.0));
+    EXPECT_EQ(map->calls.back().zoom, std::exp(1.0));
+}
+
+TEST_F(ViewLayout, TakesTheZoomOfAMapAndDoesNotWriteIt) {
+    const auto map = Show(1000, 800, 0.3);
+    EXPECT_EQ(View().Zoom(), 0.3);
+    EXPECT_EQ(map->zoomsWritten, 1) << "the test's own";
+    View().SetViewer(&window_.viewer);
+    EXPECT_EQ(View().Zoom(), 1.0);
+    EXPECT_EQ(map->Zoom(), 0.3);
+}
+
+TEST_F(ViewLayout, KeepsItsZoomWhenTheMapRefuses) {
+    const auto map = Show(1000, 800, 0.3);
+    map->fails = true;
+    EXPECT_THROW(View().SetZoom(5), ComponentError);
+    EXPECT_THROW(View().ZoomAbout(5, {3, 3}), ComponentError);
+    map->fails = false;
+    EXPECT_THROW(View().SetZoom(100000), ComponentError);
+    EXPECT_EQ(View().Zoom(), 0.3);
+    EXPECT_EQ(map->Zoom(), 0.3);
+}
+
+TEST_F(ViewLayout, KeepsItsImageWhenTheMapFails) {
+    const auto map = Show(1000, 800);
+    const auto shown = View().objBitmap();
+    map->fails = true;
+    Horizontal().setValue(30);
+    Vertical().setValue(30);
+    window_.ResizeViewer({222, 177});
+    View().ScrollBy({3, 3});
+    View().CenterOn(500, 500);
+    EXPECT_EQ(View().objBitmap(), shown);
+    EXPECT_EQ(window_.viewer.Image(), shown);
+}
+
+TEST_F(ViewLayout, ReachesTheLastPixelAndShowsNoStripBehindIt) {
+    for (const auto& [size, zoom] :
+         {std::pair(1000, 1.0), {997, 0.73}, {997, 2.7}, {40003, 1.0}, {30000, 7.389056}, {47777, 6.2}}) {
+        const auto map = Show(size, size, zoom);
+        Horizontal().setValue(Horizontal().maximum());
+        Vertical().setValue(Vertical().maximum());
+        const auto zoomed = static_cast<std::int32_t>(std::ceil(size * zoom));
+        EXPECT_EQ(map->calls.back().left + Width(), zoomed) << size << " at " << zoom;
+        EXPECT_EQ(map->calls.back().top + Height(), zoomed);
+        EXPECT_GE(View().PixelAt({Width() - 1, Height() - 1}).x, size - 1 - static_cast<int>(1 / zoom));
+        EXPECT_LE(Horizontal().maximum(), 32767);
+    }
+}
+
+TEST_F(ViewLayout, IsCoarseAboveWhat16BitsHold) {
+    Show(32767 + Width(), 32768 + Height());
+    EXPECT_FALSE(View().HorizontalIsCoarse());
+    EXPECT_EQ(Horizontal().maximum(), 32767);
+    EXPECT_TRUE(View().VerticalIsCoarse());
+    EXPECT_EQ(Vertical().maximum(), 3277);
+}
+
+TEST_F(ViewLayout, OfACoarseBarShowsThePartAtTenTimesItsValue) {
+    const auto map = Show(40000, 200);
+    Horizontal().setValue(150);
+    EXPECT_EQ(map->calls.back().left, 1500);
+    EXPECT_EQ(View().HorizontalOffset(), 1500);
+    EXPECT_EQ(View().VerticalOffset(), 0);
+    EXPECT_EQ(View().PixelAt({7, 3}), (ImagePixel{1507, 3}));
+}
+
+TEST_F(ViewLayout, KeepsItsPartWhenABarBecomesCoarseOrFine) {
+    const auto map = Show(20000, 20000);
+    Horizontal().setValue(8000);
+    View().SetZoom(7);
+    ASSERT_TRUE(View().HorizontalIsCoarse());
+    EXPECT_EQ(Horizontal().value(), 800);
+    EXPECT_EQ(map->calls.back().left, 8000);
+    View().SetZoom(0);
+    ASSERT_FALSE(View().HorizontalIsCoarse());
+    EXPECT_EQ(Horizontal().value(), 8000);
+}
+
+TEST_F(ViewLayout, LaidOutAgainStaysAtTheEnd) {
+    Show(40003, 40003);
+    Horizontal().setValue(Horizontal().maximum());
+    const std::int32_t offset = View().HorizontalOffset();
+    View().AdjustSize();
+    EXPECT_EQ(Horizontal().value(), Horizontal().maximum());
+    EXPECT_EQ(View().HorizontalOffset(), offset);
+}
+
+TEST_F(ViewLayout, LowersTheSlidersUpperEndSoThatAllCanBeReached) {
+    Show(1000, 1000);
+    EXPECT_EQ(View().HighestSliderPosition(), 20);
+    Show(30000, 30000);
+    EXPECT_EQ(View().HighestSliderPosition(), 20);
+    Show(50000, 20);
+    EXPECT_EQ(View().HighestSliderPosition(), 18); // 50,000 · e^1.9 = 334,295
+    Show(20, 100000);
+    EXPECT_EQ(View().HighestSliderPosition(), 11); // 100,000 · e^1.2 = 332,012
+    Show(2000000000, 20);
+    EXPECT_EQ(View().HighestSliderPosition(), -50);
+}
+
+TEST_F(ViewLayout, TheViewerCountsForTheSlidersUpperEnd) {
+    const double most = 327670.0 + Width();
+    const auto size = static_cast<std::int32_t>(most);
+    Show(size, 10);
+    EXPECT_EQ(View().HighestSliderPosition(), 0);
+    Show(size + 1, 10);
+    EXPECT_EQ(View().HighestSliderPosition(), -1);
+}
+
+TEST_F(ViewLayout, AtAnyOfferedPositionKeepsWithin16Bits) {
+    std::mt19937 random(7);
+    for (int round = 0; round < 300; ++round) {
+        const auto size = [&] {
+            return static_cast<std::int32_t>(std::exp(std::uniform_real_distribution(0.0, 13.0)(random)));
+        };
+        const auto map = Show(size(), size());
+        const std::int32_t highest = View().HighestSliderPosition();
+        for (std::int32_t position = LowestSliderPosition; position <= highest; ++position) {
+            View().SetZoom(position);
+            for (const QScrollBar* bar : {&Horizontal(), &Vertical()}) {
+                ASSERT_EQ(bar->minimum(), 0);
+                ASSERT_LE(bar->maximum(), 32767);
+                ASSERT_LE(bar->pageStep(), 32767);
+            }
+        }
+        Horizontal().setValue(Horizontal().maximum());
+        const Call& last = map->calls.back();
+        ASSERT_GE(last.left + last.width, std::nearbyint(map->Width() * map->Zoom()));
+    }
+}
+
+TEST_F(ViewLayout, AZoomBeyondTheSliderStaysWithin16Bits) {
+    const auto map = Show(30000, 30000, 1e9);
+    EXPECT_EQ(Horizontal().maximum(), 32767);
+    Horizontal().setValue(32767);
+    EXPECT_EQ(map->calls.back().left, 327670);
+}
+
+TEST_F(ViewLayout, FitsTheWholeImage) {
+    for (const auto& [width, height] : {std::pair(1000, 800), {300, 20000}, {20, 20}, {32768, 32768}}) {
+        Show(width, height);
+        const std::int32_t position = View().FitPosition();
+        const auto fits = [&](std::int32_t at) {
+            const double zoom = std::exp(at / 10.0);
+            return std::ceil(width * zoom) <= Width() && std::ceil(height * zoom) <= Height();
+        };
+        if (position > -50) {
+            EXPECT_TRUE(fits(position));
+        }
+        if (position < 20) {
+            EXPECT_FALSE(fits(position + 1));
+        }
+        View().SetZoom(position);
+        if (position > -50) {
+            EXPECT_EQ(Horizontal().maximum() + Vertical().maximum(), 0);
+        }
+    }
+}
+
+TEST_F(ViewLayout, ZoomsAboutThePointer) {
+    const auto map = Show(1000, 800);
+    Horizontal().setValue(300);
+    Vertical().setValue(200);
+    const QPoint pointer(60, 50);
+    map->calls.clear();
+    for (std::int32_t position = 1; position <= 20; ++position) {
+        View().ZoomAbout(position, pointer);
+        const double x = (View().HorizontalOffset() + 60) / View().Zoom();
+        const double y = (View().VerticalOffset() + 50) / View().Zoom();
+        // Each step may lose half a zoomed pixel.
+        EXPECT_NEAR(x, 360, 0.5 * position);
+        EXPECT_NEAR(y, 250, 0.5 * position);
+        EXPECT_EQ(map->calls.size(), static_cast<std::size_t>(position));
+    }
+    View().ZoomAbout(0, pointer);
+    View().ZoomAbout(10, pointer);
+    EXPECT_NEAR((View().HorizontalOffset() + 60) / View().Zoom(), 360, 12);
+}
+
+TEST_F(ViewLayout, ZoomsAboutThePointerOnlyAsFarAsTheEdgesAllow) {
+    Show(1000, 800);
+    View().ZoomAbout(5, {0, 0});
+    EXPECT_EQ(View().HorizontalOffset(), 0);
+    View().ZoomAbout(-30, {100, 100});
+    EXPECT_EQ(View().HorizontalOffset(), 0);
+    EXPECT_EQ(Horizontal().maximum(), 0);
+}
+
+TEST_F(ViewLayout, ScrollsByPixelsAndRendersOnce) {
+    const auto map = Show(1000, 800);
+    map->calls.clear();
+    View().ScrollBy({30, 40});
+    EXPECT_EQ(map->calls, (std::vector<Call>{{30, 40, Width(), Height(), 1.0}}));
+    View().ScrollBy({-100, -10});
+    EXPECT_EQ(map->calls.back(), (Call{0, 30, Width(), Height(), 1.0}));
+    View().ScrollBy({100000, 100000});
+    EXPECT_EQ(Horizontal().value(), Horizontal().maximum());
+    EXPECT_EQ(Vertical().value(), Vertical().maximum());
+}
+
+TEST_F(ViewLayout, SmallMovementsAddUpOnACoarseBar) {
+    Show(40000, 800);
+    Horizontal().setValue(100);
+    for (int i = 0; i < 10; ++i)
+        View().ScrollBy({3, 0});
+    EXPECT_EQ(Horizontal().value(), 103);
+    for (int i = 0; i < 10; ++i)
+        View().ScrollBy({-3, 0});
+    EXPECT_EQ(Horizontal().value(), 100);
+    View().ScrollBy({4, 0});
+    Horizontal().setValue(200);
+    View().ScrollBy({4, 0});
+    EXPECT_EQ(Horizontal().value(), 200) << "What was owed at another place counts no more.";
+}
+
+TEST_F(ViewLayout, BringsAPixelToTheMiddle) {
+    Show(1000, 800, 2.0);
+    View().CenterOn(400, 300);
+    EXPECT_NEAR(View().ViewerPosition(400, 300).x(), Width() / 2.0, 1);
+    EXPECT_NEAR(View().ViewerPosition(400, 300).y(), Height() / 2.0, 1);
+    View().CenterOn(0, 799);
+    EXPECT_EQ(Horizontal().value(), 0);
+    EXPECT_EQ(Vertical().value(), Vertical().maximum());
+}
+
+TEST_F(ViewLayout, KnowsWhereAPixelIsOnTheScreen) {
+    Show(1000, 800, 2.7);
+    Horizontal().setValue(321);
+    Vertical().setValue(123);
+    for (const std::int32_t at : {0, 1, 119, 500, 999}) {
+        const QPoint place = View().ViewerPosition(at, at / 2);
+        EXPECT_EQ(View().PixelAt(place), (ImagePixel{at, at / 2}));
+        EXPECT_EQ(place.x(), std::nearbyint(at * 2.7 - 321));
+    }
+    EXPECT_EQ(View().ViewerPosition(1e300, -1e300),
+              QPoint(std::numeric_limits<int>::max(), std::numeric_limits<int>::min()));
+}
+
+TEST_F(ViewLayout, RoundsThePixelUnderAPositionHalfToEven) {
+    Show(1000, 800, 2.0);
+    EXPECT_EQ(View().PixelAt({21, 23}), (ImagePixel{10, 12}));
+    EXPECT_EQ(View().PixelAt({1, 3}), (ImagePixel{0, 2}));
+    Horizontal().setValue(10);
+    EXPECT_EQ(View().PixelAt({11, 0}), (ImagePixel{10, 0}));
+    EXPECT_EQ(View().PixelAt({-11, -1}), (ImagePixel{0, 0}));
+}
+
+TEST_F(ViewLayout, RaisesAnErrorWhenThePixelOverflows) {
+    Show(40000, 800);
+    Horizontal().setValue(1);
+    constexpr int Most = std::numeric_limits<int>::max();
+    EXPECT_THROW(View().PixelAt({Most, 0}), ComponentError);
+    EXPECT_EQ(View().PixelAt({Most - 10, 0}).x, Most);
+    Show(40000, 800, 0.01);
+    EXPECT_THROW(View().PixelAt({0, Most}), ComponentError);
+}
+
+TEST_F(ViewLayout, WhileBusyAsksNothingAndLaysOutOnceAfterwards) {
+    const auto map = Show(1000, 800);
+    const auto shown = View().objBitmap();
+    map->calls.clear();
+    View().SetBusy(true);
+    EXPECT_TRUE(View().IsBusy());
+    window_.ResizeViewer({222, 177});
+    Horizontal().setValue(30);
+    View().ScrollBy({5, 5});
+    View().CenterOn(500, 500);
+    View().SetZoom(3);
+    View().ZoomAbout(3, {5, 5});
+    View().AdjustSize();
+    window_.Screen();
+    EXPECT_EQ(map->calls.size(), 0U);
+    EXPECT_EQ(map->Zoom(), 1.0);
+    EXPECT_EQ(window_.viewer.Image(), shown);
+    View().SetBusy(false);
+    ASSERT_EQ(map->calls.size(), 1U);
+    EXPECT_EQ(map->calls[0].width, Width());
+    View().SetBusy(false);
+    EXPECT_EQ(map->calls.size(), 1U);
+}
+
+TEST_F(ViewLayout, SaysThatMarksHaveToBePlacedAnew) {
+    int changes = 0;
+    View().OnViewChanged = [&] { ++changes; };
+    Show(1000, 800);
+    EXPECT_EQ(changes, 1);
+    Horizontal().setValue(3);
+    View().SetZoom(3);
+    window_.ResizeViewer({222, 177});
+    EXPECT_EQ(changes, 4);
+    View().Clear();
+    EXPECT_EQ(changes, 5);
+}
+
+TEST_F(ViewLayout, OfNothingHasNoSize) {
+    EXPECT_EQ(View().MapWidth(), 0);
+    EXPECT_EQ(View().MapHeight(), 0);
+    View().AdjustSize();
+    EXPECT_EQ(Horizontal().maximum(), 0);
+    EXPECT_EQ(View().HighestSliderPosition(), 20);
+}
+
+TEST_F(ViewLayout, TakesTheOwnersSizeBeforeTheImages) {
+    View().SetObjBitmap(std::make_shared<PixelImage>(Bitmap(30, 20)));
+    EXPECT_EQ(View().MapWidth(), 30);
+    EXPECT_EQ(View().MapHeight(), 20);
+    View().SetMapWidth(300);
+    View().SetMapHeight(200);
+    EXPECT_EQ(View().MapWidth(), 300);
+    EXPECT_EQ(View().MapHeight(), 200);
+    View().SetMapWidth(0);
+    EXPECT_EQ(View().MapWidth(), 30);
+}
+
+TEST_F(ViewLayout, KnowsTheMapsSizeAlsoWhenNobodySetIt) {
+    const auto map = std::make_shared<RecordingMap>(1000, 800);
+    View().SetMap(map);
+    View().AdjustSize();
+    View().AdjustSize();
+    EXPECT_EQ(Horizontal().maximum(), 1000 - Width());
+    EXPECT_EQ(Vertical().maximum(), 800 - Height());
+}
+
+TEST_F(ViewLayout, IsForgottenByClear) {
+    Show(1000, 800);
+    Horizontal().setValue(30);
+    View().Clear();
+    EXPECT_EQ(View().Map(), nullptr);
+    EXPECT_EQ(View().objBitmap(), nullptr);
+    EXPECT_EQ(window_.viewer.Image(), nullptr);
+    EXPECT_EQ(Horizontal().maximum(), 0);
+    EXPECT_EQ(window_.PixelOnScreen({5, 5}), QColor(Qt::magenta).rgb());
+}
+
+TEST_F(ViewLayout, OfAnIconMovesTheViewersPositions) {
+    View().SetObjBitmap(std::make_shared<PixelImage>(Bitmap(1000, 40000)));
+    View().AdjustSize();
+    EXPECT_EQ(Horizontal().maximum(), 1000 - Width());
+    Horizontal().setValue(31);
+    EXPECT_EQ(window_.viewer.HorizontalPosition(), 31);
+    Vertical().setValue(150);
+    EXPECT_TRUE(View().VerticalIsCoarse());
+    EXPECT_EQ(window_.viewer.VerticalPosition(), 1500);
+    EXPECT_EQ(View().PixelAt({2, 3}), (ImagePixel{33, 1503}));
+}
+
+TEST_F(ViewLayout, OfAMapAfterAnIconBeginsAtTheViewersFirstPixel) {
+    View().SetObjBitmap(std::make_shared<PixelImage>(Bitmap(1000, 1000)));
+    View().AdjustSize();
+    Horizontal().setValue(31);
+    Show(1000, 800);
+    EXPECT_EQ(window_.viewer.HorizontalPosition(), 0);
+    EXPECT_EQ(window_.viewer.VerticalPosition(), 0);
+}
+
+TEST(View, LivesWithoutAViewerAndBars) {
+    clsBitmapView view;
+    view.SetMap(std::make_shared<RecordingMap>(1000, 800));
+    view.AdjustSize();
+    view.ChangeHScroll();
+    view.ScrollBy({3, 3});
+    EXPECT_EQ(view.PixelAt({3, 4}), (ImagePixel{3, 4}));
+    view.Clear();
+}
+
+TEST(View, GoneBeforeItsViewerHearsNoMore) {
+    KarvelViewer viewer;
+    {
+        clsBitmapView view;
+        view.SetViewer(&viewer);
+    }
+    viewer.resize(300, 200);
+    Q_EMIT viewer.Resized();
+}
