@@ -55,14 +55,11 @@ ExitStatus RunAddMap(const AddMapOptions& options) {
     // Checked before the image is read, which may take minutes.
     const auto plan = options.scaling.Given() ? std::optional<ScalingPlan>(options.scaling) : std::nullopt;
     OpenedLibrary library = OpenForAdding(options.library);
-    const Orientation turn = plan && plan->CountsStoredPixels()
-                                 ? OpenImage(options.object.image)->Info().orientation
-                                 : Orientation::TopLeft;
     const auto map = library->AddMapFromImageFile(options.object.image, NameOfNewObject(options.object),
                                                   tile.width, tile.height);
     DescribeMap(*map, options.object);
     if (plan)
-        plan->ApplyTo(*map, turn);
+        plan->ApplyTo(*map, map->ImageTurn());
     library.Save();
     return ExitStatus::Done;
 }

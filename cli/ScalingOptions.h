@@ -36,8 +36,6 @@ public:
     /// a worldfile counts, to the map's; points and corners count the map's own pixels.
     void ApplyTo(AtlavexMap& map, Orientation orientation = Orientation::TopLeft) const;
 
-    bool CountsStoredPixels() const { return worldfile_.has_value(); }
-
 private:
     void ChooseSystem(const ScalingOptions& options);
     void ChoosePoints(const ScalingOptions& options);

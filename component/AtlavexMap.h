@@ -27,6 +27,9 @@ public:
     virtual const PyramidLayout& Layout() const = 0;
     virtual PixelFormat Format() const = 0;
     virtual const Palette& ColourTable() const = 0; ///< empty unless Format() is Palette
+    /// How the image file's stored pixels, which a worldfile counts, were turned when the map was added;
+    /// TopLeft for a map that was loaded.
+    virtual Orientation ImageTurn() const { return Orientation::TopLeft; }
 
     /// Screen pixels per image pixel; 1.0 at first. Kept for the life of the object, stored with the map.
     virtual double Zoom() const = 0;

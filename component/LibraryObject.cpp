@@ -132,6 +132,7 @@ std::shared_ptr<AtlavexMap> LibraryObject::AddMapFromImageFile(const std::string
     map->record.tileWidth = tileWidth;
     map->record.tileHeight = tileHeight;
     map->record.palette = info.palette;
+    map->turn = info.orientation;
     std::optional<Savepoint> savepoint; // kept when the events are over, too: their handlers may throw
     operations_->Run([&](Progress& progress) {
         progress.Expect(std::int64_t{info.width} * info.height);

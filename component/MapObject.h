@@ -21,6 +21,7 @@ public:
     }
     PixelFormat Format() const override { return Held().record.format; }
     const Palette& ColourTable() const override { return Held().record.palette; }
+    Orientation ImageTurn() const override { return Held().turn; }
     double Zoom() const override { return Held().record.zoom; }
     void SetZoom(double zoom) override;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "component/imaging/RowReader.h"
 #include "component/storage/Container.h"
 #include "component/storage/Records.h"
 
@@ -11,6 +12,7 @@ struct MapState {
     MapRecord record;
     MetadataList metadata;
     std::shared_ptr<Container> container;
+    Orientation turn = Orientation::TopLeft; ///< of the image file it was added from; not stored
 
     /// The "name" metadata; when that is empty, the name given when the map was added.
     std::string Name() const;
