@@ -1,0 +1,66 @@
+#include "app/ImageChoosers.h"
+#include "app/ImageNames.h"
+#include "app/MapIconCommands.h"
+#include "app/Stamping.h"
+#include "dialogs/frmNewMap.h"
+
+namespace {
+
+constexpr const char* NewIconVersion = "1.0";
+
+void DescribeIcon(AtlavexIcon& icon, const QString& name, const QString& description) {
+    icon.SetMetadata("name", name.toStdString());
+    icon.SetMetadata("description", description.toStdString());
+    icon.SetMetadata("version", NewIconVersion);
+    icon.SetMetadata("created", NowText().toStdString());
+    icon.SetMetadata("lastchanged", NowText().toStdString());
+}
+
+} // namespace
+
+void MapIconCommands::AddIcon() {
+    AddIcon([this] { return ChooseIconImage(window_); });
+}
+
+void MapIconCommands::AddIcon(const QString& fileName) {
+    AddIcon([&fileName] { return std::optional(fileName); });
+}
+
+void MapIconCommands::AddIcon(const FileChooser& choose) {
+    if (const auto fileName = choose())
+        AddIconFrom(*fileName);
+    window_.EnableMenus();
+}
+
+void MapIconCommands::AddIconFrom(const QString& fileName) {
+    const auto settings = AskForIconSettings(ProposedName(fileName));
+    if (!settings)
+        return;
+    EnsureLibrary();
+    const auto icon = ImportIcon(fileName, settings->name);
+    if (icon == nullptr)
+        return;
+    state_.modified = true; // whatever follows: the icon is in the library
+    window_.RefillIcons(state_.objAtlavex->IconCount() - 1);
+    DescribeIcon(*icon, settings->name, settings->description);
+    window_.ShowPage(1);
+    window_.LayOut();
+}
+
+std::optional<MapIconCommands::NewMapSettings>
+MapIconCommands::AskForIconSettings(const QString& proposedName) {
+    frmNewMap form(window_.Widget());
+    form.SetName(proposedName);
+    form.ReduceToIcon();
+    form.exec();
+    if (!form.OK())
+        return std::nullopt;
+    return NewMapSettings{form.Name(), form.Description()};
+}
+
+std::shared_ptr<AtlavexIcon> MapIconCommands::ImportIcon(const QString& fileName, const QString& name) {
+    std::shared_ptr<AtlavexIcon> icon;
+    Import(
+        [&] { icon = state_.objAtlavex->AddIconFromImageFile(fileName.toStdString(), name.toStdString()); });
+    return icon;
+}

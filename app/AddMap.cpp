@@ -1,0 +1,136 @@
+#include "app/ImageChoosers.h"
+#include "app/ImageNames.h"
+#include "app/MapIconCommands.h"
+#include "app/ScaledFlag.h"
+#include "app/Stamping.h"
+#include "base/ComponentError.h"
+#include "catalogue/modConst.h"
+#include "dialogs/frmNewMap.h"
+#include "platform/modGUID.h"
+#include "platform/modMessages.h"
+
+namespace {
+
+/// Does one thing after another even when some fail; the first failure leaves at the end. A map that is in
+/// the library must be marked as unsaved whatever else goes wrong.
+class Steps {
+public:
+    void Do(const std::function<void()>& step) {
+        try {
+            step();
+        } catch (const ComponentError& error) {
+            if (!first_)
+                first_ = error;
+        }
+    }
+    void ThrowFirst() const {
+        if (first_)
+            throw ComponentError(*first_);
+    }
+
+private:
+    std::optional<ComponentError> first_;
+};
+
+void DescribeMap(AtlavexMap& map, const QString& name, const QString& description) {
+    map.SetMetadata("name", name.toStdString());
+    map.SetMetadata("description", description.toStdString());
+    map.SetMetadata("version", std::string(ApplicationName).append(" v").append(VersionText()));
+    map.SetMetadata("created", NowText().toStdString());
+    map.SetMetadata("lastchanged", NowText().toStdString());
+}
+
+} // namespace
+
+void MapIconCommands::AddMap() {
+    AddMap([this] { return ChooseMapImage(window_); });
+}
+
+void MapIconCommands::AddMap(const QString& fileName) {
+    AddMap([&fileName] { return std::optional(fileName); });
+}
+
+void MapIconCommands::AddMap(const FileChooser& choose) {
+    if (!MayAddMap())
+        return;
+    // A worldfile belongs to the map it was accepted for, and to no later one.
+    state_.pendingWorldfile.clear();
+    window_.SetHeader(QString());
+    if (const auto fileName = choose())
+        AddMapFrom(*fileName);
+    window_.EnableMenus();
+}
+
+bool MapIconCommands::MayAddMap() {
+    if (state_.currentMap == nullptr || state_.mapScaled)
+        return true;
+    ShowMessage(window_.Widget(), QStringLiteral("You must scale the current map before adding a new map"));
+    return false;
+}
+
+void MapIconCommands::AddMapFrom(const QString& fileName) {
+    const auto settings = AskForMapSettings(ProposedName(fileName));
+    if (!settings)
+        return;
+    EnsureLibrary();
+    const auto map = ImportMap(fileName, *settings);
+    if (map == nullptr)
+        return;
+    Steps steps;
+    steps.Do([&] { DescribeMap(*map, settings->name, settings->description); });
+    steps.Do([&] { window_.RefillMaps(state_.objAtlavex->MapCount() - 1); });
+    TakeNewMap();
+    AskForWorldfile(fileName);
+    steps.Do([&] { StartScaling(map); });
+    steps.ThrowFirst();
+}
+
+std::optional<MapIconCommands::NewMapSettings>
+MapIconCommands::AskForMapSettings(const QString& proposedName) {
+    frmNewMap form(window_.Widget());
+    const PreferredTile tile = window_.Tile();
+    form.SetTile(tile.width, tile.height);
+    form.SetName(proposedName);
+    form.exec();
+    if (!form.OK())
+        return std::nullopt;
+    return NewMapSettings{form.Name(), form.Description(), form.TileWidth(), form.TileHeight()};
+}
+
+std::shared_ptr<AtlavexMap> MapIconCommands::ImportMap(const QString& fileName,
+                                                       const NewMapSettings& settings) {
+    std::shared_ptr<AtlavexMap> map;
+    Import([&] {
+        map = state_.objAtlavex->AddMapFromImageFile(fileName.toStdString(), settings.name.toStdString(),
+                                                     settings.tileWidth, settings.tileHeight);
+        map->SetIdentifier(CreateGUID());
+    });
+    return map;
+}
+
+void MapIconCommands::TakeNewMap() {
+    // The wizard of the map shown until now has no map any more.
+    window_.DiscardWizard();
+    SetScaled(state_, window_, false);
+    state_.modified = true;
+    window_.ShowPage(0);
+    window_.LayOut();
+}
+
+void MapIconCommands::AskForWorldfile(const QString& fileName) {
+    const QString worldfile = WorldfileFor(fileName);
+    if (!worldfile.isEmpty() && IsPlainFile(worldfile) &&
+        AskYesNo(window_.Widget(), QStringLiteral("Worldfile found. Do you want to use it?")))
+        state_.pendingWorldfile = worldfile;
+}
+
+void MapIconCommands::StartScaling(const std::shared_ptr<AtlavexMap>& map) {
+    if (state_.pendingWorldfile.isEmpty()) {
+        window_.StartScalingWizard();
+        return;
+    }
+    window_.StartWorldfileWizard(map);
+    // The worldfile sets the flag alone; the status line is this command's.
+    if (state_.mapScaled)
+        SetScaled(state_, window_, true);
+}

@@ -1,0 +1,86 @@
+#include "app/EntryLists.h"
+
+#include "base/CheckedNumbers.h"
+#include "view/clsBitmapView.h"
+
+#include <QComboBox>
+#include <QSignalBlocker>
+
+namespace {
+
+/// The library's position of a list entry, in the 16 bits it is counted in.
+std::int16_t PositionOf(int entry) {
+    return CheckedAdd(CheckedNarrow<std::int16_t>(entry), std::int16_t{1});
+}
+
+void Refill(QComboBox& list, const QStringList& names) {
+    const QSignalBlocker silent(list);
+    list.clear();
+    list.addItems(names);
+    list.setCurrentIndex(-1);
+}
+
+void Mark(QComboBox& list, int entry) {
+    const QSignalBlocker silent(list);
+    list.setCurrentIndex(entry);
+}
+
+QString SizeText(const QString& what, const clsBitmapView& view) {
+    if (view.objBitmap() == nullptr)
+        return {};
+    return what + QStringLiteral(" size: (") + QString::number(view.MapWidth()) + QStringLiteral(", ") +
+           QString::number(view.MapHeight()) + QLatin1Char(')');
+}
+
+} // namespace
+
+EntryLists::EntryLists(EditorState& state, QComboBox& maps, QComboBox& icons, clsBitmapView& mapView,
+                       clsBitmapView& iconView)
+    : state_(state), maps_(maps), icons_(icons), mapView_(mapView), iconView_(iconView) {}
+
+void EntryLists::RefillMaps() {
+    QStringList names;
+    if (state_.objAtlavex != nullptr)
+        for (std::int32_t position = 1; position <= state_.objAtlavex->MapCount(); ++position)
+            names += QString::fromStdString(
+                state_.objAtlavex->GetMap(state_.objAtlavex->MapIdAt(position))->Name());
+    Refill(maps_, names);
+    state_.rememberedMap = -1;
+}
+
+void EntryLists::RefillIcons() {
+    QStringList names;
+    if (state_.objAtlavex != nullptr)
+        for (std::int32_t position = 1; position <= state_.objAtlavex->IconCount(); ++position)
+            names += QString::fromStdString(
+                state_.objAtlavex->GetIcon(state_.objAtlavex->IconIdAt(position))->Name());
+    Refill(icons_, names);
+}
+
+void EntryLists::SelectMap(int entry) {
+    const auto map = state_.objAtlavex->GetMap(state_.objAtlavex->MapIdAt(PositionOf(entry)));
+    state_.currentMap = map;
+    mapView_.SetMap(map);
+    mapView_.SetMapWidth(map->Width());
+    mapView_.SetMapHeight(map->Height());
+    mapView_.AdjustSize();
+    Mark(maps_, entry);
+    state_.rememberedMap = CheckedNarrow<std::int16_t>(entry);
+}
+
+void EntryLists::SelectIcon(int entry) {
+    const auto icon = state_.objAtlavex->GetIcon(state_.objAtlavex->IconIdAt(PositionOf(entry)));
+    const auto image = icon->Image();
+    state_.currentIcon = icon;
+    iconView_.SetObjBitmap(image);
+    iconView_.AdjustSize();
+    Mark(icons_, entry);
+}
+
+QString MapSizeText(const clsBitmapView& view) {
+    return SizeText(QStringLiteral("Bitmap"), view);
+}
+
+QString IconSizeText(const clsBitmapView& view) {
+    return SizeText(QStringLiteral("Icon"), view);
+}

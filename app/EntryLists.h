@@ -1,0 +1,35 @@
+#pragma once
+
+#include "app/EditorState.h"
+
+#include <QString>
+
+class QComboBox;
+class clsBitmapView;
+
+/// The lists of maps and icons: what stands in them, and what becomes current when an entry is chosen.
+/// Entries count from 0, -1 is none; the library's positions count from 1.
+class EntryLists {
+public:
+    EntryLists(EditorState& state, QComboBox& maps, QComboBox& icons, clsBitmapView& mapView,
+               clsBitmapView& iconView);
+
+    /// Refills the list with the names in library order; no entry is selected. No signal comes.
+    void RefillMaps();
+    void RefillIcons();
+    /// Fetches the entry anew, shows it and makes it current. ErrorNumber::Overflow, NoSuchMap, NoSuchIcon.
+    void SelectMap(int entry);
+    void SelectIcon(int entry);
+
+private:
+    EditorState& state_;
+    QComboBox& maps_;
+    QComboBox& icons_;
+    clsBitmapView& mapView_;
+    clsBitmapView& iconView_;
+};
+
+/// "Bitmap size: (600, 400)" of what the map view shows, empty when it shows nothing; likewise "Icon size:
+/// …".
+QString MapSizeText(const clsBitmapView& view);
+QString IconSizeText(const clsBitmapView& view);

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+class EditorWindow;
+
+// The file dialogs of the File menu; nothing when cancelled. Open and merge share what they remember, so that
+// both start in the folder last used by either.
+
+std::optional<QString> ChooseLibraryToOpen(EditorWindow& window);
+std::optional<QString> ChooseLibraryToMerge(EditorWindow& window);
+std::optional<QString> ChooseLibraryToSave(EditorWindow& window);

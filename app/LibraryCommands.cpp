@@ -1,0 +1,202 @@
+#include "app/LibraryCommands.h"
+
+#include "app/LibraryChoosers.h"
+#include "app/ScaledFlag.h"
+#include "app/Stamping.h"
+#include "base/CheckedNumbers.h"
+#include "platform/modMessages.h"
+
+#include <algorithm>
+
+bool LibraryCommands::AskToSave() {
+    bool mayGoOn = true;
+    if (state_.objAtlavex != nullptr && state_.modified) {
+        switch (AskYesNoCancel(window_.Widget(), QStringLiteral("Do you want to save current Atlavex?"))) {
+        case Answer::Yes:
+            mayGoOn = SaveLibrary();
+            break;
+        case Answer::No:
+            break;
+        case Answer::Cancel:
+            mayGoOn = false;
+            break;
+        }
+    }
+    window_.ClearDisplay();
+    return mayGoOn;
+}
+
+void LibraryCommands::NewLibrary() {
+    window_.ClearDisplay();
+    state_.objAtlavex.reset();
+    state_.modified = false;
+    state_.fileName.clear();
+    state_.encryptionKey.clear(); // the key is that of the open library, and there is none
+    SetScaled(state_, window_, false);
+    window_.SetTitle(QString());
+    state_.rememberedMap = -1;
+    window_.RefillIcons(-1);
+    window_.RefillMaps(-1);
+}
+
+void LibraryCommands::OpenLibrary() {
+    if (!AskToSave())
+        return;
+    if (const auto fileName = ChooseLibraryToOpen(window_))
+        LoadLibrary(*fileName);
+}
+
+void LibraryCommands::OpenFile(const QString& fileName) {
+    if (AskToSave())
+        LoadLibrary(fileName);
+}
+
+LibraryCommands::Counts LibraryCommands::CountEntries() const {
+    return {state_.objAtlavex->MapCount(), state_.objAtlavex->IconCount()};
+}
+
+void LibraryCommands::StartEmptyLibrary() {
+    window_.ClearDisplay();
+    state_.objAtlavex = window_.CreateLibrary();
+    // A key belongs to the library that it opened; a mistyped one must never seal the next save.
+    state_.encryptionKey.clear();
+    window_.RefillIcons(-1);
+    window_.RefillMaps(-1);
+}
+
+std::optional<QString> LibraryCommands::AskForKey(bool sealed) {
+    if (!sealed)
+        return QString();
+    const auto key =
+        AskText(window_.Widget(), QStringLiteral("Atlavex is encrypted. Please enter the encryption key:"));
+    return key && !key->isEmpty() ? key : std::nullopt;
+}
+
+void LibraryCommands::LoadLibrary(const QString& fileName) {
+    StartEmptyLibrary();
+    const std::string file = fileName.toStdString();
+    // The component's hosts ask twice, and the second answer counts: that is the agreed sequence of calls.
+    state_.objAtlavex->IsEncrypted(file);
+    const auto key = AskForKey(state_.objAtlavex->IsEncrypted(file));
+    if (!key)
+        return;
+
+    const Counts before = CountEntries();
+    {
+        const ComponentCall call(window_);
+        state_.objAtlavex->LoadFromFile(file, key->toStdString());
+    }
+    if (CountEntries() == before) {
+        ShowMessage(
+            window_.Widget(),
+            QStringLiteral("No data was loaded. Possibly the file is encrypted and your key was incorrect?"));
+        return;
+    }
+    state_.encryptionKey = *key;
+    TakeLoadedFile(fileName);
+}
+
+void LibraryCommands::TakeLoadedFile(const QString& fileName) {
+    state_.fileName = fileName;
+    state_.modified = false;
+    window_.RefillIcons(0);
+    window_.RefillMaps(0);
+    TakeStoredScaling(state_, window_);
+    window_.SetTitle(fileName);
+    window_.EnableMenus();
+}
+
+bool LibraryCommands::MayBeSaved() {
+    if (state_.objAtlavex == nullptr)
+        return false;
+    if (state_.objAtlavex->MapCount() > 0 && !state_.mapScaled) {
+        ShowMessage(window_.Widget(),
+                    QStringLiteral("You must scale the map before you can save the Atlavex!"));
+        return false;
+    }
+    return true;
+}
+
+bool LibraryCommands::SaveLibrary() {
+    if (!MayBeSaved())
+        return false;
+    if (state_.fileName.isEmpty())
+        return SaveLibraryAs();
+    SaveTo(state_.fileName);
+    window_.EnableMenus();
+    return true;
+}
+
+bool LibraryCommands::SaveLibraryAs() {
+    if (!MayBeSaved())
+        return false;
+    const auto fileName = ChooseLibraryToSave(window_);
+    if (!fileName)
+        return false;
+    SaveTo(*fileName);
+    state_.fileName = *fileName;
+    window_.SetTitle(*fileName);
+    window_.EnableMenus();
+    return true;
+}
+
+void LibraryCommands::SaveTo(const QString& fileName) {
+    const int map = window_.MapEntry();
+    const int icon = window_.IconEntry();
+    StampLastChanged(*state_.objAtlavex);
+    CompleteIdentifiers(*state_.objAtlavex);
+    {
+        const ComponentCall call(window_);
+        state_.objAtlavex->SaveToFile(fileName.toStdString(), state_.encryptionKey.toStdString());
+    }
+    state_.modified = false;
+    SelectAgain(map, icon);
+}
+
+void LibraryCommands::SelectAgain(int map, int icon) {
+    if (map >= 0)
+        window_.SelectMap(map);
+    if (icon >= 0)
+        window_.SelectIcon(icon);
+    window_.ShowSizeOfPage();
+}
+
+void LibraryCommands::MergeLibrary() {
+    if (state_.objAtlavex == nullptr)
+        return;
+    const auto fileName = ChooseLibraryToMerge(window_);
+    if (!fileName)
+        return;
+    const std::string file = fileName->toStdString();
+    const auto key = AskForKey(state_.objAtlavex->IsEncrypted(file));
+    if (!key)
+        return;
+    const Counts before{window_.MapEntries(), window_.IconEntries()};
+    {
+        const ComponentCall call(window_);
+        state_.objAtlavex->MergeFromFile(file, key->toStdString());
+    }
+    ReportMerge(before);
+}
+
+void LibraryCommands::ReportMerge(const Counts& before) {
+    const Counts after = CountEntries();
+    if (after == before) {
+        ShowMessage(
+            window_.Widget(),
+            QStringLiteral(
+                "No data was loaded/merged. Possibly the file is encrypted and your key was incorrect?"));
+        return;
+    }
+    window_.RefillIcons(std::max(window_.IconEntry(), 0));
+    const bool noneCurrent = state_.currentMap == nullptr;
+    window_.RefillMaps(std::max(window_.MapEntry(), 0));
+    if (noneCurrent)
+        TakeStoredScaling(state_, window_);
+    const auto added = [](std::int32_t now, std::int32_t then) {
+        return QString::number(CheckedNarrow<std::int16_t>(now - then));
+    };
+    ShowMessage(window_.Widget(), QStringLiteral("Merge complete. \r\n") + added(after.maps, before.maps) +
+                                      QStringLiteral(" map(s) added.\r\n") +
+                                      added(after.icons, before.icons) + QStringLiteral(" icon(s) added."));
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "app/EditorState.h"
+#include "app/EditorWindow.h"
+
+#include <optional>
+
+/// What the File menu does with whole library files. A component's error leaves every operation as a
+/// ComponentError, with pointer and window restored; what is said of the state holds then, too.
+class LibraryCommands {
+public:
+    LibraryCommands(EditorState& state, EditorWindow& window) : state_(state), window_(window) {}
+
+    /// Asks to save what is unsaved, then empties the display, whatever the answer; whether the caller may go
+    /// on.
+    bool AskToSave();
+    void NewLibrary();
+    void OpenLibrary();
+    /// The same for a file that was named otherwise than in the open dialog.
+    void OpenFile(const QString& fileName);
+    /// Takes a fresh library and loads the file into it, asking for the key of a sealed one.
+    void LoadLibrary(const QString& fileName);
+    /// Whether it was saved.
+    bool SaveLibrary();
+    bool SaveLibraryAs();
+    void MergeLibrary();
+
+private:
+    struct Counts {
+        std::int32_t maps = 0;
+        std::int32_t icons = 0;
+        bool operator==(const Counts&) const = default;
+    };
+
+    Counts CountEntries() const;
+    void StartEmptyLibrary();
+    /// The key for the file, empty for a plain one; nothing when the user gave none.
+    std::optional<QString> AskForKey(bool sealed);
+    void TakeLoadedFile(const QString& fileName);
+    bool MayBeSaved();
+    void SaveTo(const QString& fileName);
+    void SelectAgain(int map, int icon);
+    void ReportMerge(const Counts& before);
+
+    EditorState& state_;
+    EditorWindow& window_;
+};

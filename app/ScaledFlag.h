@@ -1,0 +1,11 @@
+#pragma once
+
+struct EditorState;
+class EditorWindow;
+
+/// Says whether the current map is scaled: the editor's flag and the status line together.
+void SetScaled(EditorState& state, EditorWindow& window, bool scaled);
+
+/// The same from what is stored with the current map: for a map that becomes current through a load or the
+/// user's choice. Without a current map: not scaled.
+void TakeStoredScaling(EditorState& state, EditorWindow& window);

@@ -1,0 +1,129 @@
+#include "app/frmMain.h"
+
+#include "app/ArrowKeys.h"
+#include "app/EntryLists.h"
+#include "app/LibraryCommands.h"
+#include "app/MapIconCommands.h"
+#include "app/MapZoom.h"
+#include "app/ProgressDisplay.h"
+#include "app/WizardCommands.h"
+#include "app/modResize.h"
+#include "dialogs/frmPreferences.h"
+#include "platform/modMessages.h"
+#include "ui_frmMain.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+
+frmMain::frmMain(bool diagnosticMode, LibraryMaker makeLibrary)
+    : makeLibrary_(std::move(makeLibrary)), ui_(std::make_unique<Ui::frmMain>()) {
+    state_.diagnosticMode = diagnosticMode;
+    ui_->setupUi(this);
+    fileDialog_ = new QFileDialog(this);
+    fileDialog_->setObjectName(QStringLiteral("FileDialog"));
+    preferences_ = new frmPreferences(this);
+    progress_ = std::make_unique<ProgressDisplay>(*this, state_);
+    lists_ = std::make_unique<EntryLists>(state_, *ui_->ddMaps, *ui_->ddIcons, mapView_, iconView_);
+    zoom_ = std::make_unique<MapZoom>(*ui_->sldZoom, *ui_->lbZoomPercentage, mapView_);
+    EditorWindow& window = *this;
+    libraryCommands_ = std::make_unique<LibraryCommands>(state_, window);
+    mapIconCommands_ = std::make_unique<MapIconCommands>(state_, window);
+    wizardCommands_ = std::make_unique<WizardCommands>(state_, window);
+}
+
+frmMain::~frmMain() {
+    // The views hold maps of the library and use the viewers, which go with the window's own parts.
+    mapView_.Clear();
+    iconView_.Clear();
+}
+
+void frmMain::Form_Load(const QString& commandLine) {
+    if (!state_.diagnosticMode)
+        HoldSizeLimits(*this);
+    iconView_.SetScrollBars(ui_->hscrollIcon, ui_->vscrollIcon);
+    iconView_.SetViewer(ui_->viewerIcon);
+    mapView_.SetScrollBars(ui_->hscrollMap, ui_->vscrollMap);
+    mapView_.SetViewer(ui_->viewerMap);
+    ui_->tabAtlavex->setCurrentIndex(0);
+    ConnectMenus();
+    SetShortcuts();
+    ConnectControls();
+    EnableMenus();
+    state_.rememberedMap = -1;
+    SetHeader(QStringLiteral("Header"));
+    LoadFromCommandLine(commandLine);
+}
+
+void frmMain::LoadFromCommandLine(const QString& commandLine) {
+    QString file = commandLine;
+    if (file.startsWith(QLatin1Char('"'))) {
+        file.chop(1);
+        file.remove(0, 1);
+    }
+    if (file.isEmpty())
+        return;
+    Run([&] { libraryCommands_->LoadLibrary(file); });
+}
+
+void frmMain::Run(const std::function<void()>& command) {
+    if (state_.busy)
+        return;
+    try {
+        command();
+    } catch (const std::exception& error) {
+        ShowMessage(this, QString::fromUtf8(error.what()));
+    }
+    EnableMenus();
+}
+
+void frmMain::Quietly(const std::function<void()>& handler) noexcept {
+    try {
+        handler();
+    } catch (const std::exception&) {
+        // What is shown stays as it was; every command that reads the same will say what is wrong.
+        return;
+    }
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+    // The window manager asks a disabled window, too.
+    event->setAccepted(false);
+    if (state_.busy)
+        return;
+    bool mayClose = false;
+    Run([&] { mayClose = libraryCommands_->AskToSave(); });
+    // The limits go even when the window stays: a window that was to be closed is no longer held.
+    if (!state_.diagnosticMode)
+        DropSizeLimits(*this);
+    event->setAccepted(mayClose);
+}
+
+PreferredTile frmMain::Tile() const {
+    return {preferences_->TileWidth(), preferences_->TileHeight()};
+}
+
+std::shared_ptr<AtlavexLibrary> frmMain::CreateLibrary() {
+    LibraryOptions options;
+    const QString folder = preferences_->TemporaryFolder();
+    if (QFileInfo(folder).isDir())
+        options.scratchFolder = folder.toStdString();
+    std::shared_ptr<AtlavexLibrary> library = makeLibrary_(options);
+    progress_->Follow(*library);
+    return library;
+}
+
+void frmMain::BeginCall() {
+    state_.busy = true;
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    mapView_.SetBusy(true);
+    iconView_.SetBusy(true);
+}
+
+void frmMain::EndCall() {
+    QApplication::restoreOverrideCursor();
+    state_.busy = false;
+    Quietly([this] { mapView_.SetBusy(false); });
+    Quietly([this] { iconView_.SetBusy(false); });
+}

@@ -1,0 +1,147 @@
+#pragma once
+
+#include "app/EditorState.h"
+#include "app/EditorWindow.h"
+#include "view/clsBitmapView.h"
+
+#include <QMainWindow>
+
+#include <functional>
+#include <memory>
+
+class ArrowKeys;
+class EntryLists;
+class LibraryCommands;
+class MapIconCommands;
+class MapZoom;
+class ProgressDisplay;
+class WizardCommands;
+class frmPreferences;
+
+namespace Ui {
+class frmMain;
+}
+
+/// The one main window: its controls, the handlers of its menus and controls, and which menu entries are
+/// enabled. What a command does stands in LibraryCommands, MapIconCommands and WizardCommands.
+class frmMain : public QMainWindow, private EditorWindow {
+    Q_OBJECT
+
+public:
+    using LibraryMaker = std::function<std::shared_ptr<AtlavexLibrary>(const LibraryOptions&)>;
+
+    explicit frmMain(bool diagnosticMode = false, LibraryMaker makeLibrary = CreateAtlavexLibrary);
+    ~frmMain() override;
+
+    /// To be called once, before the window is shown. `commandLine` is empty or the path of a library file,
+    /// possibly in double quotes, which is loaded.
+    void Form_Load(const QString& commandLine);
+
+    const EditorState& State() const { return state_; }
+
+protected:
+    /// Form_Unload: asks to save; the window stays when the user cancels.
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    // Menus (frmMainMenus.cpp).
+    void ConnectMenus();
+    void SetShortcuts();
+    void mFileNewAtlavex_Click();
+    void mFileOpenAtlavex_Click();
+    void mnuMerge_Click();
+    void mnuAtlavexProperties_Click();
+    void mFileSaveAtlavex_Click();
+    void mFileSaveAtlavexAs_Click();
+    void mnuTileExport_Click();
+    void mFilePreferences_Click();
+    void mFileExit_Click();
+    void mBitmapNew_Click();
+    void mBitmapRename_Click();
+    void mBitmapDelete_Click();
+    void mnuMapMetaData_Click();
+    void mBitmapScalingWizard_Click();
+    void mIconsNewIcon_Click();
+    void mIconsRenameIcons_Click();
+    void mIconsDeleteIcon_Click();
+    void mnuIconMetaData_Click();
+    void mIconsOffset_Click();
+    void mHelpGuide_Click();
+    void mHelpAbout_Click();
+
+    // Controls (frmMainControls.cpp).
+    void ConnectControls();
+    void ddMaps_Click(int entry);
+    void ddIcons_Click(int entry);
+    void tabAtlavex_Click();
+    void sldZoom_Change();
+    void hscrollMap_Change();
+    void vscrollMap_Change();
+    void hscrollIcon_Change();
+    void vscrollIcon_Change();
+    void viewerMap_MouseMove(const QPoint& position);
+    void viewerMap_Click(const QPoint& position);
+    void viewerMap_Resize();
+    void viewerMap_Zoom(int steps, const QPoint& position);
+    void viewer_Pan(const QPoint& delta);
+    void ShowActualSize();
+    void ShowWhole();
+    void Form_KeyDown(const QKeyEvent& key);
+    void CopyReadOut();
+    void OpenDropped(const QString& file);
+
+    /// Runs a command: nothing when one is running, a component's error shown, the menus right afterwards.
+    void Run(const std::function<void()>& command);
+    /// Runs what must stay silent when it fails: mouse moves, scrolling, layout.
+    void Quietly(const std::function<void()>& handler) noexcept;
+    void LoadFromCommandLine(const QString& commandLine);
+    void ShowReadOut(const QPoint& position);
+
+    // What the commands ask of this window.
+    QWidget* Widget() override { return this; }
+    QFileDialog& FileDialog() override { return *fileDialog_; }
+    clsBitmapView& MapView() override { return mapView_; }
+    clsBitmapView& IconView() override { return iconView_; }
+    PreferredTile Tile() const override;
+    std::shared_ptr<AtlavexLibrary> CreateLibrary() override;
+    void SetTitle(const QString& name) override;
+    void SetHeader(const QString& text) override;
+    void SetStatus(const QString& text) override;
+    void SetSizeText(const QString& text) override;
+    void ShowSizeOfPage() override;
+    void RefillMaps(int select) override;
+    void RefillIcons(int select) override;
+    void SelectMap(int entry) override;
+    void SelectIcon(int entry) override;
+    int MapEntry() const override;
+    int IconEntry() const override;
+    int MapEntries() const override;
+    int IconEntries() const override;
+    void ClearDisplay() override;
+    void EnableMenus() override;
+    void ShowPage(int page) override;
+    void LayOut() override;
+    void EnableZoom(bool enabled) override;
+    void BeginCall() override;
+    void EndCall() override;
+    void StartScalingWizard() override;
+    void StartWorldfileWizard(const std::shared_ptr<AtlavexMap>& map) override;
+    void DiscardWizard() override;
+
+    EditorState state_;
+    LibraryMaker makeLibrary_;
+    std::unique_ptr<Ui::frmMain> ui_;
+    clsBitmapView mapView_;
+    clsBitmapView iconView_;
+    QFileDialog* fileDialog_ = nullptr;     ///< owned by this window
+    frmPreferences* preferences_ = nullptr; ///< owned by this window
+    std::unique_ptr<ArrowKeys> arrowKeys_;
+    std::unique_ptr<ProgressDisplay> progress_;
+    std::unique_ptr<EntryLists> lists_;
+    std::unique_ptr<MapZoom> zoom_;
+    std::unique_ptr<LibraryCommands> libraryCommands_;
+    std::unique_ptr<MapIconCommands> mapIconCommands_;
+    std::unique_ptr<WizardCommands> wizardCommands_;
+};

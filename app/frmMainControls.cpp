@@ -1,0 +1,187 @@
+// The controls of the main window: lists, pages, zoom, viewers, keys and dropped files.
+
+#include "app/ArrowKeys.h"
+#include "app/EntryLists.h"
+#include "app/LibraryCommands.h"
+#include "app/MapIconCommands.h"
+#include "app/MapZoom.h"
+#include "app/ReadOut.h"
+#include "app/ScaledFlag.h"
+#include "app/ScrollKeys.h"
+#include "app/WheelGuard.h"
+#include "app/WizardCommands.h"
+#include "app/frmMain.h"
+#include "component/viewer/KarvelViewer.h"
+#include "dialogs/frmPreferences.h"
+#include "platform/modMessages.h"
+#include "ui_frmMain.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDragEnterEvent>
+#include <QMimeData>
+#include <QShortcut>
+
+void frmMain::ConnectControls() {
+    connect(ui_->ddMaps, &QComboBox::activated, this, &frmMain::ddMaps_Click);
+    connect(ui_->ddIcons, &QComboBox::activated, this, &frmMain::ddIcons_Click);
+    connect(ui_->tabAtlavex, &QTabWidget::currentChanged, this, &frmMain::tabAtlavex_Click);
+    connect(ui_->sldZoom, &QSlider::valueChanged, this, &frmMain::sldZoom_Change);
+    connect(ui_->hscrollMap, &QScrollBar::valueChanged, this, &frmMain::hscrollMap_Change);
+    connect(ui_->vscrollMap, &QScrollBar::valueChanged, this, &frmMain::vscrollMap_Change);
+    connect(ui_->hscrollIcon, &QScrollBar::valueChanged, this, &frmMain::hscrollIcon_Change);
+    connect(ui_->vscrollIcon, &QScrollBar::valueChanged, this, &frmMain::vscrollIcon_Change);
+
+    connect(ui_->viewerMap, &KarvelViewer::MouseMoved, this, &frmMain::viewerMap_MouseMove);
+    connect(ui_->viewerMap, &KarvelViewer::Clicked, this, &frmMain::viewerMap_Click);
+    connect(ui_->viewerMap, &KarvelViewer::Resized, this, &frmMain::viewerMap_Resize);
+    connect(ui_->viewerMap, &KarvelViewer::ZoomTurned, this, &frmMain::viewerMap_Zoom);
+    for (KarvelViewer* const viewer : {ui_->viewerMap, ui_->viewerIcon}) {
+        connect(viewer, &KarvelViewer::Panned, this, &frmMain::viewer_Pan);
+        connect(viewer, &KarvelViewer::Turned, this, &frmMain::viewer_Pan);
+    }
+
+    mapView_.OnViewChanged = [this] { wizardCommands_->ShowMarks(); };
+    auto* const guard = new WheelGuard(this);
+    for (QWidget* const control : std::initializer_list<QWidget*>{ui_->ddMaps, ui_->ddIcons, ui_->sldZoom})
+        control->installEventFilter(guard);
+    arrowKeys_ = std::make_unique<ArrowKeys>(
+        *this, std::vector<QWidget*>{ui_->viewerMap, ui_->hscrollMap, ui_->vscrollMap},
+        [this](const QKeyEvent& key) { Form_KeyDown(key); });
+    const auto shortcut = [this](const QKeySequence& keys, void (frmMain::*handler)()) {
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, handler);
+    };
+    shortcut(Qt::CTRL | Qt::Key_0, &frmMain::ShowActualSize);
+    shortcut(Qt::CTRL | Qt::Key_9, &frmMain::ShowWhole);
+    shortcut(QKeySequence::Copy, &frmMain::CopyReadOut);
+}
+
+void frmMain::ddMaps_Click(int entry) {
+    Run([this, entry] {
+        if (state_.currentMap != nullptr && !state_.mapScaled) {
+            if (entry == state_.rememberedMap)
+                return;
+            ShowMessage(this, QStringLiteral("Current map must be scaled first!"));
+            ui_->ddMaps->setCurrentIndex(state_.rememberedMap);
+            return;
+        }
+        const auto before = state_.currentMap;
+        SelectMap(entry);
+        TakeStoredScaling(state_, *this);
+        if (state_.currentMap != before)
+            wizardCommands_->Discard();
+    });
+}
+
+void frmMain::ddIcons_Click(int entry) {
+    Run([this, entry] { SelectIcon(entry); });
+}
+
+void frmMain::tabAtlavex_Click() {
+    ShowSizeOfPage();
+    EnableMenus();
+}
+
+void frmMain::sldZoom_Change() {
+    Quietly([this] { zoom_->Follow(); });
+}
+
+void frmMain::hscrollMap_Change() {
+    Quietly([this] { mapView_.ChangeHScroll(); });
+}
+
+void frmMain::vscrollMap_Change() {
+    Quietly([this] { mapView_.ChangeVScroll(); });
+}
+
+void frmMain::hscrollIcon_Change() {
+    Quietly([this] { iconView_.ChangeHScroll(); });
+}
+
+void frmMain::vscrollIcon_Change() {
+    Quietly([this] { iconView_.ChangeVScroll(); });
+}
+
+void frmMain::viewerMap_MouseMove(const QPoint& position) {
+    if (!state_.busy && state_.currentMap != nullptr && state_.mapScaled && !wizardCommands_->IsRunning())
+        Quietly([&] { ShowReadOut(position); });
+}
+
+void frmMain::viewerMap_Click(const QPoint& position) {
+    Run([&] {
+        if (wizardCommands_->IsRunning())
+            wizardCommands_->WizardMapClick(mapView_.PixelAt(position));
+        else if (state_.currentMap == nullptr)
+            mapIconCommands_->AddMap();
+        else if (!state_.mapScaled)
+            wizardCommands_->StartScalingWizard();
+        else
+            Quietly([&] { ShowReadOut(position); });
+    });
+}
+
+void frmMain::ShowReadOut(const QPoint& position) {
+    const ImagePixel pixel = mapView_.PixelAt(position);
+    const WorldPosition world =
+        state_.currentMap->PixelToWorld({static_cast<double>(pixel.x), static_cast<double>(pixel.y)});
+    SetStatus(state_.currentMap->HasGrid()
+                  ? GridReadOut(world.x, world.y)
+                  : GeographicReadOut(world.x, world.y,
+                                      preferences_->Radians() ? AngleUnit::Radians : AngleUnit::Degrees));
+}
+
+void frmMain::viewerMap_Resize() {
+    Quietly([this] { zoom_->LimitSlider(); });
+}
+
+void frmMain::viewerMap_Zoom(int steps, const QPoint& position) {
+    Quietly([&] { zoom_->TurnAbout(steps, position); });
+}
+
+void frmMain::viewer_Pan(const QPoint& delta) {
+    Quietly([&] { (sender() == ui_->viewerMap ? mapView_ : iconView_).ScrollBy(-delta); });
+}
+
+void frmMain::ShowActualSize() {
+    Quietly([this] { zoom_->ShowActualSize(); });
+}
+
+void frmMain::ShowWhole() {
+    Quietly([this] { zoom_->ShowWhole(); });
+}
+
+void frmMain::Form_KeyDown(const QKeyEvent& key) {
+    Quietly([&] {
+        if (!wizardCommands_->ViewerKey(key))
+            ScrollByKey(key, {mapView_.MapWidth(), mapView_.MapHeight()}, *ui_->hscrollMap, *ui_->vscrollMap);
+    });
+}
+
+void frmMain::CopyReadOut() {
+    QApplication::clipboard()->setText(ui_->lStatus->text());
+}
+
+void frmMain::dragEnterEvent(QDragEnterEvent* event) {
+    const QList<QUrl> urls = event->mimeData()->urls();
+    if (!state_.busy && urls.size() == 1 && urls.front().isLocalFile())
+        event->acceptProposedAction();
+}
+
+void frmMain::dropEvent(QDropEvent* event) {
+    event->acceptProposedAction();
+    const QString file = event->mimeData()->urls().front().toLocalFile();
+    // Dialogs would hold up the program that the file comes from: it waits for the drop to end.
+    QMetaObject::invokeMethod(
+        this, [this, file] { OpenDropped(file); }, Qt::QueuedConnection);
+}
+
+void frmMain::OpenDropped(const QString& file) {
+    Run([&] {
+        if (file.endsWith(QStringLiteral(".Atlavex"), Qt::CaseInsensitive))
+            libraryCommands_->OpenFile(file);
+        else if (ui_->tabAtlavex->currentIndex() == 0)
+            mapIconCommands_->AddMap(file);
+        else
+            mapIconCommands_->AddIcon(file);
+    });
+}

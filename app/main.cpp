@@ -1,0 +1,8 @@
+#include "app/modMain.h"
+
+#include <QApplication>
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    return RunStudio(application);
+}
