@@ -13,10 +13,7 @@ step() { printf '\n== %s\n' "$1"; }
 seconds() { date +%s.%N; }
 took() { awk -v from="$1" -v to="$(seconds)" 'BEGIN { printf "%.2f s", to - from }'; }
 
-if [ ! -f $sheets/truth.json ]; then
-    step "Draw the sample sheets (once)"
-    /usr/bin/python3 samples/make_sheets.py $sheets
-fi
+tools/sample-sheets.sh
 
 step "Make a library and add the sheet, georeferenced by its worldfile"
 begin=$(seconds)
@@ -40,6 +37,11 @@ step "Take the pixels out again and compare with the sheet"
 "$atlavex" extract "$library" 1 --out "$folder/again.tif"
 /usr/bin/python3 tools/sample-truth.py same $sheets/sheet-rgb.tif "$folder/again.tif"
 
+step "Show it in the editor, on a screen that nobody sees"
+mkdir -p build
+tools/editor-picture.sh "$library" build/sample-editor.png
+echo "See build/sample-editor.png."
+
 step "Seal it under a key, try a wrong one, open it with the right one"
 printf 'sixteen letters!' >"$folder/key"
 printf 'another key' >"$folder/wrong"
@@ -58,7 +60,6 @@ mkdir "$folder/tiles"
 echo "$(find "$folder/tiles" -name '*.png' | wc -l) tiles in $(took "$begin")."
 
 step "Draw a view of the sheet"
-mkdir -p build
 "$atlavex" render "$library" 1 --zoom 0.25 --at 0,0 --size 1500x1000 --out build/sample-view.png --key-file "$folder/key"
 echo "See build/sample-view.png."
 
