@@ -23,6 +23,7 @@ void InParallel(std::size_t count, int threads,
     std::vector<std::exception_ptr> failures(static_cast<std::size_t>(threads));
     {
         std::vector<std::jthread> workers;
+        workers.reserve(failures.size());
         for (int i = 0; i < threads; ++i)
             workers.emplace_back([&, i] {
                 try {

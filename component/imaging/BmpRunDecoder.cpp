@@ -102,8 +102,9 @@ void BmpRunDecoder::PutRun(int count) {
 }
 
 void BmpRunDecoder::PutLiterals(int count) {
+    constexpr std::size_t MostBytes = 3 * std::size_t{255}; // the count is one byte, a pixel at most three
     const int bytes = (count * header_.bits + 7) / 8;
-    std::array<std::uint8_t, 3 * 255> values{};
+    std::array<std::uint8_t, MostBytes> values{};
     for (int byte = 0; byte < bytes; ++byte)
         values[static_cast<std::size_t>(byte)] = RequiredByte();
     if (bytes % 2 != 0)

@@ -33,9 +33,9 @@ struct JpegCoefficients::Array {
     }
 };
 
-void JpegCoefficients::DeleteArray::operator()(Array* array) const {
-    delete array;
-}
+JpegCoefficients::JpegCoefficients(LibraryExit& exit) : exit_(exit) {}
+
+JpegCoefficients::~JpegCoefficients() = default;
 
 void JpegCoefficients::Attach(jpeg_decompress_struct& codec) {
     codec.mem->request_virt_barray = OnRequest;
@@ -74,7 +74,7 @@ JBLOCKARRAY JpegCoefficients::OnAccess(j_common_ptr codec, jvirt_barray_ptr arra
 
 JpegCoefficients::Array* JpegCoefficients::Request(std::int64_t blocksInRow, std::int64_t rows,
                                                    std::int64_t rowsAtOnce) {
-    std::unique_ptr<Array, DeleteArray> array(new Array);
+    auto array = std::make_unique<Array>();
     array->blocksInRow = blocksInRow;
     array->rows = rows;
     array->spoolOffset = spoolBytes_;

@@ -21,7 +21,10 @@ inline constexpr std::int64_t JpegWindowBytes = std::int64_t{32} << 20;
 /// in a temporary file, which small images never need.
 class JpegCoefficients {
 public:
-    explicit JpegCoefficients(LibraryExit& exit) : exit_(exit) {}
+    explicit JpegCoefficients(LibraryExit& exit);
+    ~JpegCoefficients();
+    JpegCoefficients(const JpegCoefficients&) = delete;
+    JpegCoefficients& operator=(const JpegCoefficients&) = delete;
 
     /// Takes the place of the library's own arrays; codec.client_data must be made to lead to this object by
     /// CoefficientsOf.
@@ -32,9 +35,6 @@ public:
 
 private:
     struct Array;
-    struct DeleteArray {
-        void operator()(Array* array) const;
-    };
 
     static jvirt_barray_ptr OnRequest(j_common_ptr codec, int pool, boolean zeroed, JDIMENSION blocksInRow,
                                       JDIMENSION rows, JDIMENSION rowsAtOnce);
@@ -47,7 +47,7 @@ private:
 
     LibraryExit& exit_;
     std::exception_ptr failure_;
-    std::vector<std::unique_ptr<Array, DeleteArray>> arrays_;
+    std::vector<std::unique_ptr<Array>> arrays_;
     std::unique_ptr<SpoolFile> spool_; ///< made when the first window moves
     std::int64_t spoolBytes_ = 0;      ///< taken by the arrays so far
 };

@@ -43,10 +43,10 @@ PngChunk PngChunkReader::Next() {
     return chunk;
 }
 
-PngChunkWriter::PngChunkWriter(std::vector<std::uint8_t>& buffer) : buffer_(buffer) {
-    Reserve(PngSignature.size());
+PngChunkWriter::PngChunkWriter(std::vector<std::uint8_t>& buffer)
+    : buffer_(buffer), size_(PngSignature.size()) {
+    Reserve(0);
     std::copy(PngSignature.begin(), PngSignature.end(), buffer_.begin());
-    size_ = PngSignature.size();
 }
 
 void PngChunkWriter::Append(std::uint32_t type, std::span<const std::uint8_t> data) {

@@ -71,7 +71,7 @@ private:
     void Put32(std::uint32_t value);
 
     std::vector<std::uint8_t>& buffer_;
-    std::size_t size_ = 0;
+    std::size_t size_;
     std::size_t open_ = 0;
 };
 

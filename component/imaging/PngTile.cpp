@@ -73,7 +73,7 @@ void PngTile::Take(const PngChunk& chunk) {
 void PngTile::TakePalette(std::span<const std::uint8_t> data) {
     if (header_.format != PixelFormat::Palette || !header_.palette.empty() || partsEnded_)
         ThrowTileDamaged("a palette stands where none belongs");
-    if (data.empty() || data.size() % 3 != 0 || data.size() > 3 * 256)
+    if (data.empty() || data.size() % 3 != 0 || data.size() > 3 * std::size_t{256})
         ThrowTileDamaged("its palette has the wrong length");
     header_.palette.resize(data.size() / 3);
     for (std::size_t i = 0; i < header_.palette.size(); ++i)

@@ -14,7 +14,7 @@
 namespace {
 
 /// Decoded at a time: little enough to be halved while it is in the cache and for a cancel to act at once.
-constexpr std::size_t BytesAtATime = 512 * 1024;
+constexpr std::size_t BytesAtATime = std::size_t{512} * 1024;
 
 constexpr int MostThreads = 64;
 

@@ -79,7 +79,7 @@ std::size_t EntriesUsed(const PixelView& view) {
 
 void AppendPalette(PngChunkWriter& writer, const PixelView& view) {
     const std::span<const PaletteEntry> entries(view.palette->data(), EntriesUsed(view));
-    std::array<std::uint8_t, 3 * 256> colours{};
+    std::array<std::uint8_t, 3 * std::size_t{256}> colours{};
     std::array<std::uint8_t, 256> alphas{};
     std::size_t alphaCount = 0; // up to the last entry that is not opaque
     for (std::size_t i = 0; i < entries.size(); ++i) {

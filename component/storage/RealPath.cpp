@@ -17,7 +17,7 @@ std::filesystem::path RealPath(const std::filesystem::path& file) {
     std::filesystem::path followed = file;
     for (int links = 0; links <= MostLinks; ++links) {
         std::error_code error;
-        const std::filesystem::path path = std::filesystem::weakly_canonical(AsItStands(followed), error);
+        std::filesystem::path path = std::filesystem::weakly_canonical(AsItStands(followed), error);
         if (error)
             break;
         if (!std::filesystem::is_symlink(std::filesystem::symlink_status(path, error)))

@@ -22,9 +22,9 @@ PageRef WritePage(Container& container, std::int64_t number, std::span<const Blo
 
 } // namespace
 
-TileReader::TileReader(std::shared_ptr<Container> container, const PyramidLayout& layout,
-                       std::vector<PageRef> pages, std::string mapName)
-    : container_(std::move(container)), layout_(layout), pages_(std::move(pages)),
+TileReader::TileReader(std::shared_ptr<Container> container, PyramidLayout layout, std::vector<PageRef> pages,
+                       std::string mapName)
+    : container_(std::move(container)), layout_(std::move(layout)), pages_(std::move(pages)),
       mapName_(std::move(mapName)) {}
 
 std::string TileReader::Place(std::int64_t entry) const {

@@ -14,7 +14,7 @@
 class TileReader : public TileSource {
 public:
     /// `mapName` is the name that error sentences give.
-    TileReader(std::shared_ptr<Container> container, const PyramidLayout& layout, std::vector<PageRef> pages,
+    TileReader(std::shared_ptr<Container> container, PyramidLayout layout, std::vector<PageRef> pages,
                std::string mapName);
 
     std::vector<std::uint8_t> ReadTile(int level, std::int32_t row, std::int32_t column) override;
