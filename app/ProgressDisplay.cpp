@@ -34,6 +34,6 @@ void ProgressDisplay::Show(float done) {
 void ProgressDisplay::End() {
     mainWindow_.setEnabled(true);
     dialog_.reset();
-    if (focused_ != nullptr && mainWindow_.isVisible())
+    if (focused_ != nullptr)
         focused_->setFocus();
 }

@@ -8,14 +8,17 @@
 #include "app/ProgressDisplay.h"
 #include "app/WizardCommands.h"
 #include "app/modResize.h"
+#include "component/viewer/KarvelViewer.h"
 #include "dialogs/frmPreferences.h"
 #include "platform/modMessages.h"
 #include "ui_frmMain.h"
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QScopedValueRollback>
 
 frmMain::frmMain(bool diagnosticMode, LibraryMaker makeLibrary)
     : makeLibrary_(std::move(makeLibrary)), ui_(std::make_unique<Ui::frmMain>()) {
@@ -53,6 +56,7 @@ void frmMain::Form_Load(const QString& commandLine) {
     EnableMenus();
     state_.rememberedMap = -1;
     SetHeader(QStringLiteral("Header"));
+    ui_->viewerMap->setFocus(); // arrow keys on the tabs would turn the page as well
     LoadFromCommandLine(commandLine);
 }
 
@@ -64,12 +68,18 @@ void frmMain::LoadFromCommandLine(const QString& commandLine) {
     }
     if (file.isEmpty())
         return;
-    Run([&] { libraryCommands_->LoadLibrary(file); });
+    Run([&] { libraryCommands_->LoadLibrary(QDir::current().absoluteFilePath(file)); });
+}
+
+bool frmMain::TakesCommands() const {
+    // Drops and the end of the session reach a window also behind its own boxes and dialogs.
+    return !state_.busy && !running_;
 }
 
 void frmMain::Run(const std::function<void()>& command) {
-    if (state_.busy)
+    if (!TakesCommands())
         return;
+    const QScopedValueRollback running(running_, true);
     try {
         command();
     } catch (const std::exception& error) {
@@ -90,7 +100,7 @@ void frmMain::Quietly(const std::function<void()>& handler) noexcept {
 void frmMain::closeEvent(QCloseEvent* event) {
     // The window manager asks a disabled window, too.
     event->setAccepted(false);
-    if (state_.busy)
+    if (!TakesCommands())
         return;
     bool mayClose = false;
     Run([&] { mayClose = libraryCommands_->AskToSave(); });
@@ -126,4 +136,5 @@ void frmMain::EndCall() {
     state_.busy = false;
     Quietly([this] { mapView_.SetBusy(false); });
     Quietly([this] { iconView_.SetBusy(false); });
+    Quietly([this] { zoom_->LimitSlider(); });
 }

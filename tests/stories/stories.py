@@ -1,0 +1,239 @@
+#!/usr/bin/env python3
+"""Whole stories of the editor on a screen, with keys and clicks as a person makes them.
+
+stories.py BUILD_FOLDER STORY [PICTURE_FOLDER]: tells one story and fails with what did not happen.
+"""
+
+import json
+import pathlib
+import subprocess
+import sys
+import tempfile
+
+import numpy
+from PIL import Image, ImageChops
+
+from screen import Screen
+
+BUILD = pathlib.Path(sys.argv[1]).resolve()
+EDITOR = BUILD / "quorvant-studio"
+ATLAVEX = BUILD / "atlavex"
+
+
+def atlavex(*arguments):
+    return subprocess.run([ATLAVEX, *map(str, arguments)], check=True, capture_output=True, text=True).stdout
+
+
+def make_library(folder):
+    """A scaled map of 900 x 700 pixels and an icon, saved."""
+    sheet = Image.new("RGB", (900, 700))
+    sheet.putdata([(x % 256, y % 256, (x * y) % 256) for y in range(700) for x in range(900)])
+    sheet.save(folder / "sheet.png")
+    sheet.crop((0, 0, 32, 32)).save(folder / "icon.png")
+    library = folder / "story.Atlavex"
+    atlavex("new", library)
+    atlavex("add-map", library, folder / "sheet.png", "--name", "Sheet", "--grid", "UTM North (wgs84)", "--zone", "33",
+            "--point", "0,0=500000,6000000", "--point", "100,0=501000,6000000", "--point", "0,100=500000,5999000")
+    atlavex("add-icon", library, folder / "icon.png", "--name", "Icon")
+    return library
+
+
+def differ(first, second):
+    return ImageChops.difference(Image.open(first).convert("RGB"), Image.open(second).convert("RGB")).getbbox() is not None
+
+
+def open_library(screen, folder):
+    library = make_library(folder)
+    editor = screen.start(EDITOR, library)
+    screen.wait_for_active(f"Quorvant Studio - {library}")
+    return library, editor
+
+
+def change_the_offset(screen):
+    """Icons, Offset..., X = 7, OK: something to save."""
+    screen.key("alt+i", "o")
+    screen.wait_for_active("Offset")
+    screen.key("Tab", "shift+Tab")
+    screen.type("7")
+    screen.key("Return")
+
+
+def offset_of(library):
+    offset = json.loads(atlavex("info", library, "--json"))["icons"][0]["offset"]
+    return offset["x"], offset["y"]
+
+
+def tell_look_around(screen, folder, pictures):
+    """Open, zoom with the wheel, scroll by keys, read out a position, see the icon."""
+    open_library(screen, folder)
+    screen.move(400, 400)
+    first = screen.picture(pictures / "opened.png")
+    screen.do("keydown", "ctrl")
+    screen.do("click", "--repeat", "3", "4")
+    screen.do("keyup", "ctrl")
+    screen.wait_for("Zooming", lambda: differ(first, screen.picture(pictures / "zoomed.png")))
+    zoomed = screen.picture(pictures / "zoomed.png")
+    screen.key("ctrl+Right", "ctrl+Down", "Right")
+    screen.wait_for("Scrolling", lambda: differ(zoomed, screen.picture(pictures / "scrolled.png")))
+    scrolled = screen.picture(pictures / "scrolled.png")
+    screen.move(420, 410)
+    screen.wait_for("Reading out", lambda: differ(scrolled, screen.picture(pictures / "read-out.png")))
+
+
+def tell_close_with_cancel_no_and_yes(screen, folder, pictures):
+    """The window manager's close button with each answer to the question."""
+    library, editor = open_library(screen, folder)
+    title = f"Quorvant Studio - {library}"
+    change_the_offset(screen)
+    screen.wait_for_active(title)
+    screen.key("alt+F4")
+    screen.wait_for_active("Quorvant Studio")
+    screen.picture(pictures / "question.png")
+    screen.key("Escape")
+    screen.wait_for_active(title)
+    screen.key("alt+F4")
+    screen.wait_for_active("Quorvant Studio")
+    screen.key("alt+n")
+    screen.wait_for("The end of the program", lambda: editor.poll() is not None)
+    assert editor.returncode == 0, editor.returncode
+    assert offset_of(library) == (0, 0), offset_of(library)
+
+    editor = screen.start(EDITOR, library)
+    screen.wait_for_active(title)
+    change_the_offset(screen)
+    screen.wait_for_active(title)
+    screen.key("alt+F4")
+    screen.wait_for_active("Quorvant Studio")
+    screen.key("Return")
+    screen.wait_for("The end of the program", lambda: editor.poll() is not None)
+    assert editor.returncode == 0, editor.returncode
+    assert offset_of(library)[0] == 7, offset_of(library)
+
+
+def tell_open_from_the_menu(screen, folder, pictures):
+    """Start empty, open through the file dialog, pick the library up again after New."""
+    library = make_library(folder)
+    screen.start(EDITOR)
+    screen.wait_for_active("Quorvant Studio v2.31")
+    for _ in range(2):
+        screen.key("ctrl+o")
+        screen.wait_for_active("Open Atlavex")
+        screen.type(str(library))
+        screen.key("Return")
+        screen.wait_for_active(f"Quorvant Studio - {library}")
+        screen.key("ctrl+n")
+        screen.wait_for_active("Quorvant Studio - ")
+    screen.picture(pictures / "empty.png")
+
+
+class Sheet:
+    """The sample sheet, and where its pixels are on the screen."""
+
+    def __init__(self):
+        made = pathlib.Path(__file__).resolve().parents[2] / "samples" / "made"
+        if not (made / "truth.json").exists():
+            subprocess.run([made.parents[1] / "tools" / "sample-sheets.sh"], check=True)
+        self.file = made / "sheet-rgb.tif"
+        self.pixels = numpy.asarray(Image.open(self.file).convert("RGB"))
+
+    def on(self, picture, x, y, reach=14):
+        """The screen position of the sheet's pixel, found by the pixels around it."""
+        screen = numpy.asarray(Image.open(picture).convert("RGB")).astype(numpy.int32)
+        patch = self.pixels[y - reach:y + reach, x - reach:x + reach].astype(numpy.int32)
+        rows, columns = (numpy.array(screen.shape[:2]) - 2 * reach).tolist()
+        fits = numpy.ones((rows, columns), bool)
+        for dy in range(0, 2 * reach, 2):
+            for dx in range(0, 2 * reach, 2):
+                fits &= (screen[dy:dy + rows, dx:dx + columns] == patch[dy, dx]).all(axis=2)
+        found = numpy.argwhere(fits)
+        assert len(found) == 1, f"The surroundings of pixel {x}, {y} are {len(found)} times on the screen"
+        return found[0][1] + reach, found[0][0] + reach
+
+
+def tell_scale_the_sample_sheet(screen, folder, pictures):
+    """Add the sheet, give three printed crossings, save, and read out others."""
+    sheet = Sheet()
+    library = folder / "scaled.Atlavex"
+    screen.start(EDITOR)
+    screen.wait_for_active("Quorvant Studio v2.31")
+    screen.key("alt+m", "n")
+    screen.wait_for_active("Open new bitmap")
+    screen.type(str(sheet.file))
+    screen.key("Return")
+    screen.wait_for_active("New map settings...")
+    screen.key("Return")
+    screen.wait_for_active("Quorvant Studio")  # a worldfile is there; it is not used
+    screen.key("Return")
+    screen.wait_for_active("Wizard Step 1: Select Datum or Grid")
+    screen.type("Int")
+    screen.key("Tab", "Right", "Tab", "Tab")  # Easting / Northing, the first grid, its zone
+    screen.type("33")
+    screen.picture(pictures / "step-1.png")
+    screen.key("Return")
+    screen.wait_for_active("Wizard Step 2: Projection")
+    screen.key("space")
+    screen.picture(pictures / "step-2.png")
+    screen.key("Return")
+    screen.wait_for_active("Quorvant Studio v2.31")
+
+    # The printed crossings lie 400 pixels, which are 1000 metres, apart; Ctrl with an arrow scrolls by a tenth.
+    place_point(screen, sheet, pictures, 1, (900, 530), (381000, 5158000))
+    screen.key(*["ctrl+Right"] * 6)
+    place_point(screen, sheet, pictures, 2, (4500, 530), (390000, 5158000))
+    screen.key(*["ctrl+Down"] * 6, *["ctrl+Left"] * 6)
+    place_point(screen, sheet, pictures, 3, (900, 2930), (381000, 5152000))
+    screen.wait_for_active("Quorvant Studio")  # "Scaling completed!"
+    screen.picture(pictures / "completed.png")
+    screen.key("Return")
+
+    screen.wait_for_active("Quorvant Studio v2.31")
+    screen.key("ctrl+s")
+    screen.wait_for_active("Save Atlavex As")
+    screen.type(str(library))
+    screen.key("Return")
+    screen.wait_for_active(f"Quorvant Studio - {library}")
+    for pixel, place in (((500, 530), (380000, 5158000)), ((4100, 3330), (389000, 5151000))):
+        easting, northing = map(float, atlavex("locate", library, 1, *pixel).split())
+        assert abs(easting - place[0]) < 1e-6 and abs(northing - place[1]) < 1e-6, (pixel, easting, northing)
+
+
+def place_point(screen, sheet, pictures, number, pixel, place):
+    """Click on a printed crossing and type its coordinate."""
+    screen.wait_for("The map", lambda: is_shown(sheet, screen.picture(pictures / "map.png"), pixel))
+    at = sheet.on(pictures / "map.png", *pixel)
+    screen.do("mousemove", *at, "click", "1")
+    screen.wait_for("The coordinate dialog",
+                    lambda: screen.do("getactivewindow", "getwindowname").startswith("Wizard step"))
+    screen.type(str(place[0]))
+    screen.key("Tab")
+    screen.type(str(place[1]))
+    screen.picture(pictures / f"point-{number}.png")
+    screen.key("Return")
+
+
+def is_shown(sheet, picture, pixel):
+    try:
+        sheet.on(picture, *pixel)
+        return True
+    except AssertionError:
+        return False
+
+
+STORIES = {name[len("tell_"):]: story for name, story in list(globals().items()) if name.startswith("tell_")}
+
+
+def main():
+    story = STORIES[sys.argv[2]]
+    with tempfile.TemporaryDirectory(prefix="quorvant-story-") as scrap, Screen() as screen:
+        folder = pathlib.Path(scrap)
+        pictures = pathlib.Path(sys.argv[3]) if len(sys.argv) > 3 else folder
+        pictures.mkdir(parents=True, exist_ok=True)
+        try:
+            story(screen, folder, pictures)
+        except BaseException:
+            subprocess.run(["import", "-window", "root", str(BUILD / f"story-{sys.argv[2]}.png")], env=screen.environment)
+            raise
+
+
+if __name__ == "__main__":
+    main()
