@@ -83,6 +83,7 @@ private:
     void vscrollIcon_Change();
     void viewerMap_MouseMove(const QPoint& position);
     void viewerMap_Click(const QPoint& position);
+    void viewerMap_Enter();
     void viewerMap_Resize();
     void viewerMap_Zoom(int steps, const QPoint& position);
     void viewer_Pan(const QPoint& delta);
@@ -92,6 +93,8 @@ private:
     void CopyReadOut();
     void OpenDropped(const QString& file);
 
+    /// Whether none is running.
+    bool TakesCommands() const;
     /// Runs a command: nothing when one is running, a component's error shown, the menus right afterwards.
     void Run(const std::function<void()>& command);
     /// Runs what must stay silent when it fails: mouse moves, scrolling, layout.
@@ -131,6 +134,7 @@ private:
     void DiscardWizard() override;
 
     EditorState state_;
+    bool running_ = false; ///< a command is on the stack, perhaps with a box or a dialog open
     LibraryMaker makeLibrary_;
     std::unique_ptr<Ui::frmMain> ui_;
     clsBitmapView mapView_;
