@@ -1,5 +1,12 @@
 #include "component/storage/Container.h"
 
+namespace {
+
+/// So much is written between two requests to get it to the disk.
+constexpr std::size_t WriteBackStep = std::size_t{32} << 20;
+
+} // namespace
+
 Container::Container(std::unique_ptr<Database> database, std::shared_ptr<const Envelope> form)
     : database_(std::move(database)), form_(std::move(form)),
       blobs_(*database_, "INSERT INTO blob(id, data) VALUES(?1, ?2)", "SELECT data FROM blob WHERE id = ?1",
@@ -12,8 +19,15 @@ Container::Table& Container::TableOf(BlobKind kind) {
 }
 
 void Container::PutStored(BlobKind kind, std::int64_t number, ByteSpan stored) {
-    const std::scoped_lock lock(mutex_);
-    TableOf(kind).insert.Bind(1, number).Bind(2, stored).Run();
+    {
+        const std::scoped_lock lock(mutex_);
+        TableOf(kind).insert.Bind(1, number).Bind(2, stored).Run();
+        unwritten_ += stored.size();
+        if (unwritten_ < WriteBackStep)
+            return;
+        unwritten_ = 0;
+    }
+    database_->StartWriteBack();
 }
 
 std::optional<Bytes> Container::GetStored(BlobKind kind, std::int64_t number) {

@@ -59,6 +59,7 @@ private:
     std::unique_ptr<Database> database_;
     std::shared_ptr<const Envelope> form_;
     std::mutex mutex_;
+    std::size_t unwritten_ = 0; ///< bytes since the last request to get them to the disk
     Table blobs_;
     Table pages_;
 };

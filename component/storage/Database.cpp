@@ -101,7 +101,7 @@ void Database::Closer::operator()(sqlite3* handle) const {
 }
 
 Database::Database(const std::filesystem::path& file, Mode mode, std::string shownName)
-    : shownName_(std::move(shownName)) {
+    : mode_(mode), writeBack_(file), shownName_(std::move(shownName)) {
     sqlite3* raw = nullptr;
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_FULLMUTEX | SQLITE_OPEN_EXRESCODE;
     const int code = sqlite3_open_v2(file.c_str(), &raw, flags, nullptr);
@@ -113,7 +113,7 @@ Database::Database(const std::filesystem::path& file, Mode mode, std::string sho
     Execute("PRAGMA temp_store=MEMORY; PRAGMA mmap_size=0; PRAGMA cell_size_check=ON;"
             "PRAGMA trusted_schema=OFF; PRAGMA secure_delete=FAST;");
     // A hardened connection takes no journal_mode=OFF; in memory, none lies beside the file after a kill.
-    if (mode == Mode::Fill)
+    if (mode != Mode::Existing)
         Execute("PRAGMA cache_size=-8000; PRAGMA locking_mode=EXCLUSIVE; PRAGMA journal_mode=MEMORY; PRAGMA "
                 "synchronous=OFF;");
 }
@@ -152,6 +152,11 @@ Bytes Database::ReadRaw(std::int64_t offset, int length) const {
     Bytes bytes(static_cast<std::size_t>(length));
     Check(file == nullptr ? SQLITE_CANTOPEN : file->pMethods->xRead(file, bytes.data(), length, offset));
     return bytes;
+}
+
+void Database::StartWriteBack() {
+    if (mode_ != Mode::Scratch)
+        writeBack_.Start();
 }
 
 bool Database::HasMoved() const {

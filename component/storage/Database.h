@@ -2,6 +2,7 @@
 
 #include "base/ComponentError.h"
 #include "component/storage/Digest.h"
+#include "component/storage/WriteBack.h"
 
 #include <filesystem>
 #include <memory>
@@ -16,7 +17,8 @@ class Database {
 public:
     enum class Mode {
         Existing, ///< read and write, as far as the file permits; it must exist
-        Fill      ///< an existing empty file that is filled in one go: no journal on disk, no sync
+        Fill,     ///< an existing empty file that is filled in one go: no journal on disk, no sync of its own
+        Scratch   ///< the same for a file that never has to outlive the program
     };
 
     /// `shownName` is the name that error sentences give; the path may be that of a temporary.
@@ -39,6 +41,9 @@ public:
     bool InTransaction() const;
     bool IsReadOnly() const;
 
+    /// Many bytes have been written: starts to get them to the disk ahead of the sync that ends it all.
+    void StartWriteBack();
+
     /// Throws the error of SQLite's last result code for this connection.
     [[noreturn]] void Fail(int code) const;
     void Check(int code) const;
@@ -49,6 +54,8 @@ private:
     struct Closer {
         void operator()(sqlite3* handle) const;
     };
+    Mode mode_;
+    WriteBack writeBack_; // must outlive the connection
     std::unique_ptr<sqlite3, Closer> handle_;
     std::string shownName_;
 };

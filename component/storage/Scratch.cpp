@@ -18,7 +18,7 @@ public:
                 std::shared_ptr<const Envelope> form)
         : files_(std::move(files)), path_(std::move(path)), locked_(files_->CreateLocked(path_)) {
         try {
-            auto database = std::make_unique<Database>(path_, Database::Mode::Fill, path_.string());
+            auto database = std::make_unique<Database>(path_, Database::Mode::Scratch, path_.string());
             CreateScratchSchema(*database);
             container_ = std::make_unique<Container>(std::move(database), std::move(form));
         } catch (const ComponentError&) {
