@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QMenuBar>
 
 #include <algorithm>
 
@@ -20,8 +21,9 @@ ArrowKeys::ArrowKeys(QWidget& window, std::vector<QWidget*> consumers,
 }
 
 bool ArrowKeys::IsPropagation(const QWidget& watched, const QKeyEvent& event) {
+    // A widget counts as its own ancestor; the same key pressed again on it is another one.
     return &event == last_ && event.timestamp() == lastTime_ && lastReceiver_ != nullptr &&
-           watched.isAncestorOf(lastReceiver_);
+           &watched != lastReceiver_ && watched.isAncestorOf(lastReceiver_);
 }
 
 bool ArrowKeys::eventFilter(QObject* watched, QEvent* event) {
@@ -30,6 +32,9 @@ bool ArrowKeys::eventFilter(QObject* watched, QEvent* event) {
     auto* const receiver = qobject_cast<QWidget*>(watched);
     const auto& key = *static_cast<QKeyEvent*>(event);
     if (receiver == nullptr || receiver->window() != &window_ || !IsArrow(key.key()) || !window_.isEnabled())
+        return false;
+    // Whoever walks through the menus moves no map.
+    if (qobject_cast<QMenuBar*>(window_.focusWidget()) != nullptr)
         return false;
     if (!IsPropagation(*receiver, key))
         handle_(key);

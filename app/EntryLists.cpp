@@ -1,6 +1,7 @@
 #include "app/EntryLists.h"
 
 #include "base/CheckedNumbers.h"
+#include "base/ComponentError.h"
 #include "view/clsBitmapView.h"
 
 #include <QComboBox>
@@ -55,6 +56,7 @@ void EntryLists::RefillIcons() {
             names += QString::fromStdString(
                 state_.objAtlavex->GetIcon(state_.objAtlavex->IconIdAt(position))->Name());
     Refill(icons_, names);
+    rememberedIcon_ = -1;
 }
 
 void EntryLists::SelectMap(int entry) {
@@ -69,12 +71,18 @@ void EntryLists::SelectMap(int entry) {
 }
 
 void EntryLists::SelectIcon(int entry) {
-    const auto icon = state_.objAtlavex->GetIcon(state_.objAtlavex->IconIdAt(PositionOf(entry)));
-    const auto image = icon->Image();
-    state_.currentIcon = icon;
-    iconView_.SetObjBitmap(image);
+    try {
+        const auto icon = state_.objAtlavex->GetIcon(state_.objAtlavex->IconIdAt(PositionOf(entry)));
+        iconView_.SetObjBitmap(icon->Image());
+        state_.currentIcon = icon;
+    } catch (const ComponentError&) {
+        // A damaged icon: the former one stays, in the list as in the view.
+        Mark(icons_, rememberedIcon_);
+        throw;
+    }
     iconView_.AdjustSize();
     Mark(icons_, entry);
+    rememberedIcon_ = entry;
 }
 
 QString MapSizeText(const clsBitmapView& view) {

@@ -17,7 +17,8 @@ public:
     /// Refills the list with the names in library order; no entry is selected. No signal comes.
     void RefillMaps();
     void RefillIcons();
-    /// Fetches the entry anew, shows it and makes it current. ErrorNumber::Overflow, NoSuchMap, NoSuchIcon.
+    /// Fetches the entry anew, shows it and makes it current. ErrorNumber::Overflow, NoSuchMap, NoSuchIcon,
+    /// FileDamaged: what was shown before stays.
     void SelectMap(int entry);
     void SelectIcon(int entry);
 
@@ -27,6 +28,7 @@ private:
     QComboBox& icons_;
     clsBitmapView& mapView_;
     clsBitmapView& iconView_;
+    int rememberedIcon_ = -1; ///< the entry of ddIcons last accepted
 };
 
 /// "Bitmap size: (600, 400)" of what the map view shows, empty when it shows nothing; likewise "Icon size:

@@ -134,7 +134,6 @@ bool LibraryCommands::SaveLibraryAs() {
     if (!fileName)
         return false;
     SaveTo(*fileName);
-    state_.fileName = *fileName;
     window_.SetTitle(*fileName);
     window_.EnableMenus();
     return true;
@@ -150,6 +149,7 @@ void LibraryCommands::SaveTo(const QString& fileName) {
         state_.objAtlavex->SaveToFile(fileName.toStdString(), state_.encryptionKey.toStdString());
     }
     state_.modified = false;
+    state_.fileName = fileName;
     SelectAgain(map, icon);
 }
 

@@ -1,6 +1,6 @@
 #include "app/MapZoom.h"
 
-#include "base/CheckedNumbers.h"
+#include "view/ZoomSlider.h"
 #include "view/clsBitmapView.h"
 
 #include <QLabel>
@@ -8,23 +8,12 @@
 #include <QSlider>
 
 #include <algorithm>
-#include <cmath>
-
-namespace {
-
-/// The slider position of a zoom. Its divisor is the logarithm of the five-decimal constant, while the way
-/// back takes the true e; the slight drift is meant.
-std::int32_t PositionOf(double zoom) {
-    return CheckedRound<std::int32_t>(10.0 * std::log(zoom) / std::log(2.71828));
-}
-
-} // namespace
 
 MapZoom::MapZoom(QSlider& slider, QLabel& percentage, clsBitmapView& view)
     : slider_(slider), percentage_(percentage), view_(view) {}
 
 void MapZoom::TakeFromMap() {
-    const std::int32_t position = PositionOf(view_.Zoom());
+    const std::int32_t position = SliderPositionOf(view_.Zoom());
     const std::int32_t highest = view_.HighestSliderPosition();
     {
         // The slider follows here; its moving must not write a rounded zoom back to the map.
@@ -39,7 +28,7 @@ void MapZoom::TakeFromMap() {
 }
 
 void MapZoom::Follow() {
-    ShowPercentage(std::exp(slider_.value() / 10.0));
+    ShowPercentage(ZoomAtSliderPosition(slider_.value()));
     view_.SetZoom(slider_.value());
 }
 
@@ -53,7 +42,7 @@ void MapZoom::TurnAbout(int steps, const QPoint& about) {
         const QSignalBlocker silent(slider_);
         slider_.setValue(position);
     }
-    ShowPercentage(std::exp(position / 10.0));
+    ShowPercentage(ZoomAtSliderPosition(position));
     view_.ZoomAbout(position, about);
 }
 
@@ -68,10 +57,11 @@ void MapZoom::ShowActualSize() {
 }
 
 void MapZoom::LimitSlider() {
-    if (view_.Map() != nullptr)
+    // A slider that moved while the view is busy would no longer say how the map is shown.
+    if (view_.Map() != nullptr && !view_.IsBusy())
         slider_.setMaximum(view_.HighestSliderPosition());
 }
 
 void MapZoom::ShowPercentage(double zoom) {
-    percentage_.setText(QString::number(CheckedRound<std::int32_t>(zoom * 100.0)) + QLatin1Char('%'));
+    percentage_.setText(QString::number(ZoomPercentage(zoom)) + QLatin1Char('%'));
 }

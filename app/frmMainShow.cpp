@@ -4,6 +4,8 @@
 #include "app/MapZoom.h"
 #include "app/WizardCommands.h"
 #include "app/frmMain.h"
+#include "base/ComponentError.h"
+#include "platform/modMessages.h"
 #include "ui_frmMain.h"
 
 void frmMain::SetTitle(const QString& name) {
@@ -37,8 +39,13 @@ void frmMain::RefillMaps(int select) {
 
 void frmMain::RefillIcons(int select) {
     lists_->RefillIcons();
-    if (select >= 0 && select < IconEntries())
-        SelectIcon(select);
+    try {
+        if (select >= 0 && select < IconEntries())
+            SelectIcon(select);
+    } catch (const ComponentError& error) {
+        // One damaged icon must not keep all else from being shown.
+        ShowMessage(this, QString::fromStdString(error.Description()));
+    }
     EnableMenus();
 }
 
