@@ -11,7 +11,6 @@
 #include "view/clsBitmapView.h"
 
 #include <QApplication>
-#include <QGridLayout>
 #include <QLabel>
 #include <QScrollBar>
 #include <QWheelEvent>
@@ -27,6 +26,7 @@ namespace {
 
 constexpr QSize ViewerSize(1920, 1080);
 constexpr QPoint Pointer(700, 400);
+constexpr int BarBreadth = 16;
 
 /// Measured times of one kind, in milliseconds.
 class Times {
@@ -60,12 +60,13 @@ private:
 class Desk : public QObject {
 public:
     explicit Desk(std::shared_ptr<AtlavexMap> map) : map_(std::move(map)) {
-        auto* const layout = new QGridLayout(&window_);
-        layout->addWidget(&viewer, 0, 0);
-        layout->addWidget(&vertical, 0, 1);
-        layout->addWidget(&horizontal, 1, 0);
-        layout->addWidget(&status_, 2, 0, 1, 2);
-        viewer.setFixedSize(ViewerSize);
+        // Without a layout, whose limits the offscreen platform cannot take and would report each time.
+        const int width = ViewerSize.width(), height = ViewerSize.height();
+        viewer.setGeometry(0, 0, width, height);
+        vertical.setGeometry(width, 0, BarBreadth, height);
+        horizontal.setGeometry(0, height, width, BarBreadth);
+        status_.setGeometry(0, height + BarBreadth, width, BarBreadth);
+        window_.resize(width + BarBreadth, height + 2 * BarBreadth);
         viewer.installEventFilter(this);
         view.SetViewer(&viewer);
         view.SetScrollBars(&horizontal, &vertical);
@@ -122,14 +123,14 @@ private:
     }
 
     QWidget window_;
-    QLabel status_;
+    QLabel status_{&window_};
     std::shared_ptr<AtlavexMap> map_;
     bool painted_ = false;
 
 public:
-    KarvelViewer viewer;
-    QScrollBar horizontal{Qt::Horizontal};
-    QScrollBar vertical{Qt::Vertical};
+    KarvelViewer viewer{&window_};
+    QScrollBar horizontal{Qt::Horizontal, &window_};
+    QScrollBar vertical{Qt::Vertical, &window_};
     clsBitmapView view;
 };
 
