@@ -34,9 +34,12 @@ void MapObject::SetMapDatum(const QuorvantDatum::Numbers& datum) {
     RequireFinite(datum, "datum");
     Georeference& georeference = Held().record.georeference;
     georeference.datum = QuorvantDatum(datum);
-    georeference.grid.reset();
-    georeference.gridIdentifier = 0;
-    georeference.zone.clear();
+    // What names a grid goes with it; what was set for the grid that is yet to come stays.
+    if (georeference.grid) {
+        georeference.grid.reset();
+        georeference.gridIdentifier = 0;
+        georeference.zone.clear();
+    }
     converters_ = {};
 }
 
