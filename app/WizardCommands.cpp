@@ -2,11 +2,43 @@
 
 #include "app/ScaledFlag.h"
 #include "base/ComponentError.h"
+#include "component/viewer/KarvelViewer.h"
 #include "platform/modMessages.h"
 #include "wizard/clsScalingWizard.h"
 #include "wizard/clsWorldfileWizard.h"
 
+#include <QKeyEvent>
+
+#include <algorithm>
 #include <utility>
+
+namespace {
+
+constexpr std::int32_t Step = 1;
+constexpr std::int32_t LargeStep = 10;
+
+/// How far an arrow key moves, in pixels of the map; nothing for other keys.
+ImagePixel Movement(int key, std::int32_t step) {
+    switch (key) {
+    case Qt::Key_Left:
+        return {-step, 0};
+    case Qt::Key_Right:
+        return {step, 0};
+    case Qt::Key_Up:
+        return {0, -step};
+    case Qt::Key_Down:
+        return {0, step};
+    default:
+        return {};
+    }
+}
+
+ImagePixel Inside(const ImagePixel& pixel, const clsBitmapView& view) {
+    return {std::clamp(pixel.x, 0, std::max(view.MapWidth() - 1, 0)),
+            std::clamp(pixel.y, 0, std::max(view.MapHeight() - 1, 0))};
+}
+
+} // namespace
 
 WizardCommands::WizardCommands(EditorState& state, EditorWindow& window) : state_(state), window_(window) {}
 
@@ -25,11 +57,13 @@ void WizardCommands::StartScalingWizard() {
 
 void WizardCommands::WizardMapClick(const ImagePixel& pixel) {
     window_.SetHeader(QString());
-    if (!wizard_->DoDefineCoordinate(pixel.x, pixel.y)) {
+    ShowCrosshair(pixel);
+    const bool defined = wizard_->DoDefineCoordinate(pixel.x, pixel.y);
+    ShowCrosshair(std::nullopt);
+    if (!defined) {
         Discard();
         return;
     }
-    ShowMarks();
     if (wizard_->Finished())
         Finish();
     else
@@ -62,12 +96,73 @@ void WizardCommands::Discard() {
     if (wizard_ == nullptr)
         return;
     wizard_.reset();
+    crosshair_.reset();
     window_.SetHeader(QString());
     ShowMarks();
 }
 
-void WizardCommands::ShowMarks() {}
+void WizardCommands::ShowMarks() {
+    KarvelViewer* const viewer = window_.MapView().Viewer();
+    if (viewer == nullptr)
+        return;
+    try {
+        viewer->SetMarks(Marks());
+    } catch (const ComponentError&) {
+        viewer->SetMarks({});
+    }
+}
 
-bool WizardCommands::ViewerKey(const QKeyEvent&) {
-    return false;
+std::vector<ViewerMark> WizardCommands::Marks() const {
+    std::vector<ViewerMark> marks;
+    if (wizard_ == nullptr)
+        return marks;
+    const clsBitmapView& view = window_.MapView();
+    const auto add = [&](std::int32_t x, std::int32_t y, ViewerMarkStyle style, const QString& text) {
+        marks.push_back({view.ViewerPosition(x, y), style, text});
+    };
+    if (state_.currentMap != nullptr) {
+        for (const ReferencePoint& point : state_.currentMap->MapGeoreference().points)
+            add(point.pixelX, point.pixelY, ViewerMarkStyle::FormerPoint, {});
+    }
+    int number = 0;
+    for (const ReferencePoint& point : wizard_->GivenPoints())
+        add(point.pixelX, point.pixelY, ViewerMarkStyle::ReferencePoint, QString::number(++number));
+    if (crosshair_)
+        add(crosshair_->x, crosshair_->y, ViewerMarkStyle::Crosshair, {});
+    return marks;
+}
+
+void WizardCommands::ShowCrosshair(std::optional<ImagePixel> pixel) {
+    crosshair_ = pixel;
+    ShowMarks();
+}
+
+ImagePixel WizardCommands::MiddleOfView() const {
+    const clsBitmapView& view = window_.MapView();
+    const ImagePixel first = view.PixelAt({0, 0});
+    const ImagePixel last =
+        Inside(view.PixelAt({view.Viewer()->PixelWidth() - 1, view.Viewer()->PixelHeight() - 1}), view);
+    return {first.x + (last.x - first.x) / 2, first.y + (last.y - first.y) / 2};
+}
+
+bool WizardCommands::ViewerKey(const QKeyEvent& key) {
+    clsBitmapView& view = window_.MapView();
+    const Qt::KeyboardModifiers modifiers = key.modifiers() & ~Qt::KeypadModifier;
+    const bool large = modifiers == (Qt::AltModifier | Qt::ShiftModifier);
+    if (wizard_ == nullptr || view.Map() == nullptr || !view.Viewer()->hasFocus() ||
+        (modifiers != Qt::AltModifier && !large))
+        return false;
+    const ImagePixel by = Movement(key.key(), large ? LargeStep : Step);
+    const ImagePixel from = crosshair_.value_or(MiddleOfView());
+    const ImagePixel to = Inside({from.x + by.x, from.y + by.y}, view);
+    const QRect visible(0, 0, view.Viewer()->PixelWidth(), view.Viewer()->PixelHeight());
+    if (!visible.contains(view.ViewerPosition(to.x, to.y)))
+        view.CenterOn(to.x, to.y);
+    ShowCrosshair(to);
+    return true;
+}
+
+void WizardCommands::PlacePoint() {
+    if (wizard_ != nullptr && crosshair_)
+        WizardMapClick(ImagePixel(*crosshair_));
 }

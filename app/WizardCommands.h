@@ -2,9 +2,12 @@
 
 #include "app/EditorState.h"
 #include "app/EditorWindow.h"
+#include "component/viewer/ViewerMark.h"
 #include "view/clsBitmapView.h"
 
 #include <memory>
+#include <optional>
+#include <vector>
 
 class QKeyEvent;
 class clsScalingWizard;
@@ -27,16 +30,23 @@ public:
     /// Gives up a running wizard without a word; lHeader becomes empty.
     void Discard();
 
-    /// Puts the reference points given so far where the map view shows their pixels now.
+    /// Puts the reference points given so far where the map view shows their pixels now, and those of an
+    /// earlier scaling, faintly, for as long as a wizard runs. Silent when there are none to be had.
     void ShowMarks();
-    /// A key pressed in the map's viewer while a wizard runs: Alt with the arrows moves a crosshair, Enter
-    /// places the point there. Whether the key was taken.
+    /// An arrow key while a wizard waits for a point: with Alt it moves a crosshair by a pixel of the map,
+    /// with Shift too by ten. Whether the key was taken: only where the map's viewer has the focus.
     bool ViewerKey(const QKeyEvent& key);
+    /// Gives the wizard the point under the crosshair; nothing without one.
+    void PlacePoint();
 
 private:
     void Finish();
+    std::vector<ViewerMark> Marks() const;
+    ImagePixel MiddleOfView() const;
+    void ShowCrosshair(std::optional<ImagePixel> pixel);
 
     EditorState& state_;
     EditorWindow& window_;
     std::unique_ptr<clsScalingWizard> wizard_;
+    std::optional<ImagePixel> crosshair_; ///< the point that is being entered
 };

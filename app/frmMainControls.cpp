@@ -54,6 +54,9 @@ void frmMain::ConnectControls() {
     shortcut(Qt::CTRL | Qt::Key_0, &frmMain::ShowActualSize);
     shortcut(Qt::CTRL | Qt::Key_9, &frmMain::ShowWhole);
     shortcut(QKeySequence::Copy, &frmMain::CopyReadOut);
+    for (const Qt::Key enter : {Qt::Key_Return, Qt::Key_Enter})
+        connect(new QShortcut(enter, ui_->viewerMap, nullptr, nullptr, Qt::WidgetShortcut),
+                &QShortcut::activated, this, &frmMain::viewerMap_Enter);
 }
 
 void frmMain::ddMaps_Click(int entry) {
@@ -120,6 +123,10 @@ void frmMain::viewerMap_Click(const QPoint& position) {
     });
 }
 
+void frmMain::viewerMap_Enter() {
+    Run([this] { wizardCommands_->PlacePoint(); });
+}
+
 void frmMain::ShowReadOut(const QPoint& position) {
     const ImagePixel pixel = mapView_.PixelAt(position);
     const WorldPosition world =
@@ -163,7 +170,7 @@ void frmMain::CopyReadOut() {
 
 void frmMain::dragEnterEvent(QDragEnterEvent* event) {
     const QList<QUrl> urls = event->mimeData()->urls();
-    if (!state_.busy && urls.size() == 1 && urls.front().isLocalFile())
+    if (TakesCommands() && urls.size() == 1 && urls.front().isLocalFile())
         event->acceptProposedAction();
 }
 

@@ -22,10 +22,18 @@ const auto Interface = Service;
 /// libdbus knows this number as "no limit": the other program's dialog may stay open for hours.
 constexpr int NoTimeLimit = std::numeric_limits<int>::max();
 
-/// A connection of its own for one call, so that a bus or service that appeared since is found.
+/// The D-Bus library remembers for ever where it found its first session bus; a bus that is named in the
+/// environment is gone to directly.
+QDBusConnection Connect(const QString& name) {
+    const QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+    return address.isEmpty() ? QDBusConnection::connectToBus(QDBusConnection::SessionBus, name)
+                             : QDBusConnection::connectToBus(address, name);
+}
+
+/// A connection of its own for one call, so that a service that appeared since is found.
 class SessionBus {
 public:
-    SessionBus() : bus_(QDBusConnection::connectToBus(QDBusConnection::SessionBus, Name)) {}
+    SessionBus() : bus_(Connect(Name)) {}
     ~SessionBus() { QDBusConnection::disconnectFromBus(Name); }
     SessionBus(const SessionBus&) = delete;
     SessionBus& operator=(const SessionBus&) = delete;

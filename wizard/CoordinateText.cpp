@@ -10,10 +10,12 @@ namespace {
 constexpr double LatitudeLimit = 90;
 constexpr double LongitudeLimit = 360;
 
-/// A value together with the letter that stood at it, or a null character.
+/// A value together with the letter that stood at it, or a null character, and of how many numbers it is
+/// made.
 struct Lettered {
     double value = 0;
     QChar letter;
+    int numbers = 0;
 };
 
 /// Both halves of a pair in the order in which they stand.
@@ -118,6 +120,7 @@ std::optional<Lettered> ReadAngle(QString half, const QLocale& locale) {
             return std::nullopt;
         sawFraction = digits.contains(u'.') || digits.contains(u',');
         result->value += *number * unit;
+        ++result->numbers;
         unit /= 60;
     }
     const bool negative =
@@ -160,6 +163,9 @@ std::optional<LonLat> ParseLonLat(const QString& text, const QLocale& locale) {
         std::swap(latitude, longitude);
     const bool bare = latitude->letter.isNull() && longitude->letter.isNull();
     if (!bare && !(IsNorthSouth(latitude->letter) && IsEastWest(longitude->letter)))
+        return std::nullopt;
+    // Without letters only two angles written alike are surely a pair: "1,234 5" is none.
+    if (bare && latitude->numbers != longitude->numbers)
         return std::nullopt;
     if (std::abs(latitude->value) > LatitudeLimit || std::abs(longitude->value) > LongitudeLimit)
         return std::nullopt;

@@ -66,9 +66,9 @@ bool FieldChecks::eventFilter(QObject* watched, QEvent* event) {
         return QObject::eventFilter(watched, event);
     auto& [field, state] = *entry;
     if (event->type() == QEvent::FocusIn) {
-        Enter(*field, state, *static_cast<QFocusEvent*>(event));
+        Enter(*field, static_cast<QFocusEvent*>(event)->reason());
     } else if (event->type() == QEvent::FocusOut) {
-        Leave(*static_cast<QFocusEvent*>(event), *field);
+        Leave(*field, static_cast<QFocusEvent*>(event)->reason());
     } else if (event->type() == QEvent::MouseButtonRelease && state.entered) {
         // The press that gave the focus has put the cursor where it was; a drag has selected what it passed.
         state.entered = false;
@@ -78,15 +78,21 @@ bool FieldChecks::eventFilter(QObject* watched, QEvent* event) {
     return QObject::eventFilter(watched, event);
 }
 
-void FieldChecks::Enter(QLineEdit& field, State& state, const QFocusEvent& event) {
-    if (IsStillInField(event.reason()))
+void FieldChecks::Enter(QLineEdit& field, Qt::FocusReason reason) {
+    // The form comes back to the front with the focus where it was.
+    if (current_ == &field)
         return;
-    state.entered = event.reason() == Qt::MouseFocusReason;
+    current_ = &field;
+    // A click that comes while the form itself is only just getting the focus must not undo the selection.
+    fields_.at(&field).entered = reason == Qt::MouseFocusReason || IsStillInField(reason);
     field.selectAll();
 }
 
-void FieldChecks::Leave(const QFocusEvent& event, QLineEdit& field) {
-    if (IsStillInField(event.reason()) || !form_.isVisible() || Check(field))
+void FieldChecks::Leave(QLineEdit& field, Qt::FocusReason reason) {
+    if (IsStillInField(reason))
+        return;
+    current_ = nullptr;
+    if (!form_.isVisible() || Check(field))
         return;
     // Later, when the press or key that led away has been dealt with: a box in its middle would leave a
     // button pressed.
@@ -108,6 +114,7 @@ bool FieldChecks::Check(QLineEdit& field) {
     } catch (const ComponentError&) {
         Write(field, state.written);
         field.selectAll();
+        refusal_ = QString(); // nothing to be said, but the form stays open
     }
     return false;
 }
@@ -132,7 +139,13 @@ void FieldChecks::ShowRefusal() {
     if (!sentence || !form_.isVisible())
         return;
     ReleaseButtons();
-    ShowMessage(&form_, *sentence);
+    if (!sentence->isEmpty())
+        ShowMessage(&form_, *sentence);
+    // Whoever is still in the box types over what was refused.
+    for (const auto& [field, state] : fields_) {
+        if (field->hasFocus() && state.refused == field->text())
+            field->selectAll();
+    }
 }
 
 void FieldChecks::ReleaseButtons() {

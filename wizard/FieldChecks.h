@@ -7,7 +7,6 @@
 #include <map>
 #include <optional>
 
-class QFocusEvent;
 class QLineEdit;
 class QWidget;
 
@@ -41,11 +40,11 @@ private:
         QString written;                ///< stands for the stored value
         QString known;                  ///< the text before the last edit
         std::optional<QString> refused; ///< the text that was last refused
-        bool entered = false;           ///< by a press of the mouse that is not yet released
+        bool entered = false;           ///< the next release of the mouse still belongs to entering it
     };
 
-    void Enter(QLineEdit& field, State& state, const QFocusEvent& event);
-    void Leave(const QFocusEvent& event, QLineEdit& field);
+    void Enter(QLineEdit& field, Qt::FocusReason reason);
+    void Leave(QLineEdit& field, Qt::FocusReason reason);
     bool Check(QLineEdit& field);
     void Edited(QLineEdit& field, const QString& text);
     void ShowRefusal();
@@ -53,5 +52,6 @@ private:
 
     QWidget& form_;
     std::map<QLineEdit*, State> fields_;
+    QLineEdit* current_ = nullptr;   ///< the box that was entered and not left yet
     std::optional<QString> refusal_; ///< the sentence to show
 };

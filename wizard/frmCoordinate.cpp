@@ -158,7 +158,7 @@ void frmCoordinate::showEvent(QShowEvent* event) {
                                            ui_->txtLonDeg,    ui_->txtEasting, ui_->txtNorthing};
     for (QLineEdit* const field : fields) {
         if (field->isVisible() && field->isEnabled()) {
-            field->setFocus(Qt::TabFocusReason);
+            field->setFocus();
             return;
         }
     }

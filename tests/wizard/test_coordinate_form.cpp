@@ -1,0 +1,447 @@
+#include "tests/support/desktop/ModalScript.h"
+#include "tests/wizard/FormDriver.h"
+#include "wizard/frmCoordinate.h"
+
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QRadioButton>
+
+namespace {
+
+const auto Form = QStringLiteral("frmCoordinate");
+const auto Nowhere = QStringLiteral("You must enter a geografic position!");
+
+class CoordinateForm : public ::testing::Test {
+protected:
+    /// Shows the form once; the answer is whether it was confirmed.
+    bool Show(const std::function<void(QWidget&)>& act) {
+        script.Expect(Form, act);
+        return form.ShowModal();
+    }
+
+    void UseGrid() {
+        form.UseGrid = true;
+        form.UseLonLat = false;
+    }
+
+    ModalScript script;
+    frmCoordinate form;
+};
+
+const auto Cancel = [](QWidget& shown) { Click(shown, "bCancel"); };
+
+/// Lets what a focus change put off be said.
+void Wait() {
+    QApplication::processEvents();
+}
+
+} // namespace
+
+TEST_F(CoordinateForm, NumbersItsStepsAndPoints) {
+    const std::vector<std::tuple<std::int16_t, std::int16_t, std::string>> cases{
+        {1, 1, "Wizard step 4: Enter scaling coordinate 1 (of 3)"},
+        {3, 1, "Wizard step 8: Enter scaling coordinate 3 (of 3)"},
+        {4, 2, "Wizard step 10: Enter scaling coordinate 4 (of 4)"}};
+    for (const auto& [number, projection, headline] : cases) {
+        form.CoordinateNumber = number;
+        form.ProjectionType = projection;
+        Show([headline = headline](QWidget& shown) {
+            EXPECT_EQ(Find<QLabel>(shown, "lHeadline").text().toStdString(), headline);
+            EXPECT_EQ(shown.windowTitle().toStdString(), headline.substr(0, headline.rfind(" (") - 2));
+            EXPECT_EQ(
+                Find<QPlainTextEdit>(shown, "txtHelp").toPlainText().toStdString(),
+                "In this step you must enter the geographic position which represtents the X, Y position on "
+                "the raster map.\nIn total you need to specify 3 coordinates.\nThe coordinates should be as "
+                "far apart as possible for the best results. Try to place them in opposite corners.");
+            Click(shown, "bCancel");
+        });
+    }
+}
+
+TEST_F(CoordinateForm, HasEveryCaption) {
+    Show([](QWidget& shown) {
+        const std::vector<std::pair<const char*, const char*>> labels{
+            {"Label1", "X:"},        {"Label2", "Y:"},        {"lbUnzoomed", "(in unzoomed pixels)"},
+            {"Label7", "Latitude"},  {"Label8", "Longitude"}, {"lDegL", "Deg."},
+            {"lMinL", "Minutes"},    {"lSecL", "Seconds"},    {"Label16", "Easting"},
+            {"Label15", "Northing"}, {"lURL", "Help"}};
+        for (const auto& [name, caption] : labels)
+            EXPECT_EQ(Find<QLabel>(shown, name).text().toStdString(), caption);
+        EXPECT_EQ(Find<QGroupBox>(shown, "Frame1").title().toStdString(), "I. Bitmap X, Y");
+        EXPECT_EQ(Find<QGroupBox>(shown, "frameDatum").title().toStdString(), "II. Longitude / Latitude");
+        EXPECT_EQ(Find<QGroupBox>(shown, "frameGrid").title().toStdString(), "II. Easting / Northing");
+        EXPECT_EQ(Find<QRadioButton>(shown, "rbDecDeg").text().toStdString(), "Decimal degrees");
+        EXPECT_EQ(Find<QRadioButton>(shown, "rbDMS").text().toStdString(), "DMS");
+        EXPECT_EQ(Entries(shown, "ddLatHemi"), (std::vector<std::string>{"North", "South"}));
+        EXPECT_EQ(Entries(shown, "ddLonHemi"), (std::vector<std::string>{"East", "West"}));
+        Click(shown, "bCancel");
+    });
+}
+
+TEST_F(CoordinateForm, ShowsOneEntryAndOneFormat) {
+    Show([](QWidget& shown) {
+        EXPECT_TRUE(IsShown(shown, "frameDatum"));
+        EXPECT_FALSE(IsShown(shown, "frameGrid"));
+        EXPECT_TRUE(IsShown(shown, "txtLatDecDeg"));
+        EXPECT_FALSE(IsShown(shown, "txtLatSec"));
+        EXPECT_FALSE(IsShown(shown, "ddLonHemi"));
+        Click(shown, "rbDMS");
+        EXPECT_FALSE(IsShown(shown, "txtLonDecDeg"));
+        EXPECT_TRUE(IsShown(shown, "txtLonMin"));
+        EXPECT_TRUE(IsShown(shown, "ddLatHemi"));
+        Click(shown, "bCancel");
+    });
+    UseGrid();
+    Show([](QWidget& shown) {
+        EXPECT_FALSE(IsShown(shown, "frameDatum"));
+        EXPECT_TRUE(IsShown(shown, "frameGrid"));
+        EXPECT_EQ(Entries(shown, "ddUnit"),
+                  (std::vector<std::string>{"meters", "yards", "U.S. feet", "Int. feet"}));
+        EXPECT_EQ(Find<QComboBox>(shown, "ddUnit").currentText().toStdString(), "meters");
+        Click(shown, "bCancel");
+    });
+}
+
+TEST_F(CoordinateForm, ReadsDecimalDegrees) {
+    form.PixelX = 12;
+    form.PixelY = -3;
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        EXPECT_EQ(Text(shown, "txtX"), "12");
+        EXPECT_EQ(Text(shown, "txtY"), "-3");
+        TypeAndLeave(shown, "txtLatDecDeg", QStringLiteral("-55.67612345678"));
+        EXPECT_EQ(Text(shown, "txtLatDecDeg"), "-55.6761235");
+        EXPECT_EQ(Text(shown, "txtLatDeg"), "55");
+        EXPECT_EQ(Text(shown, "txtLatMin"), "40");
+        EXPECT_EQ(Text(shown, "txtLatSec"), "34.044");
+        EXPECT_EQ(Find<QComboBox>(shown, "ddLatHemi").currentIndex(), 1);
+        Type(shown, "txtLonDecDeg", QStringLiteral("12.5"));
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.Latitude, -55.67612345678);
+    EXPECT_EQ(form.Longitude, 12.5);
+    EXPECT_EQ(form.PixelX, 12);
+}
+
+TEST_F(CoordinateForm, ReadsDegreesMinutesSecondsAndHemisphere) {
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        Click(shown, "rbDMS");
+        TypeAndLeave(shown, "txtLatDeg", QStringLiteral("33"));
+        TypeAndLeave(shown, "txtLatMin", QStringLiteral("30"));
+        TypeAndLeave(shown, "txtLatSec", QStringLiteral("36.5"));
+        Pick(shown, "ddLatHemi", QStringLiteral("South"));
+        TypeAndLeave(shown, "txtLonDeg", QStringLiteral("70"));
+        TypeAndLeave(shown, "txtLonMin", QStringLiteral("75"));
+        EXPECT_EQ(Text(shown, "txtLonDeg"), "71");
+        EXPECT_EQ(Text(shown, "txtLonMin"), "15");
+        Pick(shown, "ddLonHemi", QStringLiteral("West"));
+        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "-71.25");
+        Pick(shown, "ddLonHemi", QStringLiteral("East"));
+        Pick(shown, "ddLonHemi", QStringLiteral("West"));
+        Click(shown, "bNext");
+    }));
+    EXPECT_NEAR(form.Latitude, -(33 + 30 / 60.0 + 36.5 / 3600), 1e-12);
+    EXPECT_NEAR(form.Longitude, -71.25, 1e-12);
+    // The format is remembered for the next point.
+    Show([](QWidget& shown) {
+        EXPECT_TRUE(Find<QRadioButton>(shown, "rbDMS").isChecked());
+        EXPECT_TRUE(IsShown(shown, "txtLatSec"));
+        Click(shown, "bCancel");
+    });
+}
+
+TEST_F(CoordinateForm, KeepsTheExactPositionWhenTheFormatIsSwitchedAndFieldsAreLeft) {
+    form.Latitude = 55.123456789012;
+    form.Longitude = -12.987654321098;
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        Click(shown, "rbDMS");
+        for (const char* const field : {"txtLatDeg", "txtLatMin", "txtLatSec", "txtLonSec"}) {
+            Click(shown, field);
+            QTest::keyClick(&Find<QLineEdit>(shown, field), Qt::Key_Tab);
+        }
+        TypeAndLeave(shown, "txtLatMin", QStringLiteral("7.0"));
+        EXPECT_EQ(Text(shown, "txtLatMin"), "7");
+        Click(shown, "rbDecDeg");
+        EXPECT_EQ(Text(shown, "txtLatDecDeg"), "55.1234568");
+        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "-12.9876543");
+        Click(shown, "txtLatDecDeg");
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.Latitude, 55.123456789012);
+    EXPECT_EQ(form.Longitude, -12.987654321098);
+}
+
+TEST_F(CoordinateForm, SaysOnceWhatIsNoNumberAndKeepsTheValue) {
+    script
+        .Expect(Form,
+                [this](QWidget& shown) {
+                    TypeAndLeave(shown, "txtLatDecDeg", QStringLiteral("55"));
+                    TypeAndLeave(shown, "txtLatDecDeg", QStringLiteral("12a"));
+                    Wait();
+                    EXPECT_EQ(Text(shown, "txtLatDecDeg"), "12a");
+                    EXPECT_EQ(Text(shown, "txtLatDeg"), "55");
+                    Click(shown, "bNext");
+                })
+        .ExpectBox(QStringLiteral("'12a' is not a number!"));
+    EXPECT_TRUE(form.ShowModal());
+    EXPECT_EQ(form.Latitude, 55);
+}
+
+TEST_F(CoordinateForm, StaysOpenWhenNextIsClickedStraightFromABadField) {
+    form.Latitude = 55;
+    script
+        .Expect(Form,
+                [](QWidget& shown) {
+                    Type(shown, "txtLonDecDeg", QStringLiteral("<b>x</b>"));
+                    Click(shown, "bNext");
+                    Wait();
+                    EXPECT_TRUE(shown.isVisible());
+                    EXPECT_FALSE(Find<QAbstractButton>(shown, "bNext").isDown());
+                    Click(shown, "bCancel");
+                })
+        .ExpectBox(QStringLiteral("'<b>x</b>' is not a number!"));
+    EXPECT_FALSE(form.ShowModal());
+}
+
+TEST_F(CoordinateForm, StaysOpenWhenTheBoxComesWhileNextIsStillPressed) {
+    form.Latitude = 55;
+    script
+        .Expect(Form,
+                [](QWidget& shown) {
+                    Type(shown, "txtLonDecDeg", QStringLiteral("x"));
+                    auto& next = Find<QAbstractButton>(shown, "bNext");
+                    QTest::mousePress(&next, Qt::LeftButton);
+                    Wait(); // the box comes and goes
+                    QTest::mouseRelease(&next, Qt::LeftButton);
+                    Wait();
+                    EXPECT_TRUE(shown.isVisible());
+                    Click(shown, "bCancel");
+                })
+        .ExpectBox(QStringLiteral("'x' is not a number!"));
+    EXPECT_FALSE(form.ShowModal());
+}
+
+TEST_F(CoordinateForm, ChecksTheFieldWhenEnterIsPressedInIt) {
+    script
+        .Expect(Form,
+                [](QWidget& shown) {
+                    Type(shown, "txtLonDecDeg", QStringLiteral("1x"));
+                    QTest::keyClick(&Find<QLineEdit>(shown, "txtLonDecDeg"), Qt::Key_Return);
+                    Wait();
+                    EXPECT_TRUE(shown.isVisible());
+                    Type(shown, "txtLonDecDeg", QStringLiteral("12"));
+                    QTest::keyClick(&Find<QLineEdit>(shown, "txtLonDecDeg"), Qt::Key_Return);
+                })
+        .ExpectBox(QStringLiteral("'1x' is not a number!"));
+    EXPECT_TRUE(form.ShowModal());
+    EXPECT_EQ(form.Longitude, 12);
+}
+
+TEST_F(CoordinateForm, LeavesWithoutAWordByEscapeFromABadField) {
+    EXPECT_FALSE(Show([](QWidget& shown) {
+        Type(shown, "txtLonDecDeg", QStringLiteral("1x"));
+        QTest::keyClick(&Find<QLineEdit>(shown, "txtLonDecDeg"), Qt::Key_Escape);
+        Wait();
+    }));
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        Type(shown, "txtLonDecDeg", QStringLiteral("1"));
+        Click(shown, "bNext");
+    }));
+}
+
+TEST_F(CoordinateForm, ReadsAnEmptyFieldAsZero) {
+    form.Latitude = 55;
+    form.Longitude = 12;
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        TypeAndLeave(shown, "txtLonDecDeg", QString());
+        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "0");
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.Longitude, 0);
+}
+
+TEST_F(CoordinateForm, PutsBackWhatNoPositionCanBe) {
+    form.Latitude = 55;
+    EXPECT_FALSE(Show([](QWidget& shown) {
+        TypeAndLeave(shown, "txtLatDecDeg", QStringLiteral("91"));
+        EXPECT_EQ(Text(shown, "txtLatDecDeg"), "55");
+        Type(shown, "txtLonDecDeg", QStringLiteral("361"));
+        Click(shown, "bNext");
+        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "0");
+        TypeAndLeave(shown, "txtX", QStringLiteral("3e9"));
+        EXPECT_EQ(Text(shown, "txtX"), "0");
+        Click(shown, "bCancel");
+    }));
+}
+
+TEST_F(CoordinateForm, RefusesThePlaceWhereBothAreZero) {
+    script
+        .Expect(Form,
+                [](QWidget& shown) {
+                    Click(shown, "bNext");
+                    EXPECT_TRUE(shown.isVisible());
+                    Type(shown, "txtLonDecDeg", QStringLiteral("0.0000001"));
+                    Click(shown, "bNext");
+                })
+        .ExpectBox(Nowhere);
+    EXPECT_TRUE(form.ShowModal());
+    UseGrid();
+    script
+        .Expect(Form,
+                [](QWidget& shown) {
+                    Click(shown, "bNext");
+                    EXPECT_TRUE(shown.isVisible());
+                    Type(shown, "txtNorthing", QStringLiteral("-1"));
+                    Click(shown, "bNext");
+                })
+        .ExpectBox(Nowhere);
+    EXPECT_TRUE(form.ShowModal());
+    EXPECT_EQ(form.Easting, 0);
+    EXPECT_EQ(form.Northing, -1);
+}
+
+TEST_F(CoordinateForm, RoundsTypedPixelsDown) {
+    form.Latitude = 1;
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        TypeAndLeave(shown, "txtX", QStringLiteral("12.9"));
+        Type(shown, "txtY", QStringLiteral("-0.5"));
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.PixelX, 12);
+    EXPECT_EQ(form.PixelY, -1);
+}
+
+TEST_F(CoordinateForm, ConvertsLengthsAndRemembersTheUnit) {
+    UseGrid();
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        Pick(shown, "ddUnit", QStringLiteral("U.S. feet"));
+        TypeAndLeave(shown, "txtEasting", QStringLiteral("100"));
+        EXPECT_EQ(Text(shown, "txtEasting"), "100");
+        Type(shown, "txtNorthing", QStringLiteral("1000.5"));
+        Click(shown, "bNext");
+    }));
+    EXPECT_NEAR(form.Easting, 30.480061, 1e-12);
+    EXPECT_NEAR(form.Northing, 1000.5 * 0.30480061, 1e-9);
+    Show([](QWidget& shown) {
+        EXPECT_EQ(Find<QComboBox>(shown, "ddUnit").currentText().toStdString(), "U.S. feet");
+        EXPECT_EQ(Text(shown, "txtNorthing"), "1000.5");
+        Pick(shown, "ddUnit", QStringLiteral("yards"));
+        Click(shown, "bCancel");
+    });
+    // A cancelled showing does not count.
+    Show([](QWidget& shown) {
+        EXPECT_EQ(Find<QComboBox>(shown, "ddUnit").currentText().toStdString(), "U.S. feet");
+        Click(shown, "bCancel");
+    });
+}
+
+TEST_F(CoordinateForm, KeepsTheMetersWhenUnitsAreSwitchedAndFieldsAreLeft) {
+    UseGrid();
+    form.Easting = 500000.123456;
+    form.Northing = 6173000.5;
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        EXPECT_EQ(Text(shown, "txtEasting"), "500000.12");
+        for (const char* const unit : {"yards", "U.S. feet", "Int. feet", "meters"}) {
+            Pick(shown, "ddUnit", QString::fromLatin1(unit));
+            Click(shown, "txtEasting");
+            Click(shown, "txtNorthing");
+        }
+        EXPECT_EQ(Text(shown, "txtEasting"), "500000.12");
+        EXPECT_EQ(Text(shown, "txtNorthing"), "6173000.5");
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.Easting, 500000.123456);
+}
+
+TEST_F(CoordinateForm, LocksWhatIsGiven) {
+    const std::vector<const char*> x{"txtEasting", "txtLonDecDeg", "txtLonDeg",
+                                     "txtLonMin",  "txtLonSec",    "ddLonHemi"};
+    const std::vector<const char*> y{"txtNorthing", "txtLatDecDeg", "txtLatDeg",
+                                     "txtLatMin",   "txtLatSec",    "ddLatHemi"};
+    form.Latitude = 55;
+    for (const auto& [lockX, lockY] : {std::pair{true, true}, {true, false}, {false, true}, {false, false}}) {
+        form.LockX = lockX;
+        form.LockY = lockY;
+        EXPECT_TRUE(Show([&, lockX = lockX, lockY = lockY](QWidget& shown) {
+            for (const char* const name : x)
+                EXPECT_EQ(Find<QWidget>(shown, name).isEnabled(), !lockX) << name;
+            for (const char* const name : y)
+                EXPECT_EQ(Find<QWidget>(shown, name).isEnabled(), !lockY) << name;
+            Click(shown, "bNext");
+        }));
+    }
+}
+
+TEST_F(CoordinateForm, SelectsTheWholeTextOfAFieldThatIsEntered) {
+    form.PixelX = 1234;
+    Show([](QWidget& shown) {
+        for (const char* const name : {"txtX", "txtLatDecDeg"}) {
+            auto& field = Find<QLineEdit>(shown, name);
+            Click(shown, name);
+            EXPECT_EQ(field.selectedText(), field.text()) << name;
+            QTest::keyClick(&field, Qt::Key_Tab);
+        }
+        auto* const entered = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+        ASSERT_NE(entered, nullptr);
+        EXPECT_EQ(entered->selectedText(), entered->text());
+        Click(shown, "bCancel");
+    });
+}
+
+TEST_F(CoordinateForm, TakesAWholeCoordinateThatIsPasted) {
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        Paste(shown, "txtLonDecDeg", QStringLiteral("55°40'34\"N 12°34'08\"E"));
+        EXPECT_EQ(Text(shown, "txtLatDecDeg"), "55.6761111");
+        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "12.5688889");
+        Click(shown, "rbDMS");
+        Paste(shown, "txtLatSec", QStringLiteral("-55.5 12.25"));
+        EXPECT_EQ(Text(shown, "txtLatMin"), "30");
+        EXPECT_EQ(Text(shown, "txtLonMin"), "15");
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.Latitude, -55.5);
+    EXPECT_EQ(form.Longitude, 12.25);
+    UseGrid();
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        Paste(shown, "txtNorthing", QStringLiteral("32633 6173000"));
+        EXPECT_EQ(Text(shown, "txtEasting"), "32633");
+        EXPECT_EQ(Text(shown, "txtNorthing"), "6173000");
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.Easting, 32633);
+    EXPECT_EQ(form.Northing, 6173000);
+}
+
+TEST_F(CoordinateForm, PastesIntoUnlockedFieldsOnlyAndOtherTextsAsTheyAre) {
+    form.LockX = true;
+    form.Longitude = 9;
+    script
+        .Expect(Form,
+                [](QWidget& shown) {
+                    Paste(shown, "txtLatDecDeg", QStringLiteral("55.5 12.5"));
+                    EXPECT_EQ(Text(shown, "txtLatDecDeg"), "55.5");
+                    EXPECT_EQ(Text(shown, "txtLonDecDeg"), "9");
+                    Paste(shown, "txtLatDecDeg", QStringLiteral("91 12.5"));
+                    EXPECT_EQ(Text(shown, "txtLatDecDeg"), "91 12.5");
+                    Click(shown, "bNext");
+                    Wait();
+                    // What is typed key by key is never taken for a pair.
+                    Type(shown, "txtLatDecDeg", QStringLiteral("44 1"));
+                    EXPECT_EQ(Text(shown, "txtLatDecDeg"), "44 1");
+                    Paste(shown, "txtLatDecDeg", QStringLiteral("44.25"));
+                    Click(shown, "bNext");
+                })
+        .ExpectBox(QStringLiteral("'91 12.5' is not a number!"));
+    EXPECT_TRUE(form.ShowModal());
+    EXPECT_EQ(form.Latitude, 44.25);
+    EXPECT_EQ(form.Longitude, 9);
+}
+
+TEST_F(CoordinateForm, SwitchesFieldsBetweenEntriesWithoutCarryingOldTextsOver) {
+    form.Latitude = 55;
+    Show(Cancel);
+    form.Latitude = 44;
+    Show([](QWidget& shown) {
+        EXPECT_EQ(Text(shown, "txtLatDecDeg"), "44");
+        Click(shown, "bCancel");
+    });
+}

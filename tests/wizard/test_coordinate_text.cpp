@@ -1,0 +1,78 @@
+#include "wizard/CoordinateText.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct AngleCase {
+    const char* text;
+    double latitude;
+    double longitude;
+};
+
+constexpr double Copenhagen = 55 + 40 / 60.0 + 34 / 3600.0;
+constexpr double CopenhagenEast = 12 + 34 / 60.0 + 8 / 3600.0;
+
+} // namespace
+
+TEST(PastedLonLat, IsReadInTheFormsInUse) {
+    const std::vector<AngleCase> cases{
+        {"55°40'34\"N 12°34'08\"E", Copenhagen, CopenhagenEast},
+        {"55° 40' 34\" N, 12° 34' 8\" E", Copenhagen, CopenhagenEast},
+        {"55º40′34″N 12º34′08″E", Copenhagen, CopenhagenEast},
+        {"N 55 40 34 E 12 34 8", Copenhagen, CopenhagenEast},
+        {"55 40 34 n\t12 34 8 e", Copenhagen, CopenhagenEast},
+        {"12°34'08\"E 55°40'34\"N", Copenhagen, CopenhagenEast},
+        {"55°40'34\" 12°34'08\"", Copenhagen, CopenhagenEast},
+        {"55.676 12.569", 55.676, 12.569},
+        {"  55.676,12.569 ", 55.676, 12.569},
+        {"55.676; 12.569", 55.676, 12.569},
+        {"-33.9, -70.5", -33.9, -70.5},
+        {"\u221233.9 \u221270.5", -33.9, -70.5},
+        {"33.9S 70.5W", -33.9, -70.5},
+        {"55°40.5'N 12°30.25'E", 55.675, 12 + 30.25 / 60},
+        {"0 0", 0, 0},
+    };
+    for (const AngleCase& row : cases) {
+        const auto position = ParseLonLat(QString::fromUtf8(row.text), QLocale::c());
+        ASSERT_TRUE(position.has_value()) << row.text;
+        EXPECT_NEAR(position->latitude, row.latitude, 1e-12) << row.text;
+        EXPECT_NEAR(position->longitude, row.longitude, 1e-12) << row.text;
+    }
+}
+
+TEST(PastedLonLat, IsNothingElse) {
+    for (const char* const text :
+         {"",        "55.676",  "55.676 12.569 3", "91 12",   "55 361",   "55°60'N 12°E", "55.5°30'N 12°E",
+          "55N 12N", "55E 12E", "-55N 12E",        "abc def", "N",        "N E",          "55,676 12,569",
+          "1,234 5", "nan inf", "0x10 5",          "55N 12",  "55 12E 3", "55°40'34\"N"}) {
+        EXPECT_FALSE(ParseLonLat(QString::fromUtf8(text), QLocale::c()).has_value()) << text;
+    }
+}
+
+TEST(PastedLonLat, MayHaveADecimalCommaWhereTheUserHas) {
+    const QLocale german(QLocale::German);
+    for (const char* const text : {"55,676 12,569", "55,676; 12,569", "55,676, 12,569", "55.676 12.569"}) {
+        const auto position = ParseLonLat(QString::fromUtf8(text), german);
+        ASSERT_TRUE(position.has_value()) << text;
+        EXPECT_DOUBLE_EQ(position->latitude, 55.676) << text;
+        EXPECT_DOUBLE_EQ(position->longitude, 12.569) << text;
+    }
+}
+
+TEST(PastedEastNorth, IsReadInTheFormsInUse) {
+    for (const char* const text :
+         {"32633 6173000", "32633, 6173000", "E 32633 N 6173000", "6173000N 32633E", "32633.0\n6173000"}) {
+        const auto position = ParseEastNorth(QString::fromUtf8(text), QLocale::c());
+        ASSERT_TRUE(position.has_value()) << text;
+        EXPECT_EQ(position->easting, 32633) << text;
+        EXPECT_EQ(position->northing, 6173000) << text;
+    }
+    EXPECT_EQ(ParseEastNorth(QStringLiteral("-1.5 -2"), QLocale::c())->easting, -1.5);
+}
+
+TEST(PastedEastNorth, IsNothingElse) {
+    for (const char* const text : {"", "32633", "1 2 3", "32633W 6173000N", "32633E 6173000E", "1e5 2e5",
+                                   "a b", "55°40'N 12°E", "32633E 6173000"})
+        EXPECT_FALSE(ParseEastNorth(QString::fromUtf8(text), QLocale::c()).has_value()) << text;
+}

@@ -1,0 +1,84 @@
+#include "tests/support/desktop/ModalScript.h"
+#include "tests/wizard/FormDriver.h"
+#include "wizard/frmInfo.h"
+#include "wizard/frmProjection.h"
+
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QRadioButton>
+
+TEST(ProjectionForm, OpensWithNothingChosen) {
+    frmProjection form;
+    ModalScript script;
+    script.Expect(QStringLiteral("frmProjection"), [](QWidget& shown) {
+        EXPECT_EQ(shown.windowTitle().toStdString(), "Wizard Step 2: Projection");
+        EXPECT_EQ(Find<QLabel>(shown, "Label3").text().toStdString(), "Wizard step 2: Projection");
+        EXPECT_EQ(Find<QGroupBox>(shown, "Frame1").title().toStdString(), "I. Projection");
+        EXPECT_EQ(Find<QRadioButton>(shown, "rbCartesian").text().toStdString(), "Linear");
+        EXPECT_EQ(Find<QRadioButton>(shown, "rbPolar").text().toStdString(), "Polar");
+        EXPECT_FALSE(Find<QRadioButton>(shown, "rbCartesian").isChecked());
+        EXPECT_FALSE(Find<QRadioButton>(shown, "rbPolar").isChecked());
+        EXPECT_EQ(
+            Find<QPlainTextEdit>(shown, "txtHelp").toPlainText().toStdString(),
+            "In this step you select how the longitude / latitude or easting / northing lines are drawn on "
+            "the map. The most common case is Cartesian\"");
+        Click(shown, "bCancel");
+    });
+    EXPECT_FALSE(form.ShowModal());
+}
+
+TEST(ProjectionForm, GivesOneForLinearAndTwoForPolar) {
+    const std::vector<std::pair<const char*, int>> cases{
+        {"rbCartesian", 1}, {"rbPolar", 2}, {"imgCartesian", 1}, {"imgPolar", 2}};
+    for (const auto& [control, projection] : cases) {
+        frmProjection form;
+        ModalScript script;
+        script.Expect(QStringLiteral("frmProjection"), [control = control](QWidget& shown) {
+            Click(shown, control);
+            Click(shown, "bNext");
+        });
+        EXPECT_TRUE(form.ShowModal()) << control;
+        EXPECT_EQ(form.Projection(), projection) << control;
+    }
+}
+
+TEST(ProjectionForm, StaysUntilAProjectionIsChosen) {
+    frmProjection form;
+    ModalScript script;
+    script
+        .Expect(QStringLiteral("frmProjection"),
+                [](QWidget& shown) {
+                    Click(shown, "bNext");
+                    EXPECT_TRUE(shown.isVisible());
+                    QTest::keyClick(&shown, Qt::Key_Escape);
+                })
+        .ExpectBox(QStringLiteral("You must select a projection type!"));
+    EXPECT_FALSE(form.ShowModal());
+}
+
+TEST(InfoForm, TellsHowToClickTheCorners) {
+    frmInfo form;
+    ModalScript script;
+    script.Expect(QStringLiteral("frmInfo"), [](QWidget& shown) {
+        EXPECT_EQ(shown.windowTitle().toStdString(), "Wizard: How to click");
+        std::vector<std::string> texts;
+        for (const auto* const label : shown.findChildren<QLabel*>())
+            texts.push_back(label->text().toStdString());
+        EXPECT_THAT(texts,
+                    ::testing::UnorderedElementsAre(
+                        "After this dialog you will be asked to calibrate the map using 4 coordinates",
+                        "Select a coordinate to the upper left", "Select a coordinate to the lower left",
+                        "This coordinate must have the same longitude (or easting) as Coordinate 1",
+                        "Select a coordinate to the upper right",
+                        "This coordinate must have the same latitude (or northing) as Coordinate 1",
+                        "Select a coordinate to the lower right",
+                        "This coordinate must have the same latitude (or northing) as Coordinate 2",
+                        "And it must have the same longitude (or easting) as Coordinate 3", "Help"));
+        for (int number = 1; number <= 4; ++number)
+            EXPECT_EQ(
+                Find<QGroupBox>(shown, ("Frame" + std::to_string(number)).c_str()).title().toStdString(),
+                "Coordinate " + std::to_string(number));
+        Click(shown, "bNext");
+    });
+    form.ShowModal();
+}

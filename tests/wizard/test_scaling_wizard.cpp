@@ -1,0 +1,403 @@
+#include "base/ComponentError.h"
+#include "component/AtlavexLibrary.h"
+#include "tests/support/RunProgram.h"
+#include "tests/support/TempFolder.h"
+#include "tests/support/desktop/ModalScript.h"
+#include "tests/wizard/FormDriver.h"
+#include "tests/wizard/RecordingMap.h"
+#include "wizard/clsScalingWizard.h"
+
+#include <QImage>
+#include <QLabel>
+
+#include <sstream>
+
+namespace {
+
+const auto SelectForm = QStringLiteral("frmSelectDatumGrid");
+const auto ProjectionForm = QStringLiteral("frmProjection");
+const auto InfoForm = QStringLiteral("frmInfo");
+const auto PointForm = QStringLiteral("frmCoordinate");
+const auto Cancelled =
+    QStringLiteral("Wizard canceled! Select 'Bitmap -> Scaling Wizard...' from menu to restart the Wizard.");
+const char* const Wgs84 = "SetMapDatum 6378137 0.006694379990141 0 0 0 0 0 0 0";
+
+const auto CancelForm = [](QWidget& shown) { Click(shown, "bCancel"); };
+
+class ScalingWizard : public ::testing::Test {
+protected:
+    /// Step 1 with a datum of a country.
+    void ExpectDatum(const QString& country, const QString& datum) {
+        script.Expect(SelectForm, [=](QWidget& shown) {
+            Pick(shown, "ddCountry", country);
+            Pick(shown, "ddDatum", datum);
+            Click(shown, "bNext");
+        });
+    }
+
+    /// Step 1 with a grid; the zone is typed or picked, if there is one.
+    void ExpectGrid(const QString& country, const QString& grid, const QString& zone = {}) {
+        script.Expect(SelectForm, [=](QWidget& shown) {
+            Pick(shown, "ddCountry", country);
+            Click(shown, "rdShowGrid");
+            Pick(shown, "ddGrid", grid);
+            if (IsShown(shown, "txtZone"))
+                Type(shown, "txtZone", zone);
+            else if (!zone.isEmpty())
+                Pick(shown, "ddZone", zone);
+            Click(shown, "bNext");
+        });
+    }
+
+    void ExpectProjection(const char* option) {
+        script.Expect(ProjectionForm, [option](QWidget& shown) {
+            Click(shown, option);
+            Click(shown, "bNext");
+        });
+        if (std::string_view(option) == "rbPolar")
+            script.Expect(InfoForm, [](QWidget& shown) { QTest::keyClick(&shown, Qt::Key_Escape); });
+    }
+
+    /// One point: what is not locked is typed.
+    void DefinePoint(std::int32_t pixelX, std::int32_t pixelY, const char* xField, double x,
+                     const char* yField, double y) {
+        script.Expect(PointForm, [=](QWidget& shown) {
+            for (const auto& [field, value] : {std::pair{xField, x}, std::pair{yField, y}}) {
+                if (Find<QWidget>(shown, field).isEnabled())
+                    Type(shown, field, QString::number(value, 'f', 9));
+            }
+            Click(shown, "bNext");
+        });
+        EXPECT_TRUE(wizard.DoDefineCoordinate(pixelX, pixelY));
+    }
+    void DefineLonLat(std::int32_t pixelX, std::int32_t pixelY, double longitude, double latitude) {
+        DefinePoint(pixelX, pixelY, "txtLonDecDeg", longitude, "txtLatDecDeg", latitude);
+    }
+    void DefineEastNorth(std::int32_t pixelX, std::int32_t pixelY, double easting, double northing) {
+        DefinePoint(pixelX, pixelY, "txtEasting", easting, "txtNorthing", northing);
+    }
+
+    ModalScript script;
+    clsScalingWizard wizard{nullptr};
+    RecordingMap map;
+};
+
+} // namespace
+
+TEST_F(ScalingWizard, StartsUnfinished) {
+    EXPECT_FALSE(wizard.Finished());
+    EXPECT_EQ(wizard.CoordinateIndex(), 0);
+    EXPECT_EQ(wizard.Prompt().toStdString(), "");
+}
+
+TEST_F(ScalingWizard, HandsADatumAndThreePointsToTheMap) {
+    ExpectDatum(QStringLiteral("Denmark"), QStringLiteral("ED50 Denmark"));
+    ExpectProjection("rbCartesian");
+    ASSERT_TRUE(wizard.DoSelectDatumGrid());
+    EXPECT_EQ(wizard.Projection(), 1);
+    EXPECT_EQ(wizard.CoordinateIndex(), 1);
+    EXPECT_EQ(wizard.Prompt().toStdString(), "Wizard step 3: Click on a known coordinate");
+    DefineLonLat(10, 20, 12.5, 55.5);
+    EXPECT_EQ(wizard.CoordinateIndex(), 2);
+    EXPECT_EQ(wizard.Prompt().toStdString(), "Wizard step 5: Click on a known coordinate");
+    EXPECT_EQ(wizard.GivenPoints(), (std::vector<ReferencePoint>{{12.5, 55.5, 10, 20}}));
+    DefineLonLat(300, 20, 13, 55.5);
+    EXPECT_EQ(wizard.Prompt().toStdString(), "Wizard step 7: Click on a known coordinate");
+    EXPECT_FALSE(wizard.Finished());
+    DefineLonLat(300, 250, 13, 55);
+    EXPECT_TRUE(wizard.Finished());
+    EXPECT_EQ(wizard.CoordinateIndex(), 3);
+    EXPECT_EQ(wizard.GivenPoints().size(), 3U);
+    wizard.ScaleMap(&map);
+    EXPECT_THAT(map.calls,
+                ::testing::ElementsAre(
+                    "SetMapDatum 6378388 0.006722670022333 -81.1 -89.4 -115.8 0.485 0.024 0.413 -0.54",
+                    "SetScalingThreePoints 12.5 55.5 10 20, 13 55.5 300 20, 13 55 300 250"));
+}
+
+TEST_F(ScalingWizard, HandsAGridWithItsDatumToTheMap) {
+    ExpectGrid(QStringLiteral("International"), QStringLiteral("UTM North (wgs84)"), QStringLiteral("32"));
+    ExpectProjection("rbCartesian");
+    ASSERT_TRUE(wizard.DoSelectDatumGrid());
+    DefineEastNorth(0, 0, 500000.25, 6200000);
+    DefineEastNorth(100, 0, 501000, 6200000);
+    DefineEastNorth(0, 100, 500000, 6199000);
+    wizard.ScaleMap(&map);
+    EXPECT_THAT(map.calls,
+                ::testing::ElementsAre(Wgs84, "SetMapGrid 1 32 0 9 0.9996 5e+05 0 0 0",
+                                       "SetScalingThreePoints 500000.25 6200000 0 0, 501000 6200000 100 0, "
+                                       "5e+05 6199000 0 100"));
+}
+
+TEST_F(ScalingWizard, TakesFourCornersAndFillsInWhatTheyShare) {
+    ExpectDatum(QStringLiteral("International"), QStringLiteral("WGS84"));
+    ExpectProjection("rbPolar");
+    ASSERT_TRUE(wizard.DoSelectDatumGrid());
+    EXPECT_EQ(wizard.Projection(), 2);
+    EXPECT_EQ(wizard.Prompt().toStdString(), "Wizard step 3: Click on upper left coordinate");
+    DefineLonLat(50, 20, 10, 60);
+    EXPECT_EQ(wizard.Prompt().toStdString(), "Wizard step 5: Click on lower left coordinate");
+    script.Expect(PointForm, [](QWidget& shown) {
+        EXPECT_EQ(Find<QLabel>(shown, "lHeadline").text().toStdString(),
+                  "Wizard step 6: Enter scaling coordinate 2 (of 4)");
+        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "10");
+        EXPECT_EQ(Text(shown, "txtLatDecDeg"), "0");
+        EXPECT_FALSE(Find<QWidget>(shown, "txtLonDecDeg").isEnabled());
+        EXPECT_TRUE(Find<QWidget>(shown, "txtLatDecDeg").isEnabled());
+        Type(shown, "txtLatDecDeg", QStringLiteral("50"));
+        Click(shown, "bNext");
+    });
+    EXPECT_TRUE(wizard.DoDefineCoordinate(10, 280));
+    EXPECT_EQ(wizard.Prompt().toStdString(), "Wizard step 7: Click on upper right coordinate");
+    script.Expect(PointForm, [](QWidget& shown) {
+        EXPECT_EQ(Text(shown, "txtLatDecDeg"), "60");
+        EXPECT_FALSE(Find<QWidget>(shown, "txtLatDecDeg").isEnabled());
+        Type(shown, "txtLonDecDeg", QStringLiteral("20"));
+        Click(shown, "bNext");
+    });
+    EXPECT_TRUE(wizard.DoDefineCoordinate(350, 20));
+    EXPECT_EQ(wizard.Prompt().toStdString(), "Wizard step 9: Click on lower right coordinate");
+    script.Expect(PointForm, [](QWidget& shown) {
+        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "20");
+        EXPECT_EQ(Text(shown, "txtLatDecDeg"), "50");
+        EXPECT_FALSE(Find<QWidget>(shown, "txtLonDecDeg").isEnabled());
+        EXPECT_FALSE(Find<QWidget>(shown, "txtLatDecDeg").isEnabled());
+        Click(shown, "bNext");
+    });
+    EXPECT_TRUE(wizard.DoDefineCoordinate(390, 280));
+    EXPECT_TRUE(wizard.Finished());
+    wizard.ScaleMap(&map);
+    EXPECT_THAT(map.calls,
+                ::testing::ElementsAre(
+                    Wgs84, "SetScalingCorners 10 60 50 20, 10 50 10 280, 20 60 350 20, 20 50 390 280"));
+}
+
+TEST_F(ScalingWizard, FillsInEastingsAndNorthingsOfCornersToo) {
+    ExpectGrid(QStringLiteral("Switzerland"), QStringLiteral("Swiss Grid (ch1903)"));
+    ExpectProjection("rbPolar");
+    ASSERT_TRUE(wizard.DoSelectDatumGrid());
+    DefineEastNorth(0, 0, 600000, 210000);
+    DefineEastNorth(0, 100, 0, 200000);
+    DefineEastNorth(100, 0, 610000, 0);
+    DefineEastNorth(100, 100, 0, 0);
+    EXPECT_EQ(wizard.GivenPoints().back(), (ReferencePoint{610000, 200000, 100, 100}));
+}
+
+TEST_F(ScalingWizard, TakesThePixelAsItStandsInTheForm) {
+    ExpectDatum(QStringLiteral("International"), QStringLiteral("WGS84"));
+    ExpectProjection("rbCartesian");
+    ASSERT_TRUE(wizard.DoSelectDatumGrid());
+    script.Expect(PointForm, [](QWidget& shown) {
+        EXPECT_EQ(Text(shown, "txtX"), "7");
+        Type(shown, "txtX", QStringLiteral("12.9"));
+        Type(shown, "txtLatDecDeg", QStringLiteral("5"));
+        Click(shown, "bNext");
+    });
+    EXPECT_TRUE(wizard.DoDefineCoordinate(7, 8));
+    EXPECT_EQ(wizard.GivenPoints().front(), (ReferencePoint{0, 5, 12, 8}));
+}
+
+TEST_F(ScalingWizard, EndsWithTheSameWordsWhereverItIsCancelled) {
+    script.Expect(SelectForm, CancelForm).ExpectBox(Cancelled);
+    EXPECT_FALSE(wizard.DoSelectDatumGrid());
+    ExpectDatum(QStringLiteral("Italy"), QStringLiteral("WGS84"));
+    script.Expect(ProjectionForm, CancelForm).ExpectBox(Cancelled);
+    EXPECT_FALSE(wizard.DoSelectDatumGrid());
+    ExpectDatum(QStringLiteral("Italy"), QStringLiteral("WGS84"));
+    ExpectProjection("rbCartesian");
+    EXPECT_TRUE(wizard.DoSelectDatumGrid());
+    DefineLonLat(1, 1, 1, 1);
+    script.Expect(PointForm, CancelForm).ExpectBox(Cancelled);
+    EXPECT_FALSE(wizard.DoDefineCoordinate(5, 5));
+    EXPECT_EQ(wizard.CoordinateIndex(), 2);
+    EXPECT_EQ(wizard.GivenPoints().size(), 1U);
+}
+
+TEST_F(ScalingWizard, GoesOnWithoutACoordinateSystemThatNobodyGave) {
+    script.Expect(SelectForm, [](QWidget& shown) { Click(shown, "bNext"); });
+    ExpectProjection("rbCartesian");
+    ASSERT_TRUE(wizard.DoSelectDatumGrid());
+    DefineLonLat(0, 0, 1, 1);
+    DefineLonLat(9, 0, 2, 1);
+    DefineLonLat(0, 9, 1, 2);
+    wizard.ScaleMap(&map);
+    EXPECT_THAT(map.calls, ::testing::ElementsAre("SetScalingThreePoints 1 1 0 0, 2 1 9 0, 1 2 0 9"));
+}
+
+TEST_F(ScalingWizard, ReportsTheFirstFailureAndCallsNothingMore) {
+    for (const char* const refused : {"SetMapDatum", "SetMapGrid", "SetScalingThreePoints"}) {
+        clsScalingWizard run(nullptr);
+        ExpectGrid(QStringLiteral("Switzerland"), QStringLiteral("Swiss Grid (ch1903)"));
+        ExpectProjection("rbCartesian");
+        ASSERT_TRUE(run.DoSelectDatumGrid());
+        for (int point = 0; point < 3; ++point) {
+            script.Expect(PointForm, [](QWidget& shown) {
+                Type(shown, "txtEasting", QStringLiteral("1"));
+                Click(shown, "bNext");
+            });
+            run.DoDefineCoordinate(point, 0);
+        }
+        map.calls.clear();
+        map.refuse = refused;
+        script.Expect(QStringLiteral("MessageBox"), [](QWidget& shown) {
+            const auto& box = dynamic_cast<QMessageBox&>(shown);
+            EXPECT_EQ(box.text().toStdString(), "Invalid scaling: No.");
+            EXPECT_EQ(box.icon(), QMessageBox::Critical);
+            QTest::keyClick(&shown, Qt::Key_Return);
+        });
+        run.ScaleMap(&map);
+        EXPECT_EQ(map.calls.back().substr(0, std::string_view(refused).size()), refused);
+    }
+}
+
+TEST_F(ScalingWizard, ThrowsWhenThereIsNoMap) {
+    EXPECT_THROW(wizard.ScaleMap(nullptr), ComponentError);
+}
+
+TEST(WizardPointsHandedOver, HaveTheirPixelsRoundedHalfToEven) {
+    RecordingMap map;
+    WizardPoints points;
+    points.x = {0, 1, 2, 3, 4};
+    points.pixelX = {0, 10.5, 11.5, -0.5, 1};
+    HandOverPoints(map, 1, points);
+    HandOverPoints(map, 2, points);
+    HandOverPoints(map, 3, points);
+    EXPECT_THAT(map.calls, ::testing::ElementsAre("SetScalingThreePoints 1 0 10 0, 2 0 12 0, 3 0 0 0",
+                                                  "SetScalingCorners 1 0 10 0, 2 0 12 0, 3 0 0 0, 4 0 1 0"));
+    points.pixelX[1] = 3e9;
+    EXPECT_THROW(HandOverPoints(map, 1, points), ComponentError);
+    EXPECT_EQ(map.calls.size(), 2U);
+    EXPECT_THROW(points.At(5), std::out_of_range);
+}
+
+// The same through a real map. --------------------------------------------------------------------------
+
+namespace {
+
+class ScaledSheet : public ScalingWizard {
+protected:
+    ScaledSheet() : library(CreateAtlavexLibrary()) {
+        QImage image(400, 300, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        image.save(QString::fromStdString((folder / "sheet.png").string()));
+        sheet = library->AddMapFromImageFile((folder / "sheet.png").string(), "sheet", 256, 256);
+    }
+
+    TempFolder folder;
+    std::unique_ptr<AtlavexLibrary> library;
+    std::shared_ptr<AtlavexMap> sheet;
+};
+
+struct GridSheet {
+    const char* country;
+    const char* grid;
+    const char* zone;
+    const char* epsg;
+    double easting; ///< of pixel (0, 0), in the unit
+    double northing;
+    const char* unit;
+    double metres; ///< a unit of `unit`
+};
+
+/// Longitude and latitude on the grid's own datum, as PROJ computes them from the published definition.
+std::pair<double, double> ProjLonLat(const std::string& epsg, double easting, double northing) {
+    const std::string program =
+        "import sys, pyproj\n"
+        "crs = pyproj.CRS.from_epsg(int(sys.argv[1]))\n"
+        "t = pyproj.Transformer.from_crs(crs, crs.geodetic_crs, always_xy=True)\n"
+        "f = crs.axis_info[0].unit_conversion_factor\n"
+        "print('%.12f %.12f' % t.transform(float(sys.argv[2]) / f, float(sys.argv[3]) / f))\n";
+    std::ostringstream east;
+    std::ostringstream north;
+    east.precision(17);
+    north.precision(17);
+    east << easting;
+    north << northing;
+    const ProgramResult result =
+        RunProgram({"/usr/bin/python3", "-c", program, epsg, east.str(), north.str()});
+    EXPECT_EQ(result.status, 0) << result.err;
+    std::istringstream words(result.out);
+    std::pair<double, double> place;
+    words >> place.first >> place.second;
+    return place;
+}
+
+} // namespace
+
+TEST_F(ScaledSheet, ReadsOutWhatWasTypedAndWhatProjMakesOfIt) {
+    const std::vector<GridSheet> sheets{
+        {"International", "UTM North (wgs84)", "32", "32632", 500000, 6200000, "meters", 1},
+        {"Germany", "German Grid (Potsdam)", "3", "31467", 3500000, 5600000, "yards", 0.9144},
+        {"Switzerland", "Swiss Grid (ch1903)", "", "21781", 600000, 200000, "meters", 1},
+        {"The Netherlands", "Dutch Grid (Amersfoort)", "", "28992", 155000, 463000, "Int. feet", 0.3048},
+        {"United States", "State Plane (nad83)", "0101 Alabama East", "26929", 656000, 1000000, "U.S. feet",
+         0.30480061},
+    };
+    for (const GridSheet& row : sheets) {
+        SCOPED_TRACE(row.grid);
+        clsScalingWizard run(nullptr);
+        ExpectGrid(QString::fromLatin1(row.country), QString::fromLatin1(row.grid),
+                   QString::fromLatin1(row.zone));
+        ExpectProjection("rbCartesian");
+        ASSERT_TRUE(run.DoSelectDatumGrid());
+        const double east = row.unit == std::string_view("yards") ? row.easting / row.metres : row.easting;
+        const double north = row.unit == std::string_view("yards") ? row.northing / row.metres : row.northing;
+        for (const auto& [x, y] : {std::pair{0, 0}, std::pair{399, 0}, std::pair{0, 299}}) {
+            script.Expect(PointForm, [&, x = x, y = y](QWidget& shown) {
+                Pick(shown, "ddUnit", QString::fromLatin1(row.unit));
+                Type(shown, "txtEasting", QString::number(east + 10 * x, 'f', 6));
+                Type(shown, "txtNorthing", QString::number(north - 10 * y, 'f', 6));
+                Click(shown, "bNext");
+            });
+            ASSERT_TRUE(run.DoDefineCoordinate(x, y));
+        }
+        run.ScaleMap(sheet.get());
+        ASSERT_TRUE(sheet->IsScaled());
+        EXPECT_TRUE(sheet->HasGrid());
+        const WorldPosition world = sheet->PixelToWorld({200, 150});
+        EXPECT_NEAR(world.x, (east + 2000) * row.metres, 1e-5);
+        EXPECT_NEAR(world.y, (north - 1500) * row.metres, 1e-5);
+        const Georeference& georeference = sheet->MapGeoreference();
+        const GridProjection projection(*georeference.grid, *georeference.datum);
+        const LonLat place = projection.Inverse({world.x, world.y});
+        const auto [longitude, latitude] = ProjLonLat(row.epsg, world.x, world.y);
+        EXPECT_NEAR(place.longitude, longitude, 1e-8);
+        EXPECT_NEAR(place.latitude, latitude, 1e-8);
+    }
+}
+
+TEST_F(ScaledSheet, ReadsOutTheCornersOfAPolarSheet) {
+    ExpectDatum(QStringLiteral("International"), QStringLiteral("WGS84"));
+    ExpectProjection("rbPolar");
+    ASSERT_TRUE(wizard.DoSelectDatumGrid());
+    DefineLonLat(60, 20, 10, 60);
+    DefineLonLat(10, 280, 10, 50);
+    DefineLonLat(340, 20, 20, 60);
+    DefineLonLat(390, 280, 20, 50);
+    wizard.ScaleMap(sheet.get());
+    EXPECT_FALSE(sheet->HasGrid());
+    for (const ReferencePoint& point : wizard.GivenPoints()) {
+        const WorldPosition world =
+            sheet->PixelToWorld({static_cast<double>(point.pixelX), static_cast<double>(point.pixelY)});
+        EXPECT_NEAR(world.x, point.x, 1e-9);
+        EXPECT_NEAR(world.y, point.y, 1e-9);
+    }
+    EXPECT_NEAR(sheet->PixelToWorld({200, 150}).x, 15, 1e-9);
+}
+
+TEST_F(ScaledSheet, IsRefusedWithTheComponentsSentenceWhenThePointsAreOnALine) {
+    ExpectDatum(QStringLiteral("International"), QStringLiteral("WGS84"));
+    ExpectProjection("rbCartesian");
+    ASSERT_TRUE(wizard.DoSelectDatumGrid());
+    for (int point = 0; point < 3; ++point)
+        DefineLonLat(point * 10, point * 10, point + 1, point + 1);
+    std::string sentence;
+    script.Expect(QStringLiteral("MessageBox"), [&sentence](QWidget& shown) {
+        sentence = dynamic_cast<QMessageBox&>(shown).text().toStdString();
+        QTest::keyClick(&shown, Qt::Key_Return);
+    });
+    wizard.ScaleMap(sheet.get());
+    EXPECT_THAT(sentence, ::testing::StartsWith("Invalid scaling: "));
+    EXPECT_GT(sentence.size(), 25U);
+    EXPECT_FALSE(sheet->IsScaled());
+}

@@ -1,0 +1,195 @@
+#include "app/frmMain.h"
+#include "component/AtlavexLibrary.h"
+#include "component/viewer/KarvelViewer.h"
+#include "tests/support/TempFolder.h"
+#include "tests/support/desktop/ModalScript.h"
+#include "tests/wizard/FormDriver.h"
+
+#include <QAction>
+#include <QImage>
+#include <QLabel>
+
+#include <cmath>
+
+namespace {
+
+constexpr int SheetWidth = 1200;
+constexpr int SheetHeight = 900;
+
+/// The editor with a library of one map that is not scaled.
+class WizardInTheWindow : public ::testing::Test {
+protected:
+    WizardInTheWindow() {
+        QImage image(SheetWidth, SheetHeight, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        image.save(QString::fromStdString((folder / "sheet.png").string()));
+        const auto library = CreateAtlavexLibrary();
+        library->AddMapFromImageFile((folder / "sheet.png").string(), "sheet", 256, 256);
+        library->SaveToFile((folder / "a.Atlavex").string(), "");
+        window.Form_Load(QString::fromStdString((folder / "a.Atlavex").string()));
+        window.resize(900, 700);
+        window.show();
+        window.activateWindow();
+        QApplication::processEvents();
+    }
+
+    KarvelViewer& Viewer() { return Find<KarvelViewer>(window, "viewerMap"); }
+    std::string Header() { return Find<QLabel>(window, "lHeader").text().toStdString(); }
+    std::string Status() { return Find<QLabel>(window, "lStatus").text().toStdString(); }
+    void ClickMap(const QPoint& place) {
+        QTest::mouseClick(&Viewer(), Qt::LeftButton, {}, place);
+        QApplication::processEvents();
+    }
+
+    /// A key as it comes from the window system, to the control that has the focus.
+    void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QTest::keyClick(window.windowHandle(), key, modifiers);
+    }
+
+    void FocusMap() {
+        window.activateWindow();
+        QApplication::processEvents();
+        Viewer().setFocus();
+    }
+
+    /// The dialogs of steps 1 and 2.
+    void ExpectSteps(const char* projection) {
+        script.Expect(QStringLiteral("frmSelectDatumGrid"), [](QWidget& shown) {
+            Pick(shown, "ddCountry", QStringLiteral("International"));
+            Click(shown, "bNext");
+        });
+        script.Expect(QStringLiteral("frmProjection"), [projection](QWidget& shown) {
+            Click(shown, projection);
+            Click(shown, "bNext");
+        });
+    }
+
+    void ExpectPoint(double longitude, double latitude) {
+        script.Expect(QStringLiteral("frmCoordinate"), [=](QWidget& shown) {
+            Type(shown, "txtLonDecDeg", QString::number(longitude, 'f', 7));
+            Type(shown, "txtLatDecDeg", QString::number(latitude, 'f', 7));
+            Click(shown, "bNext");
+        });
+    }
+
+    std::vector<ViewerMarkStyle> MarkStyles() {
+        std::vector<ViewerMarkStyle> styles;
+        for (const ViewerMark& mark : Viewer().Marks())
+            styles.push_back(mark.style);
+        return styles;
+    }
+
+    TempFolder folder;
+    ModalScript script;
+    frmMain window;
+};
+
+} // namespace
+
+TEST_F(WizardInTheWindow, ScalesTheMapFromThreeClicks) {
+    EXPECT_EQ(Status(), "Not scaled");
+    ExpectSteps("rbCartesian");
+    ClickMap({30, 40});
+    EXPECT_EQ(Header(), "Wizard step 3: Click on a known coordinate");
+    ExpectPoint(10, 50);
+    ClickMap({100, 100});
+    EXPECT_EQ(Header(), "Wizard step 5: Click on a known coordinate");
+    EXPECT_THAT(MarkStyles(), ::testing::ElementsAre(ViewerMarkStyle::ReferencePoint));
+    EXPECT_EQ(Viewer().Marks().front().position, QPoint(100, 100));
+    ExpectPoint(11, 50);
+    ClickMap({200, 100});
+    EXPECT_EQ(Header(), "Wizard step 7: Click on a known coordinate");
+    EXPECT_FALSE(window.State().modified);
+    ExpectPoint(10, 49);
+    script.ExpectBox(QStringLiteral("Scaling completed!"));
+    ClickMap({100, 200});
+    EXPECT_EQ(Header(), "");
+    EXPECT_EQ(Status(), "Click on map to verify positions");
+    EXPECT_TRUE(window.State().mapScaled);
+    EXPECT_TRUE(window.State().modified);
+    EXPECT_TRUE(Viewer().Marks().empty());
+    const WorldPosition world = window.State().currentMap->PixelToWorld({150, 150});
+    EXPECT_NEAR(world.x, 10.5, 1e-9);
+    EXPECT_NEAR(world.y, 49.5, 1e-9);
+}
+
+TEST_F(WizardInTheWindow, KeepsMarksOnTheirPixelsWhenTheMapIsScrolled) {
+    ExpectSteps("rbCartesian");
+    ClickMap({30, 40});
+    ExpectPoint(10, 50);
+    ClickMap({100, 100});
+    Find<QScrollBar>(window, "hscrollMap").setValue(60);
+    EXPECT_EQ(Viewer().Marks().front().position, QPoint(40, 100));
+    Find<QSlider>(window, "sldZoom").setValue(-7);
+    const double zoom = std::exp(-0.7);
+    EXPECT_NEAR(Viewer().Marks().front().position.y(), 100 * zoom, 1);
+    // The click counts the map's own pixels at every zoom.
+    script.Expect(QStringLiteral("frmCoordinate"), [zoom](QWidget& shown) {
+        EXPECT_NEAR(std::stod(Text(shown, "txtY")), 50 / zoom, 1);
+        Click(shown, "bCancel");
+    });
+    script.ExpectBox(QStringLiteral(
+        "Wizard canceled! Select 'Bitmap -> Scaling Wizard...' from menu to restart the Wizard."));
+    ClickMap({20, 50});
+    EXPECT_EQ(Header(), "");
+    EXPECT_EQ(Status(), "Not scaled");
+    EXPECT_TRUE(Viewer().Marks().empty());
+}
+
+TEST_F(WizardInTheWindow, StartsAnewFromTheMenuWhileItRuns) {
+    ExpectSteps("rbCartesian");
+    ClickMap({30, 40});
+    ExpectPoint(10, 50);
+    ClickMap({100, 100});
+    ExpectSteps("rbPolar");
+    script.Expect(QStringLiteral("frmInfo"), [](QWidget& shown) { Click(shown, "bNext"); });
+    window.findChild<QAction*>(QStringLiteral("mBitmapScalingWizard"))->trigger();
+    EXPECT_EQ(Header(), "Wizard step 3: Click on upper left coordinate");
+    EXPECT_TRUE(Viewer().Marks().empty());
+}
+
+TEST_F(WizardInTheWindow, ShowsThePointsOfTheEarlierScalingFaintly) {
+    window.State().currentMap->SetScalingThreePoints({10, 50, 10, 10}, {11, 50, 110, 10}, {10, 49, 10, 110});
+    ExpectSteps("rbCartesian");
+    window.findChild<QAction*>(QStringLiteral("mBitmapScalingWizard"))->trigger();
+    EXPECT_EQ(MarkStyles(), std::vector<ViewerMarkStyle>(3, ViewerMarkStyle::FormerPoint));
+    EXPECT_EQ(Viewer().Marks()[1].position, QPoint(110, 10));
+}
+
+TEST_F(WizardInTheWindow, TakesAPointFromTheKeyboardAlone) {
+    ExpectSteps("rbCartesian");
+    ClickMap({30, 40});
+    FocusMap();
+    Press(Qt::Key_Return); // there is no crosshair yet
+    Press(Qt::Key_Left, Qt::AltModifier);
+    ASSERT_THAT(MarkStyles(), ::testing::ElementsAre(ViewerMarkStyle::Crosshair));
+    const QPoint first = Viewer().Marks().front().position;
+    Press(Qt::Key_Right, Qt::AltModifier);
+    Press(Qt::Key_Down, Qt::AltModifier | Qt::ShiftModifier);
+    const QPoint place = Viewer().Marks().front().position;
+    EXPECT_EQ(place, first + QPoint(1, 10));
+    EXPECT_EQ(Find<QScrollBar>(window, "vscrollMap").value(), 0);
+    Press(Qt::Key_Down);
+    EXPECT_GT(Find<QScrollBar>(window, "vscrollMap").value(), 0);
+    EXPECT_EQ(Viewer().Marks().front().position.x(), place.x());
+    script.Expect(QStringLiteral("frmCoordinate"), [place](QWidget& shown) {
+        EXPECT_EQ(Text(shown, "txtX"), std::to_string(place.x()));
+        EXPECT_EQ(Text(shown, "txtY"), std::to_string(place.y()));
+        Type(shown, "txtLatDecDeg", QStringLiteral("5"));
+        Click(shown, "bNext");
+    });
+    Press(Qt::Key_Return);
+    EXPECT_EQ(Header(), "Wizard step 5: Click on a known coordinate");
+    EXPECT_THAT(MarkStyles(), ::testing::ElementsAre(ViewerMarkStyle::ReferencePoint));
+}
+
+TEST_F(WizardInTheWindow, KeepsTheCrosshairOnTheMapAndInSight) {
+    ExpectSteps("rbCartesian");
+    ClickMap({30, 40});
+    FocusMap();
+    for (int press = 0; press < 2 * SheetWidth / 10; ++press)
+        Press(Qt::Key_Right, Qt::AltModifier | Qt::ShiftModifier);
+    const QPoint place = Viewer().Marks().front().position;
+    EXPECT_TRUE(QRect(0, 0, Viewer().PixelWidth(), Viewer().PixelHeight()).contains(place));
+    EXPECT_EQ(place.x() + Find<QScrollBar>(window, "hscrollMap").value(), SheetWidth - 1);
+}

@@ -1,0 +1,148 @@
+#include "component/AtlavexLibrary.h"
+#include "tests/support/TempFolder.h"
+#include "tests/support/desktop/ModalScript.h"
+#include "tests/wizard/FormDriver.h"
+#include "tests/wizard/RecordingMap.h"
+#include "wizard/clsWorldfileWizard.h"
+
+#include <QImage>
+#include <QLabel>
+#include <QPlainTextEdit>
+
+namespace {
+
+const auto Form = QStringLiteral("frmSelectWorldfileGrid");
+const char* const Wgs84 = "SetMapDatum 6378137 0.006694379990141 0 0 0 0 0 0 0";
+
+class WorldfileWizard : public ::testing::Test {
+protected:
+    WorldfileWizard() { WriteWholeFile(worldfile, "2\n0\n0\n-2\n1000\n5000\n"); }
+
+    bool Run(AtlavexMap& target, Orientation turn = Orientation::TopLeft) {
+        return clsWorldfileWizard(nullptr).DoSelectDatumGrid(
+            target, QString::fromStdString(worldfile.string()), turn);
+    }
+
+    void ExpectUtm32() {
+        script.Expect(Form, [](QWidget& shown) {
+            Pick(shown, "ddCountry", QStringLiteral("International"));
+            Pick(shown, "ddGrid", QStringLiteral("UTM North (wgs84)"));
+            Type(shown, "txtZone", QStringLiteral("32"));
+            Click(shown, "bNext");
+        });
+    }
+
+    TempFolder folder;
+    std::filesystem::path worldfile = folder / "sheet.tfw";
+    ModalScript script;
+    RecordingMap map;
+};
+
+} // namespace
+
+TEST_F(WorldfileWizard, HandsTheGridAndThreePointsToTheMap) {
+    ExpectUtm32();
+    EXPECT_TRUE(Run(map));
+    EXPECT_THAT(map.calls,
+                ::testing::ElementsAre(
+                    "SetGridIdentifier 1", "SetZone 32", Wgs84, "SetMapGrid 1 32 0 9 0.9996 5e+05 0 0 0",
+                    "SetScalingThreePoints 1002 4998 1 1, 1002 4800 1 100, 1200 4800 100 100"));
+}
+
+TEST_F(WorldfileWizard, TurnsTheNumbersWithTheImage) {
+    ExpectUtm32();
+    EXPECT_TRUE(Run(map, Orientation::BottomRight));
+    // Turned by half a circle: the last stored pixel is the first one shown.
+    EXPECT_EQ(map.calls.back(), "SetScalingThreePoints 1796 4404 1 1, 1796 4602 1 100, 1598 4602 100 100");
+}
+
+TEST_F(WorldfileWizard, OpensWithCustomAndTheGridDisabled) {
+    script.Expect(Form, [](QWidget& shown) {
+        EXPECT_EQ(shown.windowTitle().toStdString(), "Worldfile Wizard");
+        EXPECT_EQ(Find<QLabel>(shown, "Label3").text().toStdString(), "Select Grid");
+        EXPECT_EQ(Find<QGroupBox>(shown, "frameCountry").title().toStdString(), "I. Country / Region");
+        EXPECT_EQ(Find<QGroupBox>(shown, "frameGrid").title().toStdString(), "II. Select grid");
+        EXPECT_EQ(Find<QComboBox>(shown, "ddCountry").currentText().toStdString(), "<Custom>");
+        for (const char* const name : {"ddGrid", "ddZone", "frameGrid"})
+            EXPECT_FALSE(Find<QWidget>(shown, name).isEnabled()) << name;
+        EXPECT_EQ(
+            Find<QPlainTextEdit>(shown, "txtHelp").toPlainText().toStdString(),
+            "In this step you need to specify which coordinate system your raster map is using (for map "
+            "projection).\nI. Select a Country / Region.\nII. Select the grid. \n(The scale is extracted "
+            "from "
+            "the worldfile.)");
+        Pick(shown, "ddCountry", QStringLiteral("Austria"));
+        for (const char* const name : {"ddGrid", "ddZone", "frameGrid"})
+            EXPECT_TRUE(Find<QWidget>(shown, name).isEnabled()) << name;
+        EXPECT_EQ(Find<QComboBox>(shown, "ddGrid").currentText().toStdString(), "Bundesmeldenetz");
+        EXPECT_TRUE(IsShown(shown, "ddZone"));
+        Click(shown, "bCancel");
+    });
+    script.ExpectBox(QStringLiteral(
+        "Wizard canceled! Select 'Bitmap -> Scaling Wizard...' from menu to restart the Wizard."));
+    EXPECT_FALSE(Run(map));
+    EXPECT_TRUE(map.calls.empty());
+}
+
+TEST_F(WorldfileWizard, StaysOpenUntilThereIsAGrid) {
+    script
+        .Expect(Form,
+                [](QWidget& shown) {
+                    Click(shown, "bNext");
+                    EXPECT_TRUE(shown.isVisible());
+                    Pick(shown, "ddCountry", QStringLiteral("Italy"));
+                    Find<QComboBox>(shown, "ddGrid").setCurrentIndex(-1);
+                    Click(shown, "bNext");
+                    Pick(shown, "ddGrid", QStringLiteral("UTM (etrs89)"));
+                    Type(shown, "txtZone", QStringLiteral("61"));
+                    Click(shown, "bNext");
+                    Type(shown, "txtZone", QStringLiteral("33"));
+                    Click(shown, "bNext");
+                })
+        .ExpectBox(QStringLiteral("No custom datum or grid is selected!"))
+        .ExpectBox(QStringLiteral("No grid selected!"))
+        .ExpectBox(QStringLiteral("Invalid Zone. Should be between 1 and 60"));
+    EXPECT_TRUE(Run(map));
+    EXPECT_EQ(map.calls[0], "SetGridIdentifier 13");
+    EXPECT_EQ(map.calls[1], "SetZone 33");
+}
+
+TEST_F(WorldfileWizard, HandsNothingOverWhenTheWorldfileIsNone) {
+    for (const char* const content :
+         {"", "1\n2\n3\n", "1\n2\nx\n4\n5\n6\n", "1e308\n0\n1e308\n0\n1e308\n1\n"}) {
+        WriteWholeFile(worldfile, content);
+        ExpectUtm32();
+        std::string sentence;
+        script.Expect(QStringLiteral("MessageBox"), [&sentence](QWidget& shown) {
+            const auto& box = dynamic_cast<QMessageBox&>(shown);
+            sentence = box.text().toStdString();
+            EXPECT_EQ(box.icon(), QMessageBox::Critical);
+            QTest::keyClick(&shown, Qt::Key_Return);
+        });
+        EXPECT_FALSE(Run(map));
+        EXPECT_THAT(sentence, ::testing::StartsWith("Invalid scaling: "));
+        EXPECT_TRUE(map.calls.empty());
+    }
+}
+
+TEST_F(WorldfileWizard, StopsAtTheFirstCallThatFails) {
+    map.refuse = "SetMapGrid";
+    ExpectUtm32();
+    script.ExpectBox(QStringLiteral("Invalid scaling: No."));
+    EXPECT_FALSE(Run(map));
+    EXPECT_EQ(map.calls.size(), 4U);
+}
+
+TEST_F(WorldfileWizard, ScalesARealMapAndNamesItsGrid) {
+    QImage image(400, 300, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    image.save(QString::fromStdString((folder / "sheet.png").string()));
+    const auto library = CreateAtlavexLibrary();
+    const auto sheet = library->AddMapFromImageFile((folder / "sheet.png").string(), "sheet", 256, 256);
+    ExpectUtm32();
+    EXPECT_TRUE(Run(*sheet));
+    EXPECT_NEAR(sheet->PixelToWorld({200, 100}).x, 1400, 1e-9);
+    EXPECT_NEAR(sheet->PixelToWorld({200, 100}).y, 4800, 1e-9);
+    EXPECT_EQ(sheet->MapGeoreference().gridIdentifier, 1);
+    EXPECT_EQ(sheet->MapGeoreference().zone, "32");
+}
