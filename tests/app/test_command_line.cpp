@@ -1,0 +1,56 @@
+#include "tests/app/ShellFixture.h"
+
+namespace {
+
+/// A library named on the command line.
+class CommandLine : public ShellTest {};
+
+} // namespace
+
+TEST_F(CommandLine, ByCommandLine) {
+    const std::string file = MakeLibrary("with blanks in it.Atlavex", {{20, 30}});
+    Start(QString::fromStdString(file));
+    EXPECT_EQ(Title(), "Quorvant Studio - " + file);
+    EXPECT_EQ(TextOf("lbSize"), "Bitmap size: (20, 30)");
+    EXPECT_TRUE(IsEnabled("mBitmapDelete"));
+}
+
+TEST_F(CommandLine, ByCommandLineInQuotes) {
+    const std::string file = MakeLibrary("a.Atlavex", {{20, 30}});
+    Start(QString::fromStdString("\"" + file + "\""));
+    EXPECT_EQ(Title(), "Quorvant Studio - " + file);
+}
+
+TEST_F(CommandLine, ByCommandLineCutsTheLastCharacterWhateverItIs) {
+    const std::string file = MakeLibrary("a.Atlavex", {{20, 30}});
+    Start(QString::fromStdString("\"" + file + "x"));
+    EXPECT_EQ(Title(), "Quorvant Studio - " + file);
+}
+
+TEST_F(CommandLine, ALoneQuoteOnTheCommandLineIsNothing) {
+    Start(QStringLiteral("\""));
+    EXPECT_EQ(Title(), "Quorvant Studio v2.31");
+    EXPECT_EQ(State().objAtlavex, nullptr);
+    EXPECT_EQ(TextOf("lHeader"), "Header");
+}
+
+TEST_F(CommandLine, ByCommandLineASealedFileAsksBeforeTheWindowIsShown) {
+    const std::string file = MakeLibrary("a.Atlavex", {{20, 30}}, 0, "sesame");
+    Expecting().Expect(QStringLiteral("InputBox"), [](QWidget& window) {
+        for (const QWidget* const top : QApplication::topLevelWidgets())
+            EXPECT_FALSE(top->objectName() == QStringLiteral("frmMain") && top->isVisible());
+        TypeInto(window, "txtInput", QStringLiteral("sesame"));
+        QTest::keyClick(&Control<QLineEdit>(window, "txtInput"), Qt::Key_Return);
+    });
+    Start(QString::fromStdString(file));
+    EXPECT_EQ(Title(), "Quorvant Studio - " + file);
+    EXPECT_EQ(State().encryptionKey, QStringLiteral("sesame"));
+}
+
+TEST_F(CommandLine, ByCommandLineAMissingFileIsSaid) {
+    Expecting().ExpectBox(QString::fromStdString("There is no file '" + PathOf("none.Atlavex") + "'."));
+    Start(QString::fromStdString(PathOf("none.Atlavex")));
+    EXPECT_EQ(Title(), "Quorvant Studio v2.31");
+    EXPECT_NE(State().objAtlavex, nullptr);
+    EXPECT_TRUE(IsEnabled("mFileSaveAtlavex"));
+}

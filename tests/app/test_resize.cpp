@@ -1,0 +1,117 @@
+#include "tests/app/ShellFixture.h"
+
+#include <QScrollBar>
+
+namespace {
+
+/// The limits of the window's size, and its layout.
+class Sizes : public ShellTest {
+protected:
+    /// Closes the window and cancels, which ends the limits.
+    void CancelClosing() {
+        Edit();
+        ExpectSaveQuestion(QMessageBox::Cancel);
+        Window().close();
+        ASSERT_TRUE(Window().isVisible());
+    }
+    void Resize(const QSize& size) {
+        Window().resize(size);
+        QApplication::processEvents();
+    }
+    /// That the controls of the page shown stand inside the window and on nobody else's place.
+    void ExpectInside(const std::vector<const char*>& names) {
+        std::vector<QRect> places;
+        for (const char* const name : names) {
+            const auto& control = Find<QWidget>(name);
+            ASSERT_TRUE(control.isVisible()) << name;
+            const QRect place(control.mapTo(&Window(), QPoint(0, 0)), control.size());
+            EXPECT_TRUE(Window().rect().contains(place)) << name;
+            EXPECT_FALSE(place.isEmpty()) << name;
+            for (const QRect& other : places)
+                EXPECT_FALSE(place.intersects(other)) << name;
+            places.push_back(place);
+        }
+    }
+};
+
+const std::vector<const char*> MapPage{"lHeader", "ddMaps",  "viewerMap",        "vscrollMap", "hscrollMap",
+                                       "lbZoom",  "sldZoom", "lbZoomPercentage", "lStatus"};
+
+} // namespace
+
+TEST_F(Sizes, AreHeldWithinTheLimits) {
+    Start();
+    EXPECT_EQ(Window().minimumSize(), QSize(640, 400));
+    EXPECT_EQ(Window().maximumSize(), QSize(10'000, 10'000));
+    Resize({100, 100});
+    EXPECT_EQ(Window().size(), QSize(640, 400));
+    Resize({20'000, 700});
+    EXPECT_EQ(Window().size(), QSize(10'000, 700));
+}
+
+TEST_F(Sizes, AreNotHeldInDiagnosticMode) {
+    Start({}, true);
+    Resize({400, 300});
+    EXPECT_EQ(Window().size(), QSize(400, 300));
+    EXPECT_EQ(Window().maximumSize(), QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX));
+}
+
+TEST_F(Sizes, TheSmallestHeldSizeShowsEverything) {
+    Start();
+    OpenByMenu(MakeLibrary("a.Atlavex", {{1500, 1200}}, 1));
+    Resize({640, 400});
+    ExpectInside(MapPage);
+    EXPECT_GT(Find<QWidget>("viewerMap").width(), 500);
+    EXPECT_GT(Find<QWidget>("viewerMap").height(), 150);
+    ClickTab(1);
+    ExpectInside({"lHeader", "ddIcons", "viewerIcon", "vscrollIcon", "hscrollIcon", "lStatus", "lbSize"});
+}
+
+TEST_F(Sizes, AfterACancelledCloseTheWindowMayBeSmallerAndWorks) {
+    Start();
+    OpenByMenu(MakeLibrary("a.Atlavex", {{1500, 1200}}, 1));
+    CancelClosing();
+    Resize({300, 260});
+    EXPECT_EQ(Window().size(), QSize(300, 260));
+    Pick("ddMaps", 0);
+    ExpectInside(MapPage);
+    auto& horizontal = Find<QScrollBar>("hscrollMap");
+    const auto& viewer = Find<KarvelViewer>("viewerMap");
+    EXPECT_EQ(horizontal.maximum(), 1500 - viewer.PixelWidth());
+    Focus("viewerMap");
+    QTest::keyClick(&Find<QWidget>("viewerMap"), Qt::Key_Right, Qt::ControlModifier);
+    EXPECT_EQ(horizontal.value(), 150);
+    EXPECT_EQ(viewer.Image()->Width(), viewer.PixelWidth());
+    Resize({60, 50});
+    EXPECT_EQ(Window().size(), QSize(60, 50));
+    PressShortcut(Qt::Key_9);
+    Resize({800, 600});
+    ExpectInside(MapPage);
+}
+
+TEST_F(Sizes, TheViewFillsTheWindowAndFollowsIt) {
+    Start();
+    OpenByMenu(MakeLibrary("a.Atlavex", {{1500, 1200}}));
+    for (const QSize& size : {QSize(900, 700), QSize(1200, 800)}) {
+        Resize(size);
+        const auto& viewer = Find<KarvelViewer>("viewerMap");
+        EXPECT_GT(viewer.width(), size.width() - 80);
+        EXPECT_EQ(Find<QScrollBar>("hscrollMap").maximum(), 1500 - viewer.PixelWidth());
+        EXPECT_EQ(Find<QScrollBar>("vscrollMap").maximum(), 1200 - viewer.PixelHeight());
+        EXPECT_EQ(viewer.Image()->Width(), viewer.PixelWidth());
+    }
+}
+
+TEST_F(Sizes, ALongNameDoesNotWidenTheWindow) {
+    const std::string file = MakeLibrary("a.Atlavex", {{20, 20}});
+    {
+        const auto library = Open(file);
+        MapAt(*library, 1)->SetMetadata("name", std::string(1000, 'W'));
+        library->SaveToFile(file, {});
+    }
+    Start();
+    OpenByMenu(file);
+    Resize({640, 400});
+    EXPECT_EQ(Window().size(), QSize(640, 400));
+    ExpectInside(MapPage);
+}

@@ -1,0 +1,86 @@
+#include "tests/app/ShellFixture.h"
+
+namespace {
+
+/// Saving where it cannot be done.
+class SavingFails : public ShellTest {
+protected:
+    /// A library with something to save is open.
+    void StartWithEdit() {
+        file_ = MakeLibrary("a.Atlavex", {{20, 20}}, 1);
+        Start();
+        OpenByMenu(file_);
+        Edit();
+    }
+    void ExpectUnsaved() {
+        EXPECT_TRUE(State().modified);
+        EXPECT_EQ(Title(), "Quorvant Studio - " + file_);
+        EXPECT_EQ(State().fileName.toStdString(), file_);
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+        EXPECT_TRUE(Window().isEnabled());
+        EXPECT_NE(State().currentMap, nullptr);
+    }
+    void ExpectMessageNaming(const std::string& text) {
+        Expecting().Expect(QStringLiteral("MessageBox"), [text](QWidget& window) {
+            const auto& box = dynamic_cast<QMessageBox&>(window);
+            EXPECT_THAT(box.text().toStdString(), testing::HasSubstr(text));
+            EXPECT_EQ(box.standardButtons(), QMessageBox::Ok);
+            QTest::keyClick(&window, Qt::Key_Return);
+        });
+    }
+
+    std::string file_;
+};
+
+} // namespace
+
+TEST_F(SavingFails, InAFolderThatIsNotThere) {
+    StartWithEdit();
+    ExpectSaveDialog(PathOf("gone/x.Atlavex"));
+    ExpectMessageNaming("Directory not found");
+    // The dialog comes again, with what was typed.
+    Expecting().Expect(QStringLiteral("FileDialog"),
+                       [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+    Choose("mFileSaveAtlavexAs");
+    ExpectUnsaved();
+}
+
+TEST_F(SavingFails, InAFolderThatNobodyMayWriteTo) {
+    StartWithEdit();
+    // A folder of the system's own, where not even root makes files.
+    ExpectSaveDialog("/proc/self/x.Atlavex");
+    ExpectMessageNaming("x.Atlavex' could not be written: ");
+    Choose("mFileSaveAtlavexAs");
+    ExpectUnsaved();
+    Choose("mFileSaveAtlavex");
+    EXPECT_EQ(IconAt(*Open(file_), 1)->OffsetX(), 5);
+}
+
+TEST_F(SavingFails, WhenAnotherProgramHasChangedTheFileAndSaveAsIsTheWayOut) {
+    StartWithEdit();
+    {
+        const auto other = Open(file_);
+        AddIcon(*other, MakeSheet(PixelFormat::Rgba, 8, 8));
+        other->SaveToFile(file_, {});
+    }
+    ExpectMessageNaming("was changed by another program since it was opened. Use Save As to keep");
+    Choose("mFileSaveAtlavex");
+    ExpectUnsaved();
+    EXPECT_EQ(Open(file_)->IconCount(), 2);
+    ExpectSaveDialog(PathOf("mine.Atlavex"));
+    Choose("mFileSaveAtlavexAs");
+    EXPECT_FALSE(State().modified);
+    EXPECT_EQ(IconAt(*Open(PathOf("mine.Atlavex")), 1)->OffsetX(), 5);
+}
+
+TEST_F(SavingFails, NotAfterAFailedOpenButTheReplacedFileIsKept) {
+    StartWithEdit();
+    Choose("mFileSaveAtlavex");
+    WriteWholeFile(PathOf("text"), "no library, only some words of text to read\n");
+    ExpectFileDialog(QStringLiteral("Open Atlavex"), PathOf("text"));
+    ExpectMessageNaming("is not a map library.");
+    Choose("mFileOpenAtlavex");
+    Choose("mFileSaveAtlavex");
+    EXPECT_EQ(Open(file_)->MapCount(), 0);
+    EXPECT_EQ(Open(file_ + ".bak")->MapCount(), 1);
+}

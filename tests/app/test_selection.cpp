@@ -1,0 +1,223 @@
+#include "tests/app/ShellFixture.h"
+
+#include <QWheelEvent>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const auto ScaleFirst = QStringLiteral("Current map must be scaled first!");
+
+/// Choosing maps and icons in the lists, and the two pages.
+class Selecting : public ShellTest {
+protected:
+    void StartWith(const std::string& file) {
+        Start();
+        OpenByMenu(file);
+        TakeCalls();
+    }
+    /// Changes a byte in the middle of the icon's picture.
+    void DamageIcon(const std::string& file, std::int32_t position) {
+        const auto png = IconAt(*Open(file), position)->PngFile();
+        std::string content = ReadWholeFile(file);
+        const auto middle = content.find(std::string(png.end() - 60, png.end() - 20));
+        ASSERT_NE(middle, std::string::npos);
+        content[middle] = static_cast<char>(content[middle] ^ 1);
+        WriteWholeFile(file, content);
+    }
+    void ExpectDamage(const std::string& file) {
+        Expecting().Expect(QStringLiteral("MessageBox"), [file](QWidget& window) {
+            EXPECT_THAT(dynamic_cast<QMessageBox&>(window).text().toStdString(),
+                        testing::AllOf(testing::HasSubstr(file), testing::HasSubstr("damaged")));
+            QTest::keyClick(&window, Qt::Key_Return);
+        });
+    }
+    static void Turn(QWidget& control) {
+        const QPointF middle = control.rect().center();
+        QWheelEvent event(middle, control.mapToGlobal(middle), QPoint(), QPoint(0, -120), Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&control, &event);
+    }
+};
+
+} // namespace
+
+TEST_F(Selecting, AMapIsFetchedInTwoStepsAndShown) {
+    StartWith(MakeLibrary("a.Atlavex", {{20, 20}, {30, 45}}));
+    Pick("ddMaps", 1);
+    EXPECT_THAT(TakeCalls(), ElementsAre("MapIdAt 2", "GetMap"));
+    EXPECT_EQ(TextOf("lbSize"), "Bitmap size: (30, 45)");
+    EXPECT_EQ(State().rememberedMap, 1);
+    EXPECT_EQ(State().currentMap->Name(), "map2");
+    ASSERT_NE(Find<KarvelViewer>("viewerMap").Image(), nullptr);
+    EXPECT_EQ(Find<KarvelViewer>("viewerMap").Image()->Height(), 45);
+    EXPECT_FALSE(State().modified);
+}
+
+TEST_F(Selecting, TheSameEntryTwiceIsFetchedTwice) {
+    StartWith(MakeLibrary("a.Atlavex", {{20, 20}, {30, 45}}, 1));
+    const auto map = State().currentMap;
+    const auto icon = State().currentIcon;
+    Pick("ddMaps", 0);
+    Pick("ddMaps", 0);
+    EXPECT_THAT(TakeCalls(), ElementsAre("MapIdAt 1", "GetMap", "MapIdAt 1", "GetMap"));
+    EXPECT_EQ(State().currentMap, map);
+    ClickTab(1);
+    Pick("ddIcons", 0);
+    Pick("ddIcons", 0);
+    EXPECT_THAT(TakeCalls(), ElementsAre("IconIdAt 1", "GetIcon", "IconIdAt 1", "GetIcon"));
+    EXPECT_EQ(State().currentIcon, icon);
+}
+
+TEST_F(Selecting, AnUnscaledMapCannotBeLeft) {
+    StartWith(MakeMixedLibrary("a.Atlavex", {false, true, false}));
+    Expecting().ExpectBox(ScaleFirst);
+    Pick("ddMaps", 1);
+    EXPECT_EQ(EntryOf("ddMaps"), 0);
+    EXPECT_THAT(TakeCalls(), IsEmpty());
+    EXPECT_EQ(State().currentMap->Name(), "map1");
+    EXPECT_FALSE(State().mapScaled);
+}
+
+TEST_F(Selecting, AnUnscaledMapPickedAgainSaysNothing) {
+    StartWith(MakeMixedLibrary("a.Atlavex", {false, true}));
+    Pick("ddMaps", 0);
+    EXPECT_THAT(TakeCalls(), IsEmpty());
+    EXPECT_EQ(EntryOf("ddMaps"), 0);
+}
+
+TEST_F(Selecting, AnUnscaledMapMayBeChosenAndThenCannotBeLeft) {
+    StartWith(MakeMixedLibrary("a.Atlavex", {true, false}));
+    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+    Pick("ddMaps", 1);
+    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+    EXPECT_FALSE(State().mapScaled);
+    Expecting().ExpectBox(ScaleFirst);
+    Pick("ddMaps", 0);
+    EXPECT_EQ(EntryOf("ddMaps"), 1);
+}
+
+TEST_F(Selecting, WithoutACurrentMapAnyEntryMayBeChosen) {
+    StartWith(MakeMixedLibrary("a.Atlavex", {false, true}));
+    ExpectFileDialog(QStringLiteral("Open Atlavex"), std::nullopt);
+    Choose("mFileOpenAtlavex");
+    ASSERT_EQ(State().currentMap, nullptr);
+    Pick("ddMaps", 1);
+    EXPECT_EQ(State().currentMap->Name(), "map2");
+    EXPECT_TRUE(State().mapScaled);
+}
+
+TEST_F(Selecting, TheListMovesByKeysToo) {
+    StartWith(MakeLibrary("a.Atlavex", {{20, 20}, {30, 45}}));
+    Focus("ddMaps");
+    QTest::keyClick(&Find<QComboBox>("ddMaps"), Qt::Key_Down);
+    EXPECT_EQ(State().currentMap->Name(), "map2");
+    EXPECT_EQ(TextOf("lbSize"), "Bitmap size: (30, 45)");
+}
+
+TEST_F(Selecting, AnIconIsFetchedInTwoStepsAndShown) {
+    StartWith(MakeLibrary("a.Atlavex", {{20, 20}}, 2));
+    ClickTab(1);
+    Pick("ddIcons", 1);
+    EXPECT_THAT(TakeCalls(), ElementsAre("IconIdAt 2", "GetIcon"));
+    EXPECT_EQ(State().currentIcon->Name(), "icon2");
+    EXPECT_EQ(TextOf("lbSize"), "Icon size: (16, 16)");
+    ASSERT_NE(Find<KarvelViewer>("viewerIcon").Image(), nullptr);
+    EXPECT_EQ(Find<KarvelViewer>("viewerIcon").Image()->Width(), 16);
+}
+
+TEST_F(Selecting, IconsCanBeChosenWhileTheMapIsUnscaled) {
+    Start();
+    const std::string file = MakeMixedLibrary("a.Atlavex", {false});
+    {
+        const auto library = Open(file);
+        AddIcon(*library, MakeSheet(PixelFormat::Rgba, 7, 9), "x");
+        AddIcon(*library, MakeSheet(PixelFormat::Rgba, 8, 6), "y");
+        library->SaveToFile(file, {});
+    }
+    OpenByMenu(file);
+    ClickTab(1);
+    Pick("ddIcons", 1);
+    EXPECT_EQ(TextOf("lbSize"), "Icon size: (8, 6)");
+}
+
+TEST_F(Selecting, ThePagesShowOneViewerAndItsSize) {
+    StartWith(MakeLibrary("a.Atlavex", {{20, 30}}, 1));
+    ClickTab(1);
+    EXPECT_TRUE(Find<QWidget>("viewerIcon").isVisible());
+    EXPECT_FALSE(Find<QWidget>("viewerMap").isVisible());
+    EXPECT_EQ(TextOf("lbSize"), "Icon size: (16, 16)");
+    ClickTab(0);
+    EXPECT_FALSE(Find<QWidget>("viewerIcon").isVisible());
+    EXPECT_TRUE(Find<QWidget>("viewerMap").isVisible());
+    EXPECT_EQ(TextOf("lbSize"), "Bitmap size: (20, 30)");
+}
+
+TEST_F(Selecting, APageWithoutAnImageHasNoSize) {
+    StartWith(MakeLibrary("a.Atlavex", {{20, 30}}));
+    ClickTab(1);
+    EXPECT_EQ(TextOf("lbSize"), "");
+    ClickTab(0);
+    EXPECT_EQ(TextOf("lbSize"), "Bitmap size: (20, 30)");
+}
+
+TEST_F(Selecting, TheWheelOverAListWithoutFocusChoosesNothing) {
+    StartWith(MakeLibrary("a.Atlavex", {{20, 20}, {30, 45}}, 2));
+    Focus("viewerMap");
+    Turn(Find<QComboBox>("ddMaps"));
+    Turn(Find<QSlider>("sldZoom"));
+    EXPECT_EQ(EntryOf("ddMaps"), 0);
+    EXPECT_EQ(Find<QSlider>("sldZoom").value(), 0);
+    ClickTab(1);
+    Focus("viewerIcon");
+    Turn(Find<QComboBox>("ddIcons"));
+    EXPECT_EQ(EntryOf("ddIcons"), 0);
+    EXPECT_THAT(TakeCalls(), IsEmpty());
+}
+
+TEST_F(Selecting, TheWheelMovesAListThatHasTheFocus) {
+    StartWith(MakeLibrary("a.Atlavex", {{20, 20}, {30, 45}}));
+    Focus("ddMaps");
+    Turn(Find<QComboBox>("ddMaps"));
+    EXPECT_EQ(State().currentMap->Name(), "map2");
+}
+
+TEST_F(Selecting, ANameThatLooksLikeMarkupIsShownAsItIs) {
+    const std::string file = MakeLibrary("a.Atlavex", {{20, 20}});
+    {
+        const auto library = Open(file);
+        MapAt(*library, 1)->SetMetadata("name", "<b>bold</b> & \xC3\xA6\xC3\xB8\xC3\xA5");
+        library->SaveToFile(file, {});
+    }
+    StartWith(file);
+    EXPECT_EQ(EntriesOf("ddMaps"), QStringList(QStringLiteral("<b>bold</b> & æøå")));
+}
+
+TEST_F(Selecting, ADamagedIconIsSaidAndTheFormerOneStays) {
+    const std::string file = MakeLibrary("a.Atlavex", {{20, 20}}, 2);
+    DamageIcon(file, 2);
+    StartWith(file);
+    ClickTab(1);
+    ExpectDamage(file);
+    Pick("ddIcons", 1);
+    EXPECT_EQ(EntryOf("ddIcons"), 0);
+    EXPECT_EQ(State().currentIcon->Name(), "icon1");
+    EXPECT_EQ(TextOf("lbSize"), "Icon size: (16, 16)");
+}
+
+TEST_F(Selecting, ADamagedFirstIconKeepsNoMapFromBeingShown) {
+    const std::string file = MakeLibrary("a.Atlavex", {{20, 30}}, 2);
+    DamageIcon(file, 1);
+    Start();
+    ExpectFileDialog(QStringLiteral("Open Atlavex"), file);
+    ExpectDamage(file);
+    Choose("mFileOpenAtlavex");
+    EXPECT_EQ(Title(), "Quorvant Studio - " + file);
+    EXPECT_EQ(TextOf("lbSize"), "Bitmap size: (20, 30)");
+    EXPECT_EQ(EntryOf("ddIcons"), -1);
+    EXPECT_TRUE(State().mapScaled);
+    ClickTab(1);
+    Pick("ddIcons", 1);
+    EXPECT_EQ(State().currentIcon->Name(), "icon2");
+}
