@@ -220,6 +220,20 @@ TEST_F(CoordinateForm, StaysOpenWhenTheBoxComesWhileNextIsStillPressed) {
     EXPECT_FALSE(form.ShowModal());
 }
 
+TEST_F(CoordinateForm, StaysOpenWhenNextIsHeldDownOnAValueThatCannotBe) {
+    form.Latitude = 55;
+    EXPECT_FALSE(Show([](QWidget& shown) {
+        Type(shown, "txtLonDecDeg", QStringLiteral("361"));
+        auto& next = Find<QAbstractButton>(shown, "bNext");
+        QTest::mousePress(&next, Qt::LeftButton);
+        Wait();
+        QTest::mouseRelease(&next, Qt::LeftButton);
+        EXPECT_TRUE(shown.isVisible());
+        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "0");
+        Click(shown, "bCancel");
+    }));
+}
+
 TEST_F(CoordinateForm, ChecksTheFieldWhenEnterIsPressedInIt) {
     script
         .Expect(Form,
