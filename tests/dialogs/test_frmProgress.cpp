@@ -83,6 +83,8 @@ TEST_F(ProgressDialog, RoundsTheAmountAndThePercentageToEven) {
     EXPECT_EQ(Text(), "Loading...2% complete.");
     window_.SetProgress(2.5F); // two of 200
     EXPECT_EQ(Text(), "Loading...1% complete.");
+    window_.SetProgress(2.6F); // three of 200
+    EXPECT_EQ(Text(), "Loading...2% complete.");
 }
 
 TEST_F(ProgressDialog, TakesTotalsOfEverySize) {
