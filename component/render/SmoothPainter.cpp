@@ -58,10 +58,8 @@ public:
                   ScreenRange columns, ScreenRange rows)
         : ViewPainter(level, columns, rows),
           columnTaps_(CoveredPixels(columns, request.left, layout.Level(level).width, step)),
-          rowTaps_(CoveredPixels(rows, request.top, layout.Level(level).height, step)) {
-        firstColumn_ = columnTaps_.front().first;
-        lastColumn_ = LastOf(columnTaps_.back());
-    }
+          rowTaps_(CoveredPixels(rows, request.top, layout.Level(level).height, step)),
+          firstColumn_(columnTaps_.front().first), lastColumn_(LastOf(columnTaps_.back())) {}
 
     LevelSpan LevelColumns() const override { return {firstColumn_, lastColumn_}; }
     LevelSpan LevelRows(std::int32_t screenRow) const override {
@@ -110,8 +108,8 @@ private:
 
     std::vector<Taps> columnTaps_;
     std::vector<Taps> rowTaps_;
-    std::int32_t firstColumn_ = 0;
-    std::int32_t lastColumn_ = 0;
+    std::int32_t firstColumn_;
+    std::int32_t lastColumn_;
 };
 
 } // namespace

@@ -27,6 +27,13 @@ constexpr std::uint32_t HatchLine = 0xFFB04040;
 constexpr std::int32_t HatchPeriod = 16;
 constexpr std::int32_t HatchWidth = 3;
 
+/// Decoded tiles that take so many bytes, at least one.
+std::size_t TilesIn(std::size_t bytes, const PyramidLayout& layout) {
+    const std::size_t tile = std::size_t{4} * static_cast<std::size_t>(layout.TileWidth()) *
+                             static_cast<std::size_t>(layout.TileHeight());
+    return std::max<std::size_t>(1, bytes / tile);
+}
+
 std::shared_ptr<std::uint32_t[]> NewTile(std::int32_t width, std::int32_t height) {
     const auto count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
     return std::make_shared_for_overwrite<std::uint32_t[]>(count);
@@ -94,13 +101,9 @@ private:
 };
 
 TileLoader::TileLoader(const PyramidLayout& layout, TileSource& source, int threads)
-    : layout_(layout), source_(source), decoders_(static_cast<std::size_t>(threads)), usualCapacity_(0),
-      largestBlock_(0), cache_(0), hatched_(MakeHatchedTile(layout.TileWidth(), layout.TileHeight())) {
-    const std::size_t bytes = std::size_t{4} * static_cast<std::size_t>(layout.TileWidth()) *
-                              static_cast<std::size_t>(layout.TileHeight());
-    usualCapacity_ = std::max<std::size_t>(1, UsualCacheBytes / bytes);
-    largestBlock_ = std::max<std::size_t>(1, LargestBlockBytes / bytes);
-}
+    : layout_(layout), source_(source), decoders_(static_cast<std::size_t>(threads)),
+      usualCapacity_(TilesIn(UsualCacheBytes, layout)), largestBlock_(TilesIn(LargestBlockBytes, layout)),
+      cache_(0), hatched_(MakeHatchedTile(layout.TileWidth(), layout.TileHeight())) {}
 
 void TileLoader::Load(TileBlock& block) {
     block.tileWidth = layout_.TileWidth();

@@ -10,6 +10,7 @@
 #include <new>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -58,8 +59,8 @@ void PaintOnThreads(const ViewPainter& painter, const TileBlock& block, ScreenRa
 } // namespace
 
 struct ViewRenderer::State {
-    State(const PyramidLayout& givenLayout, TileSource& source, int threadCount)
-        : layout(givenLayout), threads(threadCount), loader(layout, source, threadCount) {}
+    State(PyramidLayout givenLayout, TileSource& source, int threadCount)
+        : layout(std::move(givenLayout)), threads(threadCount), loader(layout, source, threadCount) {}
 
     PyramidLayout layout;
     int threads;
