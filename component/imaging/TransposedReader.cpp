@@ -29,16 +29,19 @@ void Transpose(const std::uint8_t* source, std::size_t rows, std::size_t columns
                 }
 }
 
+std::int32_t ColumnsOfAStrip(const ImageInfo& stored) {
+    return LinesInBuffer(std::int64_t{stored.height} * BytesPerPixel(stored.format), stored.width);
+}
+
 } // namespace
 
 TransposedReader::TransposedReader(std::unique_ptr<RowReader> stored, Orientation orientation)
-    : stored_(std::move(stored)),
+    : stored_(std::move(stored)), stripColumns_(ColumnsOfAStrip(stored_->Info())),
       columnsBackwards_(orientation == Orientation::RightBottom || orientation == Orientation::LeftBottom),
       rowsBackwards_(orientation == Orientation::RightTop || orientation == Orientation::RightBottom) {
     info_ = stored_->Info();
     std::swap(info_.width, info_.height);
     info_.orientation = orientation;
-    stripColumns_ = LinesInBuffer(std::int64_t{StoredHeight()} * BytesPerPixel(info_.format), StoredWidth());
 }
 
 void TransposedReader::WatchForCancel(const Progress& progress) {

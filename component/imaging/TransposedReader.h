@@ -31,9 +31,9 @@ private:
 
     std::unique_ptr<RowReader> stored_; ///< empty once its rows are spooled
     SpoolFile spool_;
-    std::int32_t stripColumns_ = 1; ///< columns of every strip but the last
-    bool columnsBackwards_;         ///< the last stored column is the first displayed row
-    bool rowsBackwards_;            ///< the last stored row is the first displayed column
+    std::int32_t stripColumns_; ///< columns of every strip but the last
+    bool columnsBackwards_;     ///< the last stored column is the first displayed row
+    bool rowsBackwards_;        ///< the last stored row is the first displayed column
     std::int32_t row_ = 0;
     std::int32_t loadedStrip_ = -1;
     std::vector<std::uint8_t> part_;    ///< pixels of one strip as they lie in the file
