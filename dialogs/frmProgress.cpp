@@ -14,7 +14,7 @@ namespace {
 
 /// Totals in this range are shown by the bar as they are; others as fractions of the upper end.
 constexpr float SmallestBar = 100;
-constexpr float LargestBar = 1'000'000'000;
+constexpr float LargestBar = 1e9F;
 
 } // namespace
 
