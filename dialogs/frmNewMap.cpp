@@ -16,6 +16,9 @@ const QStringList TileSides{QStringLiteral("64"), QStringLiteral("128"), QString
 
 frmNewMap::frmNewMap(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui::frmNewMap>()) {
     ui_->setupUi(this);
+    // A wrapped text's lines depend on its width, which a layout in a frame does not always take into
+    // account.
+    ui_->lbWarning->setMinimumHeight(ui_->lbWarning->heightForWidth(ui_->lbWarning->minimumWidth()));
     FillCombo(*ui_->ddTileWidth, TileSides);
     FillCombo(*ui_->ddTileHeight, TileSides);
     connect(ui_->btnOK, &QPushButton::clicked, this, &frmNewMap::btnOK_Click);
