@@ -69,9 +69,15 @@ void EditorTest::ExpectFileDialog(const QString& title, const std::optional<std:
         dialog.activateWindow();
         field->setFocus();
         EXPECT_TRUE(QTest::qWaitFor([field] { return field->hasFocus(); }));
-        // In one go, like a paste: while the dialog is still reading its folder it completes what is typed.
-        field->setText(QString::fromStdString(*path));
-        QTest::keyClick(field, Qt::Key_Return);
+        // In one go, like a paste: while the dialog is still reading its folder it completes what is typed,
+        // and it takes no Return until it has looked at the path.
+        for (int tries = 0; tries < 500 && dialog.isVisible(); ++tries) {
+            field->setText(QString::fromStdString(*path));
+            QTest::keyClick(field, Qt::Key_Return);
+            if (dialog.isVisible())
+                QTest::qWait(20);
+        }
+        EXPECT_FALSE(dialog.isVisible()) << "The file dialog does not take " << *path;
     });
 }
 

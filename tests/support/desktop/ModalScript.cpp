@@ -11,6 +11,8 @@
 namespace {
 
 constexpr int PollMilliseconds = 2;
+// Long enough for a busy machine: a test that would hang for ever shall fail and say where.
+constexpr int StuckMilliseconds = 60000;
 
 void TypeInto(QWidget& window, const std::optional<QString>& text) {
     if (!text) {
@@ -69,10 +71,14 @@ void ModalScript::Arm() {
 void ModalScript::Poll() {
     Arm();
     QWidget* const window = QApplication::activeModalWidget();
-    if (window == nullptr || !window->isVisible() ||
-        std::find(met_.begin(), met_.end(), window) != met_.end())
+    if (window == nullptr || !window->isVisible())
         return;
+    if (std::find(met_.begin(), met_.end(), window) != met_.end()) {
+        EndStuck(*window);
+        return;
+    }
     met_.emplace_back(window);
+    sinceMet_.start();
     window->installEventFilter(this);
     Meet(*window);
 }
@@ -84,6 +90,18 @@ bool ModalScript::eventFilter(QObject* watched, QEvent* event) {
             return window.isNull() || window.data() == watched;
         });
     return false;
+}
+
+void ModalScript::EndStuck(QWidget& window) {
+    if (!sinceMet_.hasExpired(StuckMilliseconds))
+        return;
+    ADD_FAILURE() << "A window had its step and does not go away: " << window.objectName().toStdString()
+                  << " " << window.windowTitle().toStdString();
+    sinceMet_.start();
+    if (auto* const dialog = qobject_cast<QDialog*>(&window))
+        dialog->done(QDialog::Rejected);
+    else
+        window.close();
 }
 
 void ModalScript::Meet(QWidget& window) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QMessageBox>
 #include <QObject>
 #include <QPointer>
@@ -39,7 +40,9 @@ private:
     void Poll();
     void Arm();
     void Meet(QWidget& window);
+    void EndStuck(QWidget& window);
 
     std::deque<Step> steps_;
     std::vector<QPointer<QWidget>> met_; ///< windows on the screen that had their step
+    QElapsedTimer sinceMet_;
 };
