@@ -21,7 +21,7 @@ public:
             auto database = std::make_unique<Database>(path_, Database::Mode::Scratch, path_.string());
             CreateScratchSchema(*database);
             container_ = std::make_unique<Container>(std::move(database), std::move(form));
-        } catch (const ComponentError&) {
+        } catch (...) { // a lack of memory, too: the destructor of what was never made does not run
             files_->Remove(path_);
             throw;
         }
