@@ -185,6 +185,22 @@ TEST_F(Export, SaysThatAFileIsInTheWay) {
         << ReadWholeFile(Exported("North") / "tiles.json");
 }
 
+TEST_F(Export, SaysThatItsFolderWentAwayMeanwhile) {
+    library_->OnProgress = [this](float) { std::filesystem::remove_all(OutputFolder()); };
+    Run([this](QWidget& window) {
+        TypeInto(window, "tbExportTo", Output());
+        script_.Expect(QStringLiteral("MessageBox"), [this](QWidget& box) {
+            const QString text = dynamic_cast<QMessageBox&>(box).text();
+            EXPECT_TRUE(text.contains(QLatin1Char('"') + Output())) << text.toStdString();
+            EXPECT_TRUE(text.endsWith(QStringLiteral(": No such file or directory."))) << text.toStdString();
+            QTest::keyClick(&box, Qt::Key_Return);
+        });
+        Click(window, "btnExport");
+        EXPECT_TRUE(window.isVisible());
+        Click(window, "btnCancel");
+    });
+}
+
 TEST_F(Export, TakesNoInputWhileItRuns) {
     int events = 0;
     library_->OnProgress = [&](float) {

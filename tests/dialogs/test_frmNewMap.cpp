@@ -99,7 +99,10 @@ TEST_F(NewMap, IsNotOKAfterCancelEscapeOrTheCloseButton) {
         // Each showing starts anew, whatever the one before brought.
         Run([](QWidget& window) { Click(window, "btnOK"); });
         EXPECT_TRUE(form_.OK());
-        Run(way);
+        Run([&](QWidget& window) {
+            EXPECT_FALSE(form_.OK());
+            way(window);
+        });
         EXPECT_FALSE(form_.OK());
         EXPECT_FALSE(form_.isVisible());
     }
