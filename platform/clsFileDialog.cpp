@@ -5,6 +5,7 @@
 #include "platform/modMessages.h"
 #include "platform/modRegistry.h"
 
+#include <QAbstractItemView>
 #include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -28,8 +29,11 @@ void SetMode(QFileDialog& dialog, bool opens) {
     dialog.setFileMode(opens ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
 }
 
-/// Selecting an empty name does nothing in Qt; the field itself has to be emptied.
+/// Selecting an empty name does nothing in Qt; the field itself has to be emptied. A file that is still
+/// selected in the list would write its name there again as soon as the folder has been read.
 void ForgetFileName(QFileDialog& dialog) {
+    if (const auto* const list = dialog.findChild<QAbstractItemView*>(QStringLiteral("listView")))
+        list->selectionModel()->clear();
     for (auto* const field : dialog.findChildren<QLineEdit*>(QStringLiteral("fileNameEdit")))
         field->clear();
 }
