@@ -12,9 +12,9 @@
 #include <QImage>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QMetaObject>
 #include <QPushButton>
 #include <QTemporaryDir>
-#include <QTimer>
 
 #include <algorithm>
 #include <cmath>
@@ -43,7 +43,7 @@ QString MakeLibrary(const QString& folder, int maps, int icons) {
     }
     for (int i = 0; i < icons; ++i)
         library->AddIconFromImageFile(image.toStdString(), "Icon " + std::to_string(i));
-    const QString file = folder + QStringLiteral("/bench.Atlavex");
+    QString file = folder + QStringLiteral("/bench.Atlavex");
     library->SaveToFile(file.toStdString(), {});
     return file;
 }
@@ -112,11 +112,12 @@ private:
     /// The menu entry's dialog is answered as soon as it is there; the time from the answer on.
     double InDialog(const char* entry, const std::function<void(QWidget&)>& answer) {
         QElapsedTimer timer;
-        QTimer::singleShot(0, &window_, [&] {
+        const auto act = [&] {
             QApplication::processEvents();
             timer.start();
             answer(*QApplication::activeModalWidget());
-        });
+        };
+        QMetaObject::invokeMethod(&window_, act, Qt::QueuedConnection);
         window_.findChild<QAction*>(QLatin1String(entry))->trigger();
         QApplication::processEvents();
         return static_cast<double>(timer.nsecsElapsed()) / 1e6;
@@ -142,8 +143,9 @@ int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
-    const int maps = argc > 2 ? std::atoi(argv[1]) : 500;
-    const int icons = argc > 2 ? std::atoi(argv[2]) : 2000;
+    const QStringList arguments = QApplication::arguments();
+    const int maps = arguments.size() > 2 ? arguments[1].toInt() : 500;
+    const int icons = arguments.size() > 2 ? arguments[2].toInt() : 2000;
     std::printf("%-15s | selecting       | renaming        | refilling       | deleting\n", "list, entries");
     for (const int quarters : {1, 2, 4, 8})
         Bench(maps * quarters / 4, icons * quarters / 4);

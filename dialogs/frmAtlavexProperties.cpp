@@ -69,16 +69,16 @@ void frmAtlavexProperties::btnOK_Click() {
     // Both checks always run, and the second says what it says: an accepted key of 5 to 16 characters is
     // followed by its sentence. Meant.
     if (length <= LongestKey)
-        Accept();
+        TakeKey();
     else
         Refuse(QStringLiteral("Error: Encryption key can not be longer than 16 characters"));
     if (length <= LongestShortKey)
-        Accept();
+        TakeKey();
     else
         Refuse(QStringLiteral("Error: Encryption key must be longer than 4 characters"));
 }
 
-void frmAtlavexProperties::Accept() {
+void frmAtlavexProperties::TakeKey() {
     ok_ = true;
     accept();
 }

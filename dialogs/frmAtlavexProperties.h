@@ -30,7 +30,7 @@ protected:
 
 private:
     void Load();
-    void Accept();
+    void TakeKey();
     void Refuse(const QString& reason);
     void cbEncrypt_Click();
     void btnKeyGenerate_Click();

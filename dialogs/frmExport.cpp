@@ -105,8 +105,8 @@ void frmExport::CompleteIdentifier() {
 }
 
 QString frmExport::MakeTargetFolder() const {
-    const QString folder = InitDir + QLatin1Char('/') + QString::fromStdString(Map->Identifier()) +
-                           QLatin1Char('_') + CreatePosixFileSystemCompatibleString(ui_->tbName->text());
+    QString folder = InitDir + QLatin1Char('/') + QString::fromStdString(Map->Identifier()) +
+                     QLatin1Char('_') + CreatePosixFileSystemCompatibleString(ui_->tbName->text());
     QString errorText; // not shown: the export itself says that it has no folder, and why
     MakeDir(folder, errorText);
     return folder;
