@@ -117,7 +117,6 @@ private:
             timer.start();
             answer(*QApplication::activeModalWidget());
         };
-        // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the queued call owns its function.
         QMetaObject::invokeMethod(&window_, act, Qt::QueuedConnection);
         window_.findChild<QAction*>(QLatin1String(entry))->trigger();
         QApplication::processEvents();
