@@ -1,4 +1,4 @@
-#include "app/ImageChoosers.h"
+#include "app/FileChoosers.h"
 #include "app/ImageNames.h"
 #include "app/MapIconCommands.h"
 #include "app/Stamping.h"
@@ -7,14 +7,6 @@
 namespace {
 
 constexpr const char* NewIconVersion = "1.0";
-
-void DescribeIcon(AtlavexIcon& icon, const QString& name, const QString& description) {
-    icon.SetMetadata("name", name.toStdString());
-    icon.SetMetadata("description", description.toStdString());
-    icon.SetMetadata("version", NewIconVersion);
-    icon.SetMetadata("created", NowText().toStdString());
-    icon.SetMetadata("lastchanged", NowText().toStdString());
-}
 
 } // namespace
 
@@ -42,7 +34,7 @@ void MapIconCommands::AddIconFrom(const QString& fileName) {
         return;
     state_.modified = true; // whatever follows: the icon is in the library
     window_.RefillIcons(state_.objAtlavex->IconCount() - 1);
-    DescribeIcon(*icon, settings->name, settings->description);
+    DescribeNewObject(*icon, settings->name, settings->description, NewIconVersion);
     window_.ShowPage(1);
     window_.LayOut();
 }

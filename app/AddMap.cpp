@@ -1,4 +1,4 @@
-#include "app/ImageChoosers.h"
+#include "app/FileChoosers.h"
 #include "app/ImageNames.h"
 #include "app/MapIconCommands.h"
 #include "app/ScaledFlag.h"
@@ -32,12 +32,8 @@ private:
     std::optional<ComponentError> first_;
 };
 
-void DescribeMap(AtlavexMap& map, const QString& name, const QString& description) {
-    map.SetMetadata("name", name.toStdString());
-    map.SetMetadata("description", description.toStdString());
-    map.SetMetadata("version", std::string(ApplicationName).append(" v").append(VersionText()));
-    map.SetMetadata("created", NowText().toStdString());
-    map.SetMetadata("lastchanged", NowText().toStdString());
+std::string MapVersion() {
+    return std::string(ApplicationName).append(" v").append(VersionText());
 }
 
 } // namespace
@@ -77,7 +73,7 @@ void MapIconCommands::AddMapFrom(const QString& fileName) {
     if (map == nullptr)
         return;
     Steps steps;
-    steps.Do([&] { DescribeMap(*map, settings->name, settings->description); });
+    steps.Do([&] { DescribeNewObject(*map, settings->name, settings->description, MapVersion()); });
     steps.Do([&] { window_.RefillMaps(state_.objAtlavex->MapCount() - 1); });
     TakeNewMap();
     AskForWorldfile(fileName);

@@ -9,11 +9,6 @@
 
 namespace {
 
-/// The library's position of a list entry, in the 16 bits it is counted in.
-std::int16_t PositionOf(int entry) {
-    return CheckedAdd(CheckedNarrow<std::int16_t>(entry), std::int16_t{1});
-}
-
 void Refill(QComboBox& list, const QStringList& names) {
     const QSignalBlocker silent(list);
     list.clear();
@@ -60,7 +55,7 @@ void EntryLists::RefillIcons() {
 }
 
 void EntryLists::SelectMap(int entry) {
-    const auto map = state_.objAtlavex->GetMap(state_.objAtlavex->MapIdAt(PositionOf(entry)));
+    const auto map = state_.objAtlavex->GetMap(state_.objAtlavex->MapIdAt(LibraryPositionOf(entry)));
     state_.currentMap = map;
     mapView_.SetMap(map);
     mapView_.SetMapWidth(map->Width());
@@ -72,7 +67,7 @@ void EntryLists::SelectMap(int entry) {
 
 void EntryLists::SelectIcon(int entry) {
     try {
-        const auto icon = state_.objAtlavex->GetIcon(state_.objAtlavex->IconIdAt(PositionOf(entry)));
+        const auto icon = state_.objAtlavex->GetIcon(state_.objAtlavex->IconIdAt(LibraryPositionOf(entry)));
         iconView_.SetObjBitmap(icon->Image());
         state_.currentIcon = icon;
     } catch (const ComponentError&) {
@@ -83,6 +78,10 @@ void EntryLists::SelectIcon(int entry) {
     iconView_.AdjustSize();
     Mark(icons_, entry);
     rememberedIcon_ = entry;
+}
+
+std::int16_t LibraryPositionOf(int entry) {
+    return CheckedAdd(CheckedNarrow<std::int16_t>(entry), std::int16_t{1});
 }
 
 QString MapSizeText(const clsBitmapView& view) {

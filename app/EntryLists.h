@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <cstdint>
+
 class QComboBox;
 class clsBitmapView;
 
@@ -30,6 +32,9 @@ private:
     clsBitmapView& iconView_;
     int rememberedIcon_ = -1; ///< the entry of ddIcons last accepted
 };
+
+/// The library's position of a list entry, in the 16 bits in which it is counted. ErrorNumber::Overflow.
+std::int16_t LibraryPositionOf(int entry);
 
 /// "Bitmap size: (600, 400)" of what the map view shows, empty when it shows nothing; likewise "Icon size:
 /// …".

@@ -1,6 +1,6 @@
 #include "app/LibraryCommands.h"
 
-#include "app/LibraryChoosers.h"
+#include "app/FileChoosers.h"
 #include "app/ScaledFlag.h"
 #include "app/Stamping.h"
 #include "base/CheckedNumbers.h"
@@ -34,7 +34,6 @@ void LibraryCommands::NewLibrary() {
     state_.encryptionKey.clear(); // the key is that of the open library, and there is none
     SetScaled(state_, window_, false);
     window_.SetTitle(QString());
-    state_.rememberedMap = -1;
     window_.RefillIcons(-1);
     window_.RefillMaps(-1);
 }
@@ -103,7 +102,6 @@ void LibraryCommands::TakeLoadedFile(const QString& fileName) {
     window_.RefillMaps(0);
     TakeStoredScaling(state_, window_);
     window_.SetTitle(fileName);
-    window_.EnableMenus();
 }
 
 bool LibraryCommands::MayBeSaved() {
@@ -123,7 +121,6 @@ bool LibraryCommands::SaveLibrary() {
     if (state_.fileName.isEmpty())
         return SaveLibraryAs();
     SaveTo(state_.fileName);
-    window_.EnableMenus();
     return true;
 }
 
@@ -135,7 +132,6 @@ bool LibraryCommands::SaveLibraryAs() {
         return false;
     SaveTo(*fileName);
     window_.SetTitle(*fileName);
-    window_.EnableMenus();
     return true;
 }
 

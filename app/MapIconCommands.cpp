@@ -1,7 +1,7 @@
 #include "app/MapIconCommands.h"
 
+#include "app/EntryLists.h"
 #include "app/ScaledFlag.h"
-#include "base/CheckedNumbers.h"
 #include "dialogs/frmAtlavexProperties.h"
 #include "dialogs/frmExport.h"
 #include "dialogs/frmMetadata.h"
@@ -10,11 +10,6 @@
 #include "view/clsBitmapView.h"
 
 namespace {
-
-/// The library's position of a list entry, in the 16 bits it is counted in.
-std::int16_t PositionOf(int entry) {
-    return CheckedAdd(CheckedNarrow<std::int16_t>(entry), std::int16_t{1});
-}
 
 bool AskToDelete(EditorWindow& window, const std::string& name, const QString& what) {
     return AskYesNo(window.Widget(), QStringLiteral("Are you sure you want to delete '") +
@@ -94,7 +89,7 @@ void MapIconCommands::DeleteMap() {
     if (state_.objAtlavex == nullptr || window_.MapEntry() < 0)
         return;
     AtlavexLibrary& library = *state_.objAtlavex;
-    const std::string key = library.MapIdAt(PositionOf(window_.MapEntry()));
+    const std::string key = library.MapIdAt(LibraryPositionOf(window_.MapEntry()));
     if (!AskToDelete(window_, library.GetMap(key)->Name(), QStringLiteral("map?")))
         return;
     library.RemoveMap(key);
@@ -114,7 +109,7 @@ void MapIconCommands::DeleteIcon() {
     if (state_.objAtlavex == nullptr || window_.IconEntry() < 0)
         return;
     AtlavexLibrary& library = *state_.objAtlavex;
-    const std::string key = library.IconIdAt(PositionOf(window_.IconEntry()));
+    const std::string key = library.IconIdAt(LibraryPositionOf(window_.IconEntry()));
     if (!AskToDelete(window_, library.GetIcon(key)->Name(), QStringLiteral("Icon?")))
         return;
     library.RemoveIcon(key);

@@ -9,6 +9,15 @@ QString NowText() {
     return QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
 }
 
+void DescribeNewObject(Metadata& object, const QString& name, const QString& description,
+                       const std::string& version) {
+    object.SetMetadata("name", name.toStdString());
+    object.SetMetadata("description", description.toStdString());
+    object.SetMetadata("version", version);
+    object.SetMetadata("created", NowText().toStdString());
+    object.SetMetadata("lastchanged", NowText().toStdString());
+}
+
 void StampLastChanged(AtlavexLibrary& library) {
     for (std::int32_t position = 1; position <= library.MapCount(); ++position)
         library.GetMap(library.MapIdAt(position))->SetMetadata("lastchanged", NowText().toStdString());

@@ -54,7 +54,6 @@ void frmMain::Form_Load(const QString& commandLine) {
     SetShortcuts();
     ConnectControls();
     EnableMenus();
-    state_.rememberedMap = -1;
     SetHeader(QStringLiteral("Header"));
     ui_->viewerMap->setFocus(); // arrow keys on the tabs would turn the page as well
     LoadFromCommandLine(commandLine);
@@ -73,7 +72,7 @@ void frmMain::LoadFromCommandLine(const QString& commandLine) {
 
 bool frmMain::TakesCommands() const {
     // Drops and the end of the session reach a window also behind its own boxes and dialogs.
-    return !state_.busy && !running_;
+    return !running_;
 }
 
 void frmMain::Run(const std::function<void()>& command) {
