@@ -1,6 +1,7 @@
 #include "platform/modFields.h"
 
 #include "base/CheckedNumbers.h"
+#include "platform/Blanks.h"
 
 #include <QComboBox>
 #include <QLineEdit>
@@ -13,17 +14,6 @@ namespace {
 
 /// From 2^53 on a double has no fraction: nothing is left to round.
 constexpr double WholeFrom = 9007199254740992.0;
-
-/// Blanks are spaces only; Qt's trimming would take tabs and line ends along.
-QString WithoutOuterBlanks(const QString& text) {
-    qsizetype first = 0;
-    qsizetype end = text.size();
-    while (first < end && text[first] == u' ')
-        ++first;
-    while (end > first && text[end - 1] == u' ')
-        --end;
-    return text.mid(first, end - first);
-}
 
 /// The one place that says what a number is: the test and the conversion cannot disagree.
 std::optional<double> NumberIn(const QString& fieldText, QLocale locale) {
