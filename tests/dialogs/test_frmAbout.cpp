@@ -1,6 +1,7 @@
 #include "dialogs/frmAbout.h"
 
 #include "platform/LinkLabel.h"
+#include "tests/support/desktop/Controls.h"
 #include "tests/support/desktop/ModalScript.h"
 
 namespace {
@@ -10,11 +11,6 @@ protected:
     void SetUp() override {
         window_.show();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
-    }
-
-    template <typename Control>
-    Control* Find(const char* name) {
-        return window_.findChild<Control*>(QString::fromLatin1(name));
     }
 
     QList<QUrl> opened_;
@@ -27,7 +23,7 @@ protected:
 } // namespace
 
 TEST_F(About, NamesTheProgramAndItsVersion) {
-    EXPECT_EQ(Find<QLabel>("lbVersion")->text(), QStringLiteral("Quorvant Studio v2.31.0"));
+    EXPECT_EQ(Control<QLabel>(window_, "lbVersion").text(), QStringLiteral("Quorvant Studio v2.31.0"));
 }
 
 TEST_F(About, ClosesOnEscapeEnterAndOK) {
@@ -37,12 +33,12 @@ TEST_F(About, ClosesOnEscapeEnterAndOK) {
     QTest::keyClick(&window_, Qt::Key_Return);
     EXPECT_FALSE(window_.isVisible());
     window_.show();
-    QTest::mouseClick(Find<QPushButton>("btnOK"), Qt::LeftButton);
+    Click(window_, "btnOK");
     EXPECT_FALSE(window_.isVisible());
 }
 
 TEST_F(About, OpensTheGuideByClickAndByKey) {
-    auto* const link = Find<LinkLabel>("lURL");
+    auto* const link = &Control<LinkLabel>(window_, "lURL");
     EXPECT_EQ(link->text(), QStringLiteral("Help"));
     QTest::mouseClick(link, Qt::LeftButton);
     link->setFocus();
@@ -54,7 +50,7 @@ TEST_F(About, OpensTheGuideByClickAndByKey) {
 }
 
 TEST_F(About, IgnoresOtherButtonsAndAReleaseBesideTheLink) {
-    auto* const link = Find<LinkLabel>("lURL");
+    auto* const link = &Control<LinkLabel>(window_, "lURL");
     QTest::mouseClick(link, Qt::RightButton);
     QTest::mousePress(link, Qt::LeftButton);
     QTest::mouseRelease(link, Qt::LeftButton, {}, QPoint(-5, -5));
@@ -62,9 +58,9 @@ TEST_F(About, IgnoresOtherButtonsAndAReleaseBesideTheLink) {
 }
 
 TEST_F(About, IsWalkedThroughByTab) {
-    EXPECT_TRUE(Find<QPushButton>("btnOK")->hasFocus());
+    EXPECT_TRUE(Control<QPushButton>(window_, "btnOK").hasFocus());
     QTest::keyClick(&window_, Qt::Key_Tab);
-    EXPECT_TRUE(Find<LinkLabel>("lURL")->hasFocus());
+    EXPECT_TRUE(Control<LinkLabel>(window_, "lURL").hasFocus());
     QTest::keyClick(&window_, Qt::Key_Tab);
-    EXPECT_TRUE(Find<QPushButton>("btnOK")->hasFocus());
+    EXPECT_TRUE(Control<QPushButton>(window_, "btnOK").hasFocus());
 }

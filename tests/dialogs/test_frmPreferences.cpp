@@ -1,5 +1,6 @@
 #include "dialogs/frmPreferences.h"
 
+#include "tests/support/desktop/Controls.h"
 #include "tests/support/desktop/ModalScript.h"
 
 namespace {
@@ -12,21 +13,19 @@ protected:
         window_.show();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
     }
-    template <typename Control>
-    Control* Find(const char* name) {
-        return window_.findChild<Control*>(QString::fromLatin1(name));
+    std::string Shown(const char* combo) {
+        return Control<QComboBox>(window_, combo).currentText().toStdString();
     }
-    std::string Shown(const char* combo) { return Find<QComboBox>(combo)->currentText().toStdString(); }
     /// By the keyboard, as a user does.
     void Pick(const char* combo, const char* text) {
-        auto* const list = Find<QComboBox>(combo);
+        auto* const list = &Control<QComboBox>(window_, combo);
         QTest::keyClick(list, Qt::Key_Home);
         while (list->currentText() != QLatin1String(text) && list->currentIndex() < list->count() - 1)
             QTest::keyClick(list, Qt::Key_Down);
         ASSERT_EQ(Shown(combo), text);
     }
     void Click(const char* button) {
-        auto* const clicked = Find<QAbstractButton>(button);
+        auto* const clicked = &Control<QAbstractButton>(window_, button);
         // A wide option button is clicked on its mark.
         QTest::mouseClick(clicked, Qt::LeftButton, {}, QPoint(8, clicked->height() / 2));
     }
@@ -38,30 +37,31 @@ protected:
 
 TEST_F(Preferences, OpenWithThePrescribedControls) {
     EXPECT_EQ(window_.windowTitle(), QStringLiteral("Quorvant Studio Preferences"));
-    EXPECT_EQ(Find<QGroupBox>("fTileSize")->title(), QStringLiteral("Tile size"));
+    EXPECT_EQ(Control<QGroupBox>(window_, "fTileSize").title(), QStringLiteral("Tile size"));
     EXPECT_EQ(
-        Find<QGroupBox>("fTileSize")->findChild<QLabel*>(QStringLiteral("lbTileSize"))->text(),
+        Control<QGroupBox>(window_, "fTileSize").findChild<QLabel*>(QStringLiteral("lbTileSize"))->text(),
         QStringLiteral("Size of tiles in Atlavex files. Note: Only 256 is compatible with Atlavex 1.x"));
-    EXPECT_EQ(Find<QLabel>("lbSegWidth")->text(), QStringLiteral("Width:"));
-    EXPECT_EQ(Find<QLabel>("lbHeight")->text(), QStringLiteral("Height:"));
-    EXPECT_EQ(Find<QGroupBox>("fDegreeSelection")->title(), QStringLiteral("Degree representation"));
-    EXPECT_EQ(Find<QRadioButton>("rbDegrees")->text(), QStringLiteral("Degrees"));
-    EXPECT_EQ(Find<QRadioButton>("rbRadians")->text(), QStringLiteral("Radians"));
-    EXPECT_EQ(Find<QGroupBox>("fTempPath")->title(), QStringLiteral("Temporary directory"));
-    EXPECT_EQ(Find<QLineEdit>("txtTempPath")->text(), QStringLiteral("Windows Temp Directory"));
-    EXPECT_EQ(Find<QPushButton>("btnTempPath")->text(), QStringLiteral("..."));
-    EXPECT_EQ(Find<QPushButton>("btnOK")->text(), QStringLiteral("OK"));
-    EXPECT_EQ(Find<QPushButton>("btnCancel")->text(), QStringLiteral("Cancel"));
+    EXPECT_EQ(Control<QLabel>(window_, "lbSegWidth").text(), QStringLiteral("Width:"));
+    EXPECT_EQ(Control<QLabel>(window_, "lbHeight").text(), QStringLiteral("Height:"));
+    EXPECT_EQ(Control<QGroupBox>(window_, "fDegreeSelection").title(),
+              QStringLiteral("Degree representation"));
+    EXPECT_EQ(Control<QRadioButton>(window_, "rbDegrees").text(), QStringLiteral("Degrees"));
+    EXPECT_EQ(Control<QRadioButton>(window_, "rbRadians").text(), QStringLiteral("Radians"));
+    EXPECT_EQ(Control<QGroupBox>(window_, "fTempPath").title(), QStringLiteral("Temporary directory"));
+    EXPECT_EQ(Control<QLineEdit>(window_, "txtTempPath").text(), QStringLiteral("Windows Temp Directory"));
+    EXPECT_EQ(Control<QPushButton>(window_, "btnTempPath").text(), QStringLiteral("..."));
+    EXPECT_EQ(Control<QPushButton>(window_, "btnOK").text(), QStringLiteral("OK"));
+    EXPECT_EQ(Control<QPushButton>(window_, "btnCancel").text(), QStringLiteral("Cancel"));
 }
 
 TEST_F(Preferences, OfferFiveTileSizesAnd256AtFirst) {
     for (const char* const combo : {"ddTileWidth", "ddTileHeight"}) {
         QStringList sizes;
-        for (int i = 0; i < Find<QComboBox>(combo)->count(); ++i)
-            sizes.append(Find<QComboBox>(combo)->itemText(i));
+        for (int i = 0; i < Control<QComboBox>(window_, combo).count(); ++i)
+            sizes.append(Control<QComboBox>(window_, combo).itemText(i));
         EXPECT_EQ(sizes.join(u' ').toStdString(), "64 128 256 512 1024");
         EXPECT_EQ(Shown(combo), "256");
-        EXPECT_FALSE(Find<QComboBox>(combo)->isEditable());
+        EXPECT_FALSE(Control<QComboBox>(window_, combo).isEditable());
     }
     EXPECT_EQ(window_.TileWidth(), QStringLiteral("256"));
     EXPECT_EQ(window_.TileHeight(), QStringLiteral("256"));
@@ -72,7 +72,7 @@ TEST_F(Preferences, OfferFiveTileSizesAnd256AtFirst) {
 TEST_F(Preferences, SelectTheUsualSizeIndependentlyWhereNoneIsSelected) {
     Pick("ddTileHeight", "64");
     window_.hide();
-    Find<QComboBox>("ddTileWidth")->setCurrentIndex(-1);
+    Control<QComboBox>(window_, "ddTileWidth").setCurrentIndex(-1);
     Show();
     EXPECT_EQ(Shown("ddTileWidth"), "256");
     EXPECT_EQ(Shown("ddTileHeight"), "64");
@@ -94,8 +94,8 @@ TEST_F(Preferences, FollowTheOptionButtonsAtOnce) {
     EXPECT_FALSE(window_.Radians()) << "not before OK";
     Click("rbDegrees");
     EXPECT_FALSE(window_.RadiansChosen());
-    Find<QRadioButton>("rbDegrees")->setFocus();
-    QTest::keyClick(Find<QRadioButton>("rbDegrees"), Qt::Key_Right);
+    Control<QRadioButton>(window_, "rbDegrees").setFocus();
+    QTest::keyClick(&Control<QRadioButton>(window_, "rbDegrees"), Qt::Key_Right);
     EXPECT_TRUE(window_.RadiansChosen()) << "the arrow keys choose, too";
     Click("btnOK");
     EXPECT_TRUE(window_.Radians());
@@ -104,7 +104,7 @@ TEST_F(Preferences, FollowTheOptionButtonsAtOnce) {
 TEST_F(Preferences, KeepTheirControlsButChangeNothingAfterCancel) {
     Pick("ddTileWidth", "512");
     Click("rbRadians");
-    Find<QLineEdit>("txtTempPath")->setText(QStringLiteral("/tmp"));
+    Control<QLineEdit>(window_, "txtTempPath").setText(QStringLiteral("/tmp"));
     Click("btnCancel");
     EXPECT_FALSE(window_.isVisible());
     EXPECT_FALSE(window_.OK());
@@ -113,8 +113,8 @@ TEST_F(Preferences, KeepTheirControlsButChangeNothingAfterCancel) {
     EXPECT_EQ(window_.TemporaryFolder(), QStringLiteral("Windows Temp Directory"));
     Show();
     EXPECT_EQ(Shown("ddTileWidth"), "512");
-    EXPECT_TRUE(Find<QRadioButton>("rbRadians")->isChecked());
-    EXPECT_EQ(Find<QLineEdit>("txtTempPath")->text(), QStringLiteral("/tmp"));
+    EXPECT_TRUE(Control<QRadioButton>(window_, "rbRadians").isChecked());
+    EXPECT_EQ(Control<QLineEdit>(window_, "txtTempPath").text(), QStringLiteral("/tmp"));
     Click("btnOK");
     EXPECT_EQ(window_.TileWidth(), QStringLiteral("512"));
     EXPECT_EQ(window_.TemporaryFolder(), QStringLiteral("/tmp"));
@@ -135,7 +135,7 @@ TEST_F(Preferences, EndAsCancelOnEscapeAndTheCloseButton) {
 }
 
 TEST_F(Preferences, EndAsOKOnEnterInTheFolderField) {
-    auto* const folder = Find<QLineEdit>("txtTempPath");
+    auto* const folder = &Control<QLineEdit>(window_, "txtTempPath");
     folder->setFocus();
     folder->selectAll();
     QTest::keyClicks(folder, QStringLiteral("/var/tmp"));
@@ -163,7 +163,7 @@ TEST_F(Preferences, DoNothingOnTheButtonBesideTheFolder) {
     Click("btnTempPath");
     QTest::qWait(20);
     EXPECT_TRUE(window_.isVisible());
-    EXPECT_EQ(Find<QLineEdit>("txtTempPath")->text(), QStringLiteral("Windows Temp Directory"));
+    EXPECT_EQ(Control<QLineEdit>(window_, "txtTempPath").text(), QStringLiteral("Windows Temp Directory"));
 }
 
 TEST_F(Preferences, AreWalkedThroughByTab) {

@@ -2,6 +2,7 @@
 
 #include "component/AtlavexLibrary.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/desktop/Controls.h"
 
 namespace {
 
@@ -12,15 +13,11 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
     }
 
-    template <typename Control>
-    Control* Find(const char* name) {
-        return window_.findChild<Control*>(QString::fromLatin1(name));
-    }
-    std::string Text() { return Find<QLabel>("lbProgress")->text().toStdString(); }
-    std::string Counter() { return Find<QLabel>("lbDebugProgress")->text().toStdString(); }
+    std::string Text() { return Control<QLabel>(window_, "lbProgress").text().toStdString(); }
+    std::string Counter() { return Control<QLabel>(window_, "lbDebugProgress").text().toStdString(); }
     /// How much of the bar is filled, in parts of a thousand.
     int Filled() {
-        const auto* const bar = Find<QProgressBar>("ProgressBar1");
+        const auto* const bar = &Control<QProgressBar>(window_, "ProgressBar1");
         return static_cast<int>(bar->value() * 1000LL / bar->maximum());
     }
 
@@ -45,14 +42,14 @@ std::unique_ptr<AtlavexLibrary> LibraryWithMap(const TempFolder& folder) {
 TEST_F(ProgressDialog, OpensWithThePrescribedTexts) {
     EXPECT_EQ(window_.windowTitle(), QStringLiteral("Loading raster map..."));
     EXPECT_EQ(Text(), "Loading...");
-    EXPECT_EQ(Find<QPushButton>("btnCancel")->text(), QStringLiteral("Cancel"));
-    EXPECT_TRUE(Find<QPushButton>("btnCancel")->isEnabled());
-    EXPECT_FALSE(Find<QProgressBar>("ProgressBar1")->isTextVisible());
+    EXPECT_EQ(Control<QPushButton>(window_, "btnCancel").text(), QStringLiteral("Cancel"));
+    EXPECT_TRUE(Control<QPushButton>(window_, "btnCancel").isEnabled());
+    EXPECT_FALSE(Control<QProgressBar>(window_, "ProgressBar1").isTextVisible());
     EXPECT_FALSE(window_.isModal());
 }
 
 TEST_F(ProgressDialog, ShowsTheCounterInDiagnosticModeOnly) {
-    auto* const counter = Find<QLabel>("lbDebugProgress");
+    auto* const counter = &Control<QLabel>(window_, "lbDebugProgress");
     EXPECT_FALSE(counter->isVisible());
     window_.SetDiagnosticMode(true);
     window_.SetMaximum(1000);
@@ -67,8 +64,8 @@ TEST_F(ProgressDialog, SaysThePercentageAndMovesTheBar) {
     window_.SetMaximum(1000);
     window_.SetProgress(420);
     EXPECT_EQ(Text(), "Loading...42% complete.");
-    EXPECT_EQ(Find<QProgressBar>("ProgressBar1")->maximum(), 1000);
-    EXPECT_EQ(Find<QProgressBar>("ProgressBar1")->value(), 420);
+    EXPECT_EQ(Control<QProgressBar>(window_, "ProgressBar1").maximum(), 1000);
+    EXPECT_EQ(Control<QProgressBar>(window_, "ProgressBar1").value(), 420);
     window_.SetProgress(0);
     EXPECT_EQ(Text(), "Loading...0% complete.");
     window_.SetProgress(1000);
@@ -114,9 +111,9 @@ TEST_F(ProgressDialog, IsNotClosedByTheUser) {
     EXPECT_TRUE(window_.isVisible());
     EXPECT_FALSE(window_.close());
     EXPECT_TRUE(window_.isVisible());
-    EXPECT_TRUE(Find<QPushButton>("btnCancel")->isEnabled()) << "neither is a Cancel";
+    EXPECT_TRUE(Control<QPushButton>(window_, "btnCancel").isEnabled()) << "neither is a Cancel";
     QTest::keyClick(&window_, Qt::Key_Return);
-    EXPECT_TRUE(Find<QPushButton>("btnCancel")->isEnabled())
+    EXPECT_TRUE(Control<QPushButton>(window_, "btnCancel").isEnabled())
         << "the Enter that started the operation may still be held down";
 }
 
@@ -124,7 +121,7 @@ TEST_F(ProgressDialog, CancelsTheLibrarysOperation) {
     const TempFolder folder;
     const std::unique_ptr<AtlavexLibrary> library = LibraryWithMap(folder);
     const std::string file = (folder / "library.Atlavex").string();
-    auto* const cancel = Find<QPushButton>("btnCancel");
+    auto* const cancel = &Control<QPushButton>(window_, "btnCancel");
     library->OnProgressBegin = [&](float total, AtlavexLibrary& raising) {
         window_.SetMaximum(total);
         window_.SetLibrary(&raising);
@@ -139,5 +136,5 @@ TEST_F(ProgressDialog, CancelsTheLibrarysOperation) {
 
 TEST_F(ProgressDialog, IsCancelledBySpaceAtOnce) {
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
-    EXPECT_FALSE(Find<QPushButton>("btnCancel")->isEnabled());
+    EXPECT_FALSE(Control<QPushButton>(window_, "btnCancel").isEnabled());
 }
