@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Checks the form of all C++ files, and the substance of the programs' sources with clang-tidy (half an hour and more
-# on two cores). tools/lint.sh --form checks the form alone, --fix mends it; tools/lint.sh FILE.cpp ... looks into
-# these files only. QUORVANT_BUILD names another build folder than build/, which must then be up to date.
+# Checks the form of all C++ files, and the substance of the programs' sources with clang-tidy, which takes long.
+# tools/lint.sh --form checks the form alone, --fix mends it; tools/lint.sh FILE.cpp ... looks into these files only.
+# QUORVANT_BUILD names another build folder than build/, which must then be up to date.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
