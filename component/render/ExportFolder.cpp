@@ -34,13 +34,34 @@ std::string Reason(int error) {
     return std::generic_category().message(error);
 }
 
+bool IsFull(int error) {
+    return error == ENOSPC || error == EDQUOT || error == EFBIG;
+}
+
+/// What keeps a folder from being made that is not there: a disk that is full or may not be written to is why
+/// whoever was to make it could not. Leaves no folder behind.
+int WhyMissing(std::filesystem::path path) {
+    for (; !path.empty(); path = path.parent_path()) {
+        if (mkdir(path.c_str(), 0777) == 0)
+            rmdir(path.c_str());
+        else if (errno == ENOENT)
+            continue; // its own parent is missing, too
+        else if (errno != EEXIST)
+            return errno;
+        break;
+    }
+    return ENOENT;
+}
+
 } // namespace
 
 ExportFolder::ExportFolder(const std::filesystem::path& path)
     : path_(path), folder_(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    if (!folder_.IsOpen())
-        throw ComponentError(ErrorNumber::FileNotWritable,
-                             "The folder \"" + path.string() + "\" cannot be used: " + Reason(errno) + ".");
+    if (folder_.IsOpen())
+        return;
+    const int error = errno == ENOENT ? WhyMissing(path) : errno;
+    throw ComponentError(IsFull(error) ? ErrorNumber::DiskFull : ErrorNumber::FileNotWritable,
+                         "The folder \"" + path.string() + "\" cannot be used: " + Reason(error) + ".");
 }
 
 void ExportFolder::MakeFolder(const std::string& name) const {
@@ -107,7 +128,7 @@ std::optional<std::string> ExportFolder::Read(const std::string& name, std::size
 
 void ExportFolder::ThrowNotWritable(const std::string& name, int error) const {
     const std::string path = (path_ / name).string();
-    if (error == ENOSPC || error == EDQUOT || error == EFBIG)
+    if (IsFull(error))
         throw ComponentError(ErrorNumber::DiskFull,
                              "\"" + path + "\" cannot be written: the disk is full or a limit is reached.");
     throw ComponentError(ErrorNumber::FileNotWritable,

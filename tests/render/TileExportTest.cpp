@@ -366,6 +366,25 @@ TEST(TileExport, NamesTheFileThatCannotBeWritten) {
                 HasSubstr("2/1/0.png"));
 }
 
+TEST(TileExport, SaysWhyItsFolderIsNotThereAndMakesNone) {
+    const TempFolder folder;
+    DrawnMap map(SpeckledPicture(100, 80), 64, 64, PixelFormat::Rgb);
+    const auto sentenceFor = [&](const std::filesystem::path& path) {
+        std::string sentence;
+        EXPECT_EQ(FaultOf(Described(map), map, path, &sentence), ErrorNumber::FileNotWritable) << path;
+        return sentence;
+    };
+    WriteWholeFile(folder / "file", "x");
+    std::filesystem::create_symlink(folder / "nothing", folder / "dangling");
+    for (const char* const name : {"gone", "gone/deep/", "dangling", "dangling/x"})
+        EXPECT_THAT(sentenceFor(folder / name), HasSubstr("cannot be used: No such file or directory."));
+    EXPECT_THAT(sentenceFor(folder / "file"), HasSubstr("cannot be used: Not a directory."));
+    EXPECT_THAT(sentenceFor(folder / std::string(300, 'n')),
+                HasSubstr("cannot be used: File name too long."));
+    EXPECT_THAT(sentenceFor("/proc/no-folder/deep"), HasSubstr("cannot be used: "));
+    EXPECT_FALSE(std::filesystem::exists(folder / "gone"));
+}
+
 TEST(TileExport, SaysThatTheDiskIsFull) {
     const TempFolder folder;
     Bitmap noise(300, 300); // one tile of it is larger than the limit, the texts are not
