@@ -5,11 +5,37 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QRegularExpression>
 #include <QVBoxLayout>
 
 namespace {
 
 const auto Title = QStringLiteral("Quorvant Studio");
+
+// What a box has room for on a small screen, with its buttons.
+constexpr qsizetype MostCharacters = 1500;
+constexpr qsizetype MostLines = 30;
+
+/// The position, or the next one when a pair of surrogates would be parted there.
+qsizetype Between(const QString& text, qsizetype position) {
+    return text.at(position).isLowSurrogate() ? position + 1 : position;
+}
+
+/// A text that a box can show: a name of a megabyte would stand still for seconds and push the buttons off
+/// the screen. What is said about it stands before and behind it.
+QString Fitting(const QString& text) {
+    static const QRegularExpression lineEnd(QStringLiteral("\r\n|[\n\v\f\r\u0085\u2028\u2029]"));
+    const auto ellipsis = QStringLiteral("\u2026");
+    QString shown = text;
+    if (shown.size() > MostCharacters)
+        shown = shown.left(Between(shown, MostCharacters - MostCharacters / 4)) + ellipsis +
+                shown.mid(Between(shown, shown.size() - MostCharacters / 4));
+    const QStringList lines = shown.split(lineEnd);
+    if (lines.size() <= MostLines)
+        return shown;
+    return (lines.first(MostLines - MostLines / 4) + QStringList{ellipsis} + lines.last(MostLines / 4))
+        .join(u'\n');
+}
 
 /// The normal pointer for as long as a box is open, over the hourglass of a command that asks in its middle.
 class NormalPointer {
@@ -24,7 +50,7 @@ QMessageBox::StandardButton Ask(QWidget* parent, QMessageBox::Icon icon, const Q
                                 QMessageBox::StandardButtons buttons, QMessageBox::StandardButton preset,
                                 QMessageBox::StandardButton escape) {
     const NormalPointer pointer;
-    QMessageBox box(icon, Title, text, buttons, parent);
+    QMessageBox box(icon, Title, Fitting(text), buttons, parent);
     box.setObjectName(QStringLiteral("MessageBox"));
     box.setTextFormat(Qt::PlainText);
     box.setDefaultButton(preset);

@@ -8,7 +8,8 @@ class QWidget;
 
 // Every message box, question and input box of the editor. All are modal, titled "Quorvant Studio", and show
 // their text as plain text: what looks like markup in a map's name is shown as it was typed. `parent` is the
-// window they stand before (nothing: none). The pointer is the normal one while they are open, whatever
+// window they stand before (nothing: none). Of a text that no screen has room for, more than some 1,500
+// characters or 30 lines, the middle is left out. The pointer is the normal one while they are open, whatever
 // pointer a command has set.
 
 enum class Answer { Yes, No, Cancel };

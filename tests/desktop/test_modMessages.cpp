@@ -9,6 +9,36 @@ TEST(Messages, AreShownAsPlainTextUnderTheProgramsName) {
     EXPECT_TRUE(script.IsDone());
 }
 
+TEST(MessageBoxes, LeaveOutTheMiddleOfATextThatNoScreenHasRoomFor) {
+    const auto shown = [](const QString& text) {
+        QString found;
+        ModalScript script;
+        script.Expect(QStringLiteral("MessageBox"), [&found](QWidget& box) {
+            found = dynamic_cast<QMessageBox&>(box).text();
+            EXPECT_LT(box.height(), 1000);
+            EXPECT_LT(box.width(), 1500);
+            QTest::keyClick(&box, Qt::Key_Escape);
+        });
+        AskYesNo(nullptr, text);
+        return found;
+    };
+    const auto question = [](const QString& name) { return QStringLiteral("Delete '%1' map?").arg(name); };
+    const QString longest = question(QString(1484, u'n'));
+    EXPECT_EQ(shown(longest), longest);
+    for (const QString& name :
+         {QString(1 << 20, u'n'), QStringLiteral("n ").repeated(1 << 19),
+          QStringLiteral("\U0001F5FA").repeated(1000), QStringLiteral("a\U0001F5FA").repeated(1000)}) {
+        const QString text = shown(question(name));
+        EXPECT_EQ(text.size() - text.count(u'\u2026'), 1500) << text.size();
+        EXPECT_TRUE(text.startsWith(QStringLiteral("Delete '") + name.left(100))) << text.toStdString();
+        EXPECT_TRUE(text.endsWith(name.right(100) + QStringLiteral("' map?"))) << text.toStdString();
+        EXPECT_TRUE(text.isValidUtf16());
+    }
+    for (const char* const end : {"\n", "\r\n", "\u2028"})
+        EXPECT_EQ(shown(question(QString::fromUtf8(end).repeated(100))),
+                  QStringLiteral("Delete '%1\u2026%2' map?").arg(QString(23, u'\n'), QString(7, u'\n')));
+}
+
 TEST(Questions, AnswerNoOnEnterAndEscape) {
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
         ModalScript script;
