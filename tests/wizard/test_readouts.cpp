@@ -1,0 +1,451 @@
+#include "tests/coordinates/ReferenceProj.h"
+#include "tests/support/RunProgram.h"
+#include "tests/wizard/FormDriver.h"
+#include "tests/wizard/WizardRun.h"
+
+#include <QImage>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QPainter>
+#include <QRegularExpression>
+
+#include <cmath>
+
+// What the status line says over the printed crossings of sheets that were scaled through the wizards. Where
+// the crossings are and what they are called comes from PROJ, from published figures and from the sheets'
+// own table.
+
+namespace {
+
+// Slider positions for 10 %, 100 % and 739 %.
+constexpr std::array<int, 3> Sliders{-23, 0, 20};
+
+/// Half a screen pixel in image pixels, of which whole ones are read out; from 100 % on the pixel is hit.
+double Tolerance(int slider) {
+    return slider < 0 ? std::nearbyint(0.5 / std::exp(slider / 10.0)) : 0;
+}
+
+/// The two numbers of a read-out in its exact form; west and south negative.
+std::pair<double, double> Numbers(const std::string& status) {
+    static const QRegularExpression grid(QStringLiteral(
+        "^\\(meters\\) Easting: (-?\\d+(?:\\.\\d{1,2})?) Northing: (-?\\d+(?:\\.\\d{1,2})?)$"));
+    static const QRegularExpression degrees(
+        QStringLiteral("^Longitude: (\\d+\\.\\d{7}) ([EW]) Latitude: (\\d+\\.\\d{7}) ([NS])$"));
+    const QString text = QString::fromStdString(status);
+    if (const auto match = grid.match(text); match.hasMatch())
+        return {match.captured(1).toDouble(), match.captured(2).toDouble()};
+    const auto match = degrees.match(text);
+    EXPECT_TRUE(match.hasMatch()) << status;
+    const double longitude = match.captured(1).toDouble();
+    const double latitude = match.captured(3).toDouble();
+    return {match.captured(2) == QStringLiteral("W") ? -longitude : longitude,
+            match.captured(4) == QStringLiteral("S") ? -latitude : latitude};
+}
+
+/// Two decimals at most, none that are not needed.
+std::string LengthText(double metres) {
+    QString text = QString::number(metres, 'f', 2);
+    while (text.endsWith(u'0'))
+        text.chop(1);
+    if (text.endsWith(u'.'))
+        text.chop(1);
+    return text.toStdString();
+}
+
+std::string GridText(double easting, double northing) {
+    return "(meters) Easting: " + LengthText(easting) + " Northing: " + LengthText(northing);
+}
+
+// Sheets in national grids. -------------------------------------------------------------------------------
+
+constexpr QSize SheetSize(7000, 3000);
+constexpr QPoint FirstCrossing(484, 486);
+constexpr QPoint LastCrossing(6984, 2986);
+constexpr int CrossingStep = 500;
+constexpr double UnitsPerPixel = 2;
+
+/// A sheet whose printed grid is in its own unit; the crossings are pixels.
+struct GridSheet {
+    const char* name;
+    const char* country;
+    const char* grid;
+    const char* zone;
+    const char* unit;
+    double metres; ///< a unit of `unit`
+    double x;      ///< of the first crossing, in the unit
+    double y;
+    int eastward;      ///< the first coordinate grows to the right, or (-1) to the left
+    const char* crs;   ///< PROJ's name of the system, where it has one
+    LonLat known;      ///< a published point, where it has none
+    EastNorth knownAs; ///< its coordinate
+};
+
+void PrintTo(const GridSheet& sheet, std::ostream* out) {
+    *out << sheet.grid;
+}
+
+/// The three crossings that are clicked: two on the left edge, one at the far right.
+constexpr std::array<QPoint, 3> Clicked{FirstCrossing, QPoint(LastCrossing.x(), FirstCrossing.y()),
+                                        QPoint(FirstCrossing.x(), LastCrossing.y())};
+
+class GridSheets : public WizardRun, public ::testing::WithParamInterface<GridSheet> {
+protected:
+    TypedPoint Typed(const QPoint& pixel) const {
+        const QPoint from = pixel - FirstCrossing;
+        return {pixel, GetParam().x + GetParam().eastward * UnitsPerPixel * from.x(),
+                GetParam().y - UnitsPerPixel * from.y()};
+    }
+    EastNorth Metres(const QPoint& pixel) const {
+        const TypedPoint typed = Typed(pixel);
+        return {typed.x * GetParam().metres, typed.y * GetParam().metres};
+    }
+    QPointF PixelOf(const EastNorth& metres) const {
+        const double unit = GetParam().metres * UnitsPerPixel;
+        const EastNorth first = Metres(FirstCrossing);
+        return {FirstCrossing.x() + GetParam().eastward * (metres.easting - first.easting) / unit,
+                FirstCrossing.y() - (metres.northing - first.northing) / unit};
+    }
+
+    /// A place of known longitude and latitude on the sheet, and its coordinate.
+    std::pair<LonLat, EastNorth> Graticule() const {
+        if (std::string_view(GetParam().crs).empty())
+            return {GetParam().known, GetParam().knownAs};
+        const ReferenceGrid reference("", GetParam().crs);
+        const LonLat middle = reference.Inverse(Metres({3484, 1486}));
+        const LonLat crossing{std::nearbyint(middle.longitude * 100) / 100,
+                              std::nearbyint(middle.latitude * 100) / 100};
+        return {crossing, reference.Forward(crossing)};
+    }
+
+    std::string DrawSheet() const {
+        QImage sheet(SheetSize, QImage::Format_Grayscale8);
+        sheet.fill(Qt::white);
+        QPainter painter(&sheet);
+        for (const QPoint& crossing : Crossings())
+            painter.fillRect(QRect(crossing - QPoint(10, 10), QSize(21, 21)), Qt::black);
+        painter.end();
+        EXPECT_TRUE(sheet.save(QString::fromStdString(PathOf("sheet.png"))));
+        return PathOf("sheet.png");
+    }
+    static std::vector<QPoint> Crossings() {
+        std::vector<QPoint> crossings;
+        for (int y = FirstCrossing.y(); y <= LastCrossing.y(); y += CrossingStep)
+            for (int x = FirstCrossing.x(); x <= LastCrossing.x(); x += CrossingStep)
+                crossings.emplace_back(x, y);
+        return crossings;
+    }
+
+    void ScaleThroughTheWizard() {
+        const auto text = [](const char* word) { return QString::fromLatin1(word); };
+        ExpectMapAdded(DrawSheet());
+        ExpectGrid(text(GetParam().country), text(GetParam().grid), text(GetParam().zone));
+        ExpectProjection("rbCartesian");
+        Choose("mBitmapNew");
+        for (const QPoint& crossing : Clicked) {
+            ExpectPoint(Typed(crossing), text(GetParam().unit));
+            if (crossing == Clicked.back())
+                Expecting().ExpectBox(ScalingCompleted());
+            ClickPixel(crossing);
+        }
+        ASSERT_TRUE(State().mapScaled);
+    }
+
+    /// Reads out all crossings in sight from the far corner at every zoom, and holds them to the truth.
+    std::vector<std::string> ReadFarCorners() {
+        std::vector<std::string> readOuts;
+        for (const int slider : Sliders) {
+            SetSlider(slider);
+            ScrollToFarCorner();
+            EXPECT_TRUE(IsInSight(LastCrossing)) << slider;
+            for (const QPoint& crossing : Crossings()) {
+                if (IsInSight(crossing))
+                    readOuts.push_back(ReadCrossing(crossing, slider));
+            }
+        }
+        return readOuts;
+    }
+    std::string ReadCrossing(const QPoint& crossing, int slider) {
+        const std::string status = ReadOutAt(crossing);
+        const QImage screen = Viewer().grab().toImage();
+        EXPECT_LT(qGray(screen.pixel(PlaceOf(crossing))), 128) << "not printed there, slider " << slider;
+        const auto [easting, northing] = Numbers(status);
+        const EastNorth truth = Metres(crossing);
+        const double allowed = Tolerance(slider) * UnitsPerPixel * GetParam().metres + 0.005001;
+        EXPECT_NEAR(easting, truth.easting, allowed) << slider;
+        EXPECT_NEAR(northing, truth.northing, allowed) << slider;
+        if (slider >= 0) {
+            EXPECT_EQ(status, GridText(truth.easting, truth.northing));
+        }
+        return status;
+    }
+
+    /// A crossing of meridian and parallel is as a rule between pixels: the nearest one is read out.
+    void ReadGraticule() {
+        const auto [place, metres] = Graticule();
+        const QPoint pixel = PixelOf(metres).toPoint();
+        const double half = UnitsPerPixel * GetParam().metres / 2 + 0.005;
+        for (const int slider : {0, 20}) {
+            SetSlider(slider);
+            ScrollTo(pixel);
+            const auto [easting, northing] = Numbers(ReadOutAt(pixel));
+            EXPECT_NEAR(easting, metres.easting, half);
+            EXPECT_NEAR(northing, metres.northing, half);
+        }
+        const Georeference& stored = State().currentMap->MapGeoreference();
+        const LonLat back = GridProjection(*stored.grid, *stored.datum).Inverse(metres);
+        // A published point is a position in ETRS89, which is the map's WGS84.
+        const LonLat onDatum = std::string_view(GetParam().crs).empty()
+                                   ? State().currentMap->WorldToWgs84({metres.easting, metres.northing})
+                                   : back;
+        EXPECT_LT(GroundDistance(onDatum, place), 0.05);
+    }
+};
+
+} // namespace
+
+TEST_P(GridSheets, ReadOutTheirPrintedCrossingsAndDoSoWhenReopened) {
+    StartSmall();
+    ScaleThroughTheWizard();
+    const std::vector<std::string> readOuts = ReadFarCorners();
+    EXPECT_GT(readOuts.size(), 20U);
+    ReadGraticule();
+    SaveAndReopen("sheet.Atlavex");
+    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+    EXPECT_EQ(ReadFarCorners(), readOuts);
+    ReadGraticule();
+}
+
+INSTANTIATE_TEST_SUITE_P(InEachGrid, GridSheets,
+                         ::testing::Values(GridSheet{"Utm",
+                                                     "International",
+                                                     "UTM North (wgs84)",
+                                                     "32",
+                                                     "meters",
+                                                     1,
+                                                     500000,
+                                                     6200000,
+                                                     1,
+                                                     "EPSG:32632",
+                                                     {},
+                                                     {}},
+                                           GridSheet{"GaussKrueger",
+                                                     "Germany",
+                                                     "German Grid (Potsdam)",
+                                                     "3",
+                                                     "yards",
+                                                     0.9144,
+                                                     3828000,
+                                                     6124000,
+                                                     1,
+                                                     "EPSG:31467",
+                                                     {},
+                                                     {}},
+                                           GridSheet{"Swiss",
+                                                     "Switzerland",
+                                                     "Swiss Grid (ch1903)",
+                                                     "",
+                                                     "meters",
+                                                     1,
+                                                     600000,
+                                                     200000,
+                                                     1,
+                                                     "EPSG:21781",
+                                                     {},
+                                                     {}},
+                                           GridSheet{"Dutch",
+                                                     "The Netherlands",
+                                                     "Dutch Grid (Amersfoort)",
+                                                     "",
+                                                     "Int. feet",
+                                                     0.3048,
+                                                     508000,
+                                                     1519000,
+                                                     1,
+                                                     "EPSG:28992",
+                                                     {},
+                                                     {}},
+                                           GridSheet{"StatePlane",
+                                                     "United States",
+                                                     "State Plane (nad83)",
+                                                     "0101 Alabama East",
+                                                     "U.S. feet",
+                                                     0.30480061,
+                                                     656000,
+                                                     1000000,
+                                                     1,
+                                                     "EPSG:26929",
+                                                     {},
+                                                     {}},
+                                           // Its first coordinate grows to the west. The point is one that
+                                           // the Danish agency published.
+                                           GridSheet{"System34",
+                                                     "Denmark",
+                                                     "System 34 (Main land)",
+                                                     "",
+                                                     "meters",
+                                                     1,
+                                                     264000,
+                                                     287000,
+                                                     -1,
+                                                     "",
+                                                     {9.5, 57},
+                                                     {263190.2497, 286078.3847}}),
+                         [](const auto& sheet) { return std::string(sheet.param.name); });
+
+// The sample sheets. --------------------------------------------------------------------------------------
+
+namespace {
+
+class SampleSheets : public WizardRun {
+protected:
+    void Make() {
+        const ProgramResult made =
+            RunProgram({"/usr/bin/python3", "-B", SOURCE_DIR "/samples/make_sheets.py", PathOf("made")});
+        ASSERT_EQ(made.status, 0) << made.err;
+        QFile file(QString::fromStdString(PathOf("made/truth.json")));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        truth_ = QJsonDocument::fromJson(file.readAll()).object();
+    }
+
+    std::vector<QJsonObject> CrossingsOf(const char* sheet) const {
+        std::vector<QJsonObject> crossings;
+        for (const QJsonValue& crossing : truth_[QLatin1String(sheet)][QLatin1String("crossings")].toArray())
+            crossings.push_back(crossing.toObject());
+        return crossings;
+    }
+    static QPoint PixelOf(const QJsonObject& crossing) {
+        return QPointF(crossing[QLatin1String("x")].toDouble(), crossing[QLatin1String("y")].toDouble())
+            .toPoint();
+    }
+
+    /// Reads out the crossings in sight around the one nearest the far corner, at every zoom.
+    std::vector<std::string> ReadCrossings(const char* sheet, const QPoint& far,
+                                           const std::function<void(const QJsonObject&, int)>& check) {
+        std::vector<std::string> readOuts;
+        for (const int slider : Sliders) {
+            SetSlider(slider);
+            ScrollToFarCorner();
+            if (!IsInSight(far))
+                ScrollTo(far);
+            for (const QJsonObject& crossing : CrossingsOf(sheet)) {
+                if (!IsInSight(PixelOf(crossing)))
+                    continue;
+                readOuts.push_back(ReadOutAt(PixelOf(crossing)));
+                SCOPED_TRACE(readOuts.back() + ", slider " + std::to_string(slider));
+                check(crossing, slider);
+            }
+        }
+        return readOuts;
+    }
+
+    void CheckKilometre(const QJsonObject& crossing, int slider) {
+        const auto [easting, northing] = Numbers(TextOf("lStatus"));
+        const double allowed = Tolerance(slider) * 2.5;
+        EXPECT_NEAR(easting, crossing[QLatin1String("easting")].toDouble(), allowed);
+        EXPECT_NEAR(northing, crossing[QLatin1String("northing")].toDouble(), allowed);
+        // Below 100 % a line of one pixel pales.
+        if (slider >= 0) {
+            EXPECT_EQ(Viewer().grab().toImage().pixelColor(PlaceOf(PixelOf(crossing))), QColor(64, 96, 190));
+        }
+    }
+    std::vector<std::string> ReadKilometres() {
+        return ReadCrossings("topographic", {4500, 3330}, [this](const QJsonObject& crossing, int slider) {
+            CheckKilometre(crossing, slider);
+        });
+    }
+
+    /// On the printed projection the read-out is no further from the crossing than the pixel that is read.
+    void CheckConic(const QJsonObject& crossing, int slider) {
+        const double metres = truth_[QLatin1String("polar")][QLatin1String("metres_per_pixel")].toDouble();
+        const auto [longitude, latitude] = Numbers(TextOf("lStatus"));
+        const PJ_XY shown = Conic(longitude, latitude);
+        const PJ_XY printed = Conic(crossing[QLatin1String("longitude")].toDouble(),
+                                    crossing[QLatin1String("latitude")].toDouble());
+        const double cornerTolerance = 0.0125;
+        const double allowed = Tolerance(slider) + 0.5 + cornerTolerance;
+        EXPECT_LE(std::abs(shown.x - printed.x) / metres, allowed);
+        EXPECT_LE(std::abs(shown.y - printed.y) / metres, allowed);
+    }
+    std::vector<std::string> ReadMeridians() {
+        return ReadCrossings("polar", {2742, 1981}, [this](const QJsonObject& crossing, int slider) {
+            CheckConic(crossing, slider);
+        });
+    }
+    PJ_XY Conic(double longitude, double latitude) const {
+        const auto definition = truth_[QLatin1String("polar")][QLatin1String("projection")].toString();
+        static const ReferencePointer projection = ReferenceObject(definition.toStdString());
+        return proj_trans(projection.get(), PJ_FWD,
+                          proj_coord(proj_torad(longitude), proj_torad(latitude), 0, 0))
+            .xy;
+    }
+
+    void AddBesideItsWorldfile() {
+        ExpectMapAdded(PathOf("made/sheet-rgb.tif"));
+        Expecting().ExpectBox(WorldfileFound(), QMessageBox::Yes);
+        Expecting().Expect(QStringLiteral("frmSelectWorldfileGrid"), [](QWidget& shown) {
+            ::Pick(shown, "ddCountry", QStringLiteral("International"));
+            ::Pick(shown, "ddGrid", QStringLiteral("UTM North (wgs84)"));
+            Type(shown, "txtZone", QStringLiteral("33"));
+            Click(shown, "bNext");
+        });
+        Choose("mBitmapNew");
+        ASSERT_TRUE(State().mapScaled);
+    }
+
+    void ScaleByThreeClicks() {
+        SetSlider(0);
+        ExpectGrid(QStringLiteral("International"), QStringLiteral("UTM North (wgs84)"),
+                   QStringLiteral("33"));
+        ExpectProjection("rbCartesian");
+        Choose("mBitmapScalingWizard");
+        ExpectPoint({{500, 530}, 380000, 5158000}, QStringLiteral("meters"));
+        ClickPixel({500, 530});
+        ExpectPoint({{4500, 530}, 390000, 5158000}, QStringLiteral("meters"));
+        ClickPixel({4500, 530});
+        ExpectPoint({{4500, 3330}, 390000, 5151000}, QStringLiteral("meters"));
+        Expecting().ExpectBox(ScalingCompleted());
+        ClickPixel({4500, 3330});
+    }
+
+    void AddAndScaleByFourCorners() {
+        ExpectMapAdded(PathOf("made/polar.png"));
+        ExpectDatum(QStringLiteral("International"), QStringLiteral("WGS84"));
+        ExpectProjection("rbPolar");
+        ExpectInfo();
+        Choose("mBitmapNew");
+        const std::array<TypedPoint, 4> corners{
+            TypedPoint{{865, 225}, 10, 78}, TypedPoint{{258, 1981}, 10, 66}, TypedPoint{{2135, 225}, 50, 78},
+            TypedPoint{{2742, 1981}, 50, 66}};
+        for (const TypedPoint& corner : corners) {
+            ExpectPoint(corner);
+            if (corner.pixel == corners.back().pixel)
+                Expecting().ExpectBox(ScalingCompleted());
+            ClickPixel(corner.pixel);
+        }
+    }
+
+private:
+    QJsonObject truth_;
+};
+
+} // namespace
+
+TEST_F(SampleSheets, ReadOutTheirPrintedCrossingsAndDoSoWhenReopened) {
+    Make();
+    StartSmall();
+    AddBesideItsWorldfile();
+    const std::vector<std::string> kilometres = ReadKilometres();
+    EXPECT_GT(kilometres.size(), 20U);
+    EXPECT_EQ(kilometres.back(), "(meters) Easting: 390000 Northing: 5151000");
+    ScaleByThreeClicks();
+    EXPECT_EQ(ReadKilometres(), kilometres);
+    AddAndScaleByFourCorners();
+    const std::vector<std::string> meridians = ReadMeridians();
+    EXPECT_GT(meridians.size(), 5U);
+    EXPECT_EQ(meridians.back(), "Longitude: 50.0000000 E Latitude: 66.0000000 N");
+    SaveAndReopen("samples.Atlavex");
+    EXPECT_EQ(ReadKilometres(), kilometres);
+    EditorTest::Pick("ddMaps", 1);
+    EXPECT_EQ(ReadMeridians(), meridians);
+}
