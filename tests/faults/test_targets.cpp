@@ -3,10 +3,10 @@
 
 #include "base/ComponentError.h"
 #include "tests/faults/FaultLab.h"
+#include "tests/support/MountedDisk.h"
 
 #include <gtest/gtest.h>
 
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
@@ -14,26 +14,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-
-/// A file system of its own, in memory, as long as the object lives. Needs a privileged user.
-class MountedDisk {
-public:
-    MountedDisk(fs::path folder, const std::string& options) : folder_(std::move(folder)) {
-        fs::create_directory(folder_);
-        if (mount("tmpfs", folder_.c_str(), "tmpfs", 0, options.c_str()) != 0)
-            throw std::runtime_error("no file system can be mounted: this test needs root");
-    }
-    ~MountedDisk() { umount2(folder_.c_str(), MNT_DETACH); }
-    MountedDisk(const MountedDisk&) = delete;
-    MountedDisk& operator=(const MountedDisk&) = delete;
-
-    void MakeReadOnly() const {
-        ASSERT_EQ(mount("tmpfs", folder_.c_str(), "tmpfs", MS_REMOUNT | MS_RDONLY, nullptr), 0);
-    }
-
-private:
-    fs::path folder_;
-};
 
 class Targets : public testing::Test {
 protected:
@@ -90,7 +70,7 @@ TEST_F(Targets, OnAFullDiskStayAsTheyAreAndTakeTheNextSave) {
     EXPECT_EQ(SaveError(disk / "new.Atlavex"), ErrorNumber::DiskFull);
     EXPECT_FALSE(fs::exists(disk / "new.Atlavex"));
     const std::string expected = ContentOf(*library_);
-    ASSERT_EQ(mount("tmpfs", disk.c_str(), "tmpfs", MS_REMOUNT, "size=16m"), 0);
+    mounted.Resize("size=16m");
     EXPECT_EQ(SaveError(target), ErrorNumber{}) << sentence_;
     EXPECT_EQ(ContentOfFile(target), expected);
     library_.reset();
