@@ -51,7 +51,8 @@ void Forget(Objects& objects, std::int64_t id) {
 
 LibraryObject::LibraryObject(const LibraryOptions& options)
     : options_(options), files_(options.files ? options.files : SystemFiles()),
-      operations_(std::make_shared<Operations>(*this)), form_(Envelope::Plain()) {}
+      operations_(std::make_shared<Operations>(*this)), views_(std::make_shared<ViewMemory>(options.threads)),
+      form_(Envelope::Plain()) {}
 
 LibraryObject::~LibraryObject() {
     // Objects that callers still hold must not reach a library that is gone.
@@ -78,7 +79,7 @@ std::shared_ptr<AtlavexMap> LibraryObject::GetMap(const std::string& reference) 
     const auto found = FindId(state_.maps, id);
     if (found == state_.maps.end())
         NoSuchMap();
-    auto object = std::make_shared<MapObject>(*found, operations_, options_.threads);
+    auto object = std::make_shared<MapObject>(*found, operations_, views_, options_.threads);
     return mapObjects_.emplace(id, std::move(object)).first->second;
 }
 

@@ -70,6 +70,7 @@ private:
     LibraryOptions options_;
     std::shared_ptr<FileSystem> files_;
     std::shared_ptr<Operations> operations_;
+    std::shared_ptr<ViewMemory> views_;
     LibraryState state_;
     NumberSource numbers_;
     RememberedKey key_;

@@ -20,9 +20,10 @@ void RequireFinite(const Numbers& numbers, const char* what) {
 
 } // namespace
 
-MapObject::MapObject(std::shared_ptr<MapState> state, std::shared_ptr<Operations> operations, int threads)
+MapObject::MapObject(std::shared_ptr<MapState> state, std::shared_ptr<Operations> operations,
+                     std::shared_ptr<ViewMemory> views, int threads)
     : MetadataObject(std::move(state)), layout_(Held().record.Layout()), operations_(std::move(operations)),
-      threads_(threads) {}
+      views_(std::move(views)), threads_(threads) {}
 
 void MapObject::SetZoom(double zoom) {
     if (!std::isfinite(zoom) || zoom <= 0)
@@ -146,10 +147,10 @@ bool MapObject::RenderView(std::int32_t left, std::int32_t top, std::int32_t wid
         return false;
     if (!reader_) {
         reader_ = std::make_unique<TileReader>(NewReader());
-        renderer_ = std::make_unique<ViewRenderer>(layout_, *reader_, threads_);
+        renderer_ = std::make_unique<ViewRenderer>(layout_, *reader_, views_);
     }
     FollowTiles();
-    Bitmap view;
+    std::shared_ptr<const Bitmap> view;
     if (!renderer_->Render({left, top, width, height, zoom}, view))
         return false;
     image = std::make_shared<PixelImage>(std::move(view));

@@ -9,7 +9,9 @@
 /// A map of a library.
 class MapObject final : public MetadataObject<AtlavexMap, MapState, ErrorNumber::NoSuchMap> {
 public:
-    MapObject(std::shared_ptr<MapState> state, std::shared_ptr<Operations> operations, int threads);
+    /// `views` is shared by the library's maps.
+    MapObject(std::shared_ptr<MapState> state, std::shared_ptr<Operations> operations,
+              std::shared_ptr<ViewMemory> views, int threads);
 
     std::int32_t Width() const override { return Held().record.width; }
     std::int32_t Height() const override { return Held().record.height; }
@@ -68,6 +70,7 @@ private:
 
     PyramidLayout layout_;
     std::shared_ptr<Operations> operations_;
+    std::shared_ptr<ViewMemory> views_;
     int threads_;
     mutable Converters converters_;
     std::shared_ptr<Container> shown_; ///< the container that reader and renderer look at

@@ -3,17 +3,20 @@
 #include "component/AtlavexImage.h"
 #include "component/imaging/Bitmap.h"
 
+#include <memory>
 #include <utility>
 
 /// An image whose pixels are at hand: an icon's picture or a rendered view.
 class PixelImage final : public AtlavexImage {
 public:
-    explicit PixelImage(Bitmap bitmap) : bitmap_(std::move(bitmap)) {}
+    explicit PixelImage(Bitmap bitmap) : PixelImage(std::make_shared<Bitmap>(std::move(bitmap))) {}
+    /// Of pixels that others may hold too, and nobody changes meanwhile.
+    explicit PixelImage(std::shared_ptr<const Bitmap> bitmap) : bitmap_(std::move(bitmap)) {}
 
-    std::int32_t Width() const override { return bitmap_.width; }
-    std::int32_t Height() const override { return bitmap_.height; }
-    const Bitmap* Pixels() const override { return &bitmap_; }
+    std::int32_t Width() const override { return bitmap_->width; }
+    std::int32_t Height() const override { return bitmap_->height; }
+    const Bitmap* Pixels() const override { return bitmap_.get(); }
 
 private:
-    Bitmap bitmap_;
+    std::shared_ptr<const Bitmap> bitmap_;
 };

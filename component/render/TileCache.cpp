@@ -1,33 +1,44 @@
 #include "component/render/TileCache.h"
 
+#include <iterator>
+#include <limits>
 #include <utility>
 
-TilePixels TileCache::Find(std::int64_t entry) {
-    const auto place = places_.find(entry);
-    if (place == places_.end())
+TilePixels TileCache::Find(const Key& key) {
+    const auto found = places_.find(key);
+    if (found == places_.end())
         return nullptr;
-    kept_.splice(kept_.begin(), kept_, place->second);
-    return place->second->pixels;
+    kept_.splice(kept_.begin(), kept_, found->second);
+    return found->second->pixels;
 }
 
-void TileCache::Put(std::int64_t entry, TilePixels pixels) {
-    if (const auto place = places_.find(entry); place != places_.end()) {
-        place->second->pixels = std::move(pixels);
-        return;
-    }
-    kept_.push_front({entry, std::move(pixels)});
-    places_[entry] = kept_.begin();
+void TileCache::Put(const Key& key, TilePixels pixels, std::size_t bytes) {
+    if (const auto found = places_.find(key); found != places_.end())
+        Drop(found->second);
+    kept_.push_front({key, std::move(pixels), bytes});
+    places_.emplace(key, kept_.begin());
+    bytes_ += bytes;
     Shrink();
 }
 
-void TileCache::SetCapacity(std::size_t capacity) {
-    capacity_ = capacity;
+void TileCache::Forget(std::uint64_t map) {
+    auto next = places_.lower_bound({map, std::numeric_limits<std::int64_t>::min()});
+    while (next != places_.end() && next->first.map == map)
+        Drop(std::exchange(next, std::next(next))->second);
+}
+
+void TileCache::SetCapacity(std::size_t bytes) {
+    capacity_ = bytes;
     Shrink();
+}
+
+void TileCache::Drop(Place place) {
+    bytes_ -= place->bytes;
+    places_.erase(place->key);
+    kept_.erase(place);
 }
 
 void TileCache::Shrink() {
-    while (places_.size() > capacity_) {
-        places_.erase(kept_.back().entry);
-        kept_.pop_back();
-    }
+    while (bytes_ > capacity_)
+        Drop(std::prev(kept_.end()));
 }

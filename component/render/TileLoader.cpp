@@ -27,22 +27,16 @@ constexpr std::uint32_t HatchLine = 0xFFB04040;
 constexpr std::int32_t HatchPeriod = 16;
 constexpr std::int32_t HatchWidth = 3;
 
-/// Decoded tiles that take so many bytes, at least one.
-std::size_t TilesIn(std::size_t bytes, const PyramidLayout& layout) {
-    const std::size_t tile = std::size_t{4} * static_cast<std::size_t>(layout.TileWidth()) *
-                             static_cast<std::size_t>(layout.TileHeight());
-    return std::max<std::size_t>(1, bytes / tile);
-}
-
-std::shared_ptr<std::uint32_t[]> NewTile(std::int32_t width, std::int32_t height) {
-    const auto count = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+std::shared_ptr<std::uint32_t[]> NewTile(const PyramidLayout& layout) {
+    const auto count =
+        static_cast<std::size_t>(layout.TileWidth()) * static_cast<std::size_t>(layout.TileHeight());
     return std::make_shared_for_overwrite<std::uint32_t[]>(count);
 }
 
-TilePixels MakeHatchedTile(std::int32_t width, std::int32_t height) {
-    auto tile = NewTile(width, height);
-    for (std::int32_t y = 0, i = 0; y < height; ++y)
-        for (std::int32_t x = 0; x < width; ++x, ++i)
+TilePixels MakeHatchedTile(const PyramidLayout& layout) {
+    auto tile = NewTile(layout);
+    for (std::int32_t y = 0, i = 0; y < layout.TileHeight(); ++y)
+        for (std::int32_t x = 0; x < layout.TileWidth(); ++x, ++i)
             tile[i] = (x + y) % HatchPeriod < HatchWidth ? HatchLine : HatchGround;
     return tile;
 }
@@ -100,23 +94,28 @@ private:
     bool finished_ = false;
 };
 
-TileLoader::TileLoader(const PyramidLayout& layout, TileSource& source, int threads)
-    : layout_(layout), source_(source), decoders_(static_cast<std::size_t>(threads)),
-      usualCapacity_(TilesIn(UsualCacheBytes, layout)), largestBlock_(TilesIn(LargestBlockBytes, layout)),
-      cache_(0), hatched_(MakeHatchedTile(layout.TileWidth(), layout.TileHeight())) {}
+TileLoader::TileLoader(const PyramidLayout& layout, TileSource& source, ViewMemory& memory, std::uint64_t map)
+    : layout_(layout), source_(source), memory_(memory), map_(map),
+      tileBytes_(sizeof(std::uint32_t) * static_cast<std::size_t>(layout.TileWidth()) *
+                 static_cast<std::size_t>(layout.TileHeight())) {}
+
+std::size_t TileLoader::LargestBlock() const {
+    return std::max<std::size_t>(1, LargestBlockBytes / tileBytes_);
+}
 
 void TileLoader::Load(TileBlock& block) {
     block.tileWidth = layout_.TileWidth();
     block.tileHeight = layout_.TileHeight();
     const auto count = static_cast<std::size_t>(block.rows) * static_cast<std::size_t>(block.columns);
     block.tiles.assign(count, nullptr);
-    cache_.SetCapacity(std::max(usualCapacity_, count));
+    memory_.Tiles().SetCapacity(std::max(UsualCacheBytes, count * tileBytes_));
     std::vector<Missing> missing = TakeFromCache(block);
     if (missing.empty())
         return;
     LoadMissing(block, missing);
     for (const Missing& tile : missing)
-        cache_.Put(layout_.Entry(block.level, tile.row, tile.column), block.tiles[tile.place]);
+        memory_.Tiles().Put({map_, layout_.Entry(block.level, tile.row, tile.column)},
+                            block.tiles[tile.place], tileBytes_);
 }
 
 std::vector<TileLoader::Missing> TileLoader::TakeFromCache(TileBlock& block) {
@@ -124,7 +123,7 @@ std::vector<TileLoader::Missing> TileLoader::TakeFromCache(TileBlock& block) {
     std::size_t place = 0;
     for (std::int32_t row = block.firstRow; row < block.firstRow + block.rows; ++row)
         for (std::int32_t column = block.firstColumn; column < block.firstColumn + block.columns; ++column) {
-            block.tiles[place] = cache_.Find(layout_.Entry(block.level, row, column));
+            block.tiles[place] = memory_.Tiles().Find({map_, layout_.Entry(block.level, row, column)});
             if (!block.tiles[place])
                 missing.push_back({place, row, column});
             ++place;
@@ -133,11 +132,12 @@ std::vector<TileLoader::Missing> TileLoader::TakeFromCache(TileBlock& block) {
 }
 
 void TileLoader::LoadMissing(TileBlock& block, std::vector<Missing>& missing) {
-    const std::size_t threads = std::min(decoders_.size(), missing.size());
+    std::vector<TileDecoder>& decoders = memory_.Decoders();
+    const std::size_t threads = std::min(decoders.size(), missing.size());
     Work work(WaitingTiles * threads);
     const auto decodeRest = [&](std::size_t thread) {
         while (auto job = work.Pop())
-            block.tiles[job->place] = Decode(decoders_[thread], job->encoded);
+            block.tiles[job->place] = Decode(decoders[thread], job->encoded);
     };
     const auto readAll = [&] {
         for (const Missing& tile : missing) {
@@ -145,11 +145,12 @@ void TileLoader::LoadMissing(TileBlock& block, std::vector<Missing>& missing) {
             try {
                 job.encoded = source_.ReadTile(block.level, tile.row, tile.column);
             } catch (const ComponentError&) {
-                block.tiles[tile.place] = hatched_; // the rest of the view is still worth seeing
+                block.tiles[tile.place] =
+                    MakeHatchedTile(layout_); // the rest of the view is still worth seeing
                 continue;
             }
             if (!work.Push(job))
-                block.tiles[tile.place] = Decode(decoders_[0], job.encoded);
+                block.tiles[tile.place] = Decode(decoders[0], job.encoded);
         }
     };
     RunOnThreads(static_cast<int>(threads), [&](int thread) {
@@ -166,12 +167,12 @@ void TileLoader::LoadMissing(TileBlock& block, std::vector<Missing>& missing) {
 }
 
 TilePixels TileLoader::Decode(TileDecoder& decoder, const std::vector<std::uint8_t>& encoded) const {
-    auto tile = NewTile(layout_.TileWidth(), layout_.TileHeight());
+    auto tile = NewTile(layout_);
     try {
         decoder.DecodeToScreen(encoded, layout_.TileWidth(), layout_.TileHeight(), tile.get(),
                                layout_.TileWidth());
     } catch (const ComponentError&) {
-        return hatched_;
+        return MakeHatchedTile(layout_);
     }
     return tile;
 }

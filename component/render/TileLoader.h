@@ -1,9 +1,9 @@
 #pragma once
 
 #include "component/imaging/PyramidLayout.h"
-#include "component/imaging/TileCodec.h"
 #include "component/imaging/TileStore.h"
 #include "component/render/TileCache.h"
+#include "component/render/ViewMemory.h"
 
 #include <vector>
 
@@ -28,13 +28,14 @@ struct TileBlock {
 /// as such as long as it stays in the cache.
 class TileLoader {
 public:
-    TileLoader(const PyramidLayout& layout, TileSource& source, int threads);
+    /// All three must outlive the loader. `map` is the number of the layout's map in the memory.
+    TileLoader(const PyramidLayout& layout, TileSource& source, ViewMemory& memory, std::uint64_t map);
 
     /// Fills the block's tiles; its other members say which.
     void Load(TileBlock& block);
 
     /// Most tiles that a block should have, for memory's sake.
-    std::size_t LargestBlock() const { return largestBlock_; }
+    std::size_t LargestBlock() const;
 
 private:
     struct Missing;
@@ -46,9 +47,7 @@ private:
 
     const PyramidLayout& layout_;
     TileSource& source_;
-    std::vector<TileDecoder> decoders_; ///< one a thread
-    std::size_t usualCapacity_;
-    std::size_t largestBlock_;
-    TileCache cache_;
-    TilePixels hatched_;
+    ViewMemory& memory_;
+    std::uint64_t map_;
+    std::size_t tileBytes_; ///< of a decoded tile
 };

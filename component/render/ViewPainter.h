@@ -3,7 +3,7 @@
 #include "component/imaging/Bitmap.h"
 #include "component/render/TileLoader.h"
 #include "component/render/ViewAxis.h"
-#include "component/render/ViewRenderer.h"
+#include "component/render/ViewRequest.h"
 
 #include <memory>
 

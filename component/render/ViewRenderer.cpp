@@ -1,6 +1,7 @@
 #include "component/render/ViewRenderer.h"
 
 #include "base/ComponentError.h"
+#include "component/render/ScreenPart.h"
 #include "component/render/ShortThreads.h"
 #include "component/render/ViewPainter.h"
 
@@ -31,8 +32,18 @@ void CheckRequest(const ViewRequest& request) {
         throw ComponentError(ErrorNumber::InvalidArgument, "The zoom must be a number above 0.");
 }
 
-/// Makes transparent what lies outside the shown columns and rows.
-void ClearOutside(Bitmap& view, ScreenRange columns, ScreenRange rows) {
+ScreenPart ShownPart(const ViewRequest& request, const PyramidLayout& layout) {
+    return {ShownRange(request.left, request.width, layout.Width(), request.zoom),
+            ShownRange(request.top, request.height, layout.Height(), request.zoom)};
+}
+
+/// Makes transparent what lies outside the shown part, which may be empty.
+void ClearOutside(Bitmap& view, const ScreenPart& shown) {
+    if (shown.IsEmpty()) {
+        std::fill(view.pixels.begin(), view.pixels.end(), 0);
+        return;
+    }
+    const auto [columns, rows] = shown;
     std::fill(view.Row(0), view.Row(rows.first), 0);
     for (std::int32_t y = rows.first; y < rows.end; ++y) {
         std::fill(view.Row(y), view.Row(y) + columns.first, 0);
@@ -59,15 +70,18 @@ void PaintOnThreads(const ViewPainter& painter, const TileBlock& block, ScreenRa
 } // namespace
 
 struct ViewRenderer::State {
-    State(PyramidLayout givenLayout, TileSource& source, int threadCount)
-        : layout(std::move(givenLayout)), threads(threadCount), loader(layout, source, threadCount) {}
+    State(PyramidLayout givenLayout, TileSource& source, std::shared_ptr<ViewMemory> givenMemory)
+        : layout(std::move(givenLayout)), memory(std::move(givenMemory)), map(memory->NewMap()),
+          loader(layout, source, *memory, map) {}
 
     PyramidLayout layout;
-    int threads;
+    std::shared_ptr<ViewMemory> memory;
+    std::uint64_t map;
     TileLoader loader;
     std::optional<ViewRequest> last;
 
     ScreenRange NextBlock(const ViewPainter& painter, std::int32_t firstRow, TileBlock& block) const;
+    void DrawPart(const ViewRequest& request, const ScreenPart& part, Bitmap& view);
     void Draw(const ViewRequest& request, Bitmap& view);
 };
 
@@ -94,19 +108,10 @@ ScreenRange ViewRenderer::State::NextBlock(const ViewPainter& painter, std::int3
     return {firstRow, end};
 }
 
-void ViewRenderer::State::Draw(const ViewRequest& request, Bitmap& view) {
-    view.width = request.width;
-    view.height = request.height;
-    view.pixels.resize(static_cast<std::size_t>(request.width) * static_cast<std::size_t>(request.height));
-    const ScreenRange columns = ShownRange(request.left, request.width, layout.Width(), request.zoom);
-    const ScreenRange rows = ShownRange(request.top, request.height, layout.Height(), request.zoom);
-    if (columns.Count() == 0 || rows.Count() == 0) {
-        std::fill(view.pixels.begin(), view.pixels.end(), 0);
-        return;
-    }
-    ClearOutside(view, columns, rows);
-    const auto painter = MakePainter(request, layout, columns, rows);
-    for (std::int32_t row = rows.first; row < rows.end;) {
+void ViewRenderer::State::DrawPart(const ViewRequest& request, const ScreenPart& part, Bitmap& view) {
+    const auto painter = MakePainter(request, layout, part.columns, part.rows);
+    const auto threads = static_cast<int>(memory->Decoders().size());
+    for (std::int32_t row = part.rows.first; row < part.rows.end;) {
         TileBlock block;
         const ScreenRange blockRows = NextBlock(*painter, row, block);
         loader.Load(block);
@@ -115,18 +120,44 @@ void ViewRenderer::State::Draw(const ViewRequest& request, Bitmap& view) {
     }
 }
 
-ViewRenderer::ViewRenderer(const PyramidLayout& layout, TileSource& source, int threads)
-    : state_(std::make_unique<State>(layout, source, ThreadCount(threads))) {}
+void ViewRenderer::State::Draw(const ViewRequest& request, Bitmap& view) {
+    view.width = request.width;
+    view.height = request.height;
+    view.pixels.resize(static_cast<std::size_t>(request.width) * static_cast<std::size_t>(request.height));
+    const ScreenPart shown = ShownPart(request, layout);
+    ClearOutside(view, shown);
+    if (shown.IsEmpty())
+        return;
+    ScreenPart kept;
+    if (const ViewMemory::Picture* const former = memory->LastOf(map)) {
+        kept = KeptPart(shown, request, former->request);
+        CopyKept(kept, request, former->request, *former->bitmap, view);
+    }
+    for (const ScreenPart& part : PartsBeside(kept, shown))
+        DrawPart(request, part, view);
+}
 
-ViewRenderer::~ViewRenderer() = default;
+ViewRenderer::ViewRenderer(const PyramidLayout& layout, TileSource& source,
+                           std::shared_ptr<ViewMemory> memory)
+    : state_(std::make_unique<State>(layout, source, std::move(memory))) {}
 
-bool ViewRenderer::Render(const ViewRequest& request, Bitmap& view) {
+ViewRenderer::~ViewRenderer() {
+    state_->memory->Tiles().Forget(state_->map);
+}
+
+bool ViewRenderer::Render(const ViewRequest& request, std::shared_ptr<const Bitmap>& view) {
     CheckRequest(request);
     if (state_->last == request)
         return false;
     state_->last.reset();
+    ViewMemory& memory = *state_->memory;
     try {
-        state_->Draw(request, view);
+        ViewMemory::Picture& picture = memory.Next();
+        state_->Draw(request, *picture.bitmap);
+        picture.map = state_->map;
+        picture.request = request;
+        memory.KeepNext();
+        view = picture.bitmap;
     } catch (const std::bad_alloc&) {
         throw ComponentError(ErrorNumber::OutOfMemory, "There is not enough memory to show the map.");
     }

@@ -3,19 +3,10 @@
 #include "component/imaging/Bitmap.h"
 #include "component/imaging/PyramidLayout.h"
 #include "component/imaging/TileStore.h"
+#include "component/render/ViewMemory.h"
+#include "component/render/ViewRequest.h"
 
 #include <memory>
-
-/// The part of a map that a viewer asks for.
-struct ViewRequest {
-    std::int32_t left = 0;   ///< zoomed pixels from the map's left edge
-    std::int32_t top = 0;    ///< zoomed pixels from the map's upper edge
-    std::int32_t width = 0;  ///< screen pixels
-    std::int32_t height = 0; ///< screen pixels
-    double zoom = 1.0;       ///< screen pixels per map pixel
-
-    bool operator==(const ViewRequest&) const = default;
-};
 
 /// Draws the visible part of a map from its tiles. Positions are screen pixels of the view plus its offset;
 /// the map shows at the positions 0 <= p < size · zoom.
@@ -27,19 +18,21 @@ struct ViewRequest {
 /// of that part, less than half a screen pixel from its middle.
 ///
 /// Decoded tiles are kept in a cache of 128 MiB, least recently used out first; while a view needs more, up
-/// to 256 MiB. A larger view is drawn in blocks of that size.
+/// to 256 MiB. A larger view is drawn in blocks of that size. Of a view that was only scrolled, or whose size
+/// changed, only what was not in the last one is drawn.
 class ViewRenderer {
 public:
-    /// `threads` workers decode cold tiles (0: one a core); none outlives a call. The source must outlive
-    /// the renderer.
-    ViewRenderer(const PyramidLayout& layout, TileSource& source, int threads = 0);
+    /// The memory is shared with the renderers of other maps. Its decoders' number is that of the threads
+    /// that decode and paint; none outlives a call. The source must outlive the renderer.
+    ViewRenderer(const PyramidLayout& layout, TileSource& source, std::shared_ptr<ViewMemory> memory);
     ~ViewRenderer();
 
-    /// Draws into `view`, which takes the requested size; the part outside the map is transparent. A tile
-    /// that cannot be read or decoded is hatched, and not read again while it stays in the cache. False, and
-    /// nothing drawn, when the request is the last one again. Throws InvalidArgument unless width and height
-    /// are 1 to 16384 and the zoom is finite and above 0; OutOfMemory.
-    bool Render(const ViewRequest& request, Bitmap& view);
+    /// Draws a view of the requested size; the part outside the map is transparent. A tile that cannot be
+    /// read or decoded is hatched, and not read again while it stays in the cache. The picture stays as it is
+    /// as long as it is held. False, and `view` untouched, when the request is the last one again. Throws
+    /// InvalidArgument unless width and height are 1 to 16384 and the zoom is finite and above 0;
+    /// OutOfMemory.
+    bool Render(const ViewRequest& request, std::shared_ptr<const Bitmap>& view);
 
 private:
     struct State;

@@ -1,0 +1,28 @@
+#include "component/render/ViewMemory.h"
+
+#include "component/render/ShortThreads.h"
+
+ViewMemory::ViewMemory(int threads) : threads_(static_cast<std::size_t>(ThreadCount(threads))) {}
+
+std::vector<TileDecoder>& ViewMemory::Decoders() {
+    if (decoders_.empty())
+        decoders_.resize(threads_);
+    return decoders_;
+}
+
+const ViewMemory::Picture* ViewMemory::LastOf(std::uint64_t map) const {
+    const Picture& last = pictures_[last_];
+    return last.map == map ? &last : nullptr;
+}
+
+ViewMemory::Picture& ViewMemory::Next() {
+    Picture& next = pictures_[1 - last_];
+    next.map = 0;
+    if (!next.bitmap || next.bitmap.use_count() > 1)
+        next.bitmap = std::make_shared<Bitmap>();
+    return next;
+}
+
+void ViewMemory::KeepNext() {
+    last_ = 1 - last_;
+}
