@@ -121,7 +121,11 @@ void WizardRun::ScrollToFarCorner() {
 }
 
 std::string WizardRun::ReadOutAt(const QPoint& pixel) {
-    QTest::mouseMove(Window().windowHandle(), Viewer().mapTo(&Window(), PlaceOf(pixel)));
+    if (!IsInSight(pixel))
+        ScrollTo(pixel);
+    // A mouse that is there already does not move: it comes from beside.
+    for (const QPoint& from : {QPoint(1, 0), QPoint(0, 0)})
+        QTest::mouseMove(Window().windowHandle(), Viewer().mapTo(&Window(), PlaceOf(pixel) + from));
     QApplication::processEvents();
     return TextOf("lStatus");
 }

@@ -52,7 +52,7 @@ protected:
     /// Where the viewer shows the centre of a pixel of the map.
     QPoint PlaceOf(const QPoint& pixel);
     bool IsInSight(const QPoint& pixel);
-    /// The status line with the mouse over the pixel.
+    /// The status line with the mouse over the pixel; scrolls to it when it is not in sight.
     std::string ReadOutAt(const QPoint& pixel);
 
     /// Saves under the name, and opens it again.

@@ -1,0 +1,267 @@
+#include "tests/wizard/FormDriver.h"
+#include "tests/wizard/WizardRun.h"
+
+// Wizards in the main window that are cancelled, started anew, refused or overtaken by another command.
+
+namespace {
+
+struct GivenUp {
+    const char* projection; ///< null: given up before there is one
+    int points;             ///< that are given before
+};
+
+class GivingUp : public WizardRun {
+protected:
+    /// A library with a map that is not scaled, which is all that has to be known of it.
+    void OpenUnscaled() {
+        const auto library = NewLibrary();
+        AddMap(*library, MakeSheet(PixelFormat::Grey, 300, 200), "sheet");
+        library->SaveToFile(PathOf("unscaled.Atlavex"), "");
+        Start(QString::fromStdString(PathOf("unscaled.Atlavex")));
+        ASSERT_EQ(TextOf("lStatus"), "Not scaled");
+    }
+    void OpenScaled() { Start(QString::fromStdString(MakeLibrary("a.Atlavex", {{300, 200}, {310, 210}}))); }
+
+    void ExpectSystem(const char* projection) {
+        ExpectDatum(QStringLiteral("International"), QStringLiteral("WGS84"));
+        ExpectProjection(projection);
+        if (std::string_view(projection) == "rbPolar")
+            ExpectInfo();
+    }
+    /// Starts by a click on the map, which is not scaled.
+    void StartByClick(const char* projection) {
+        ExpectSystem(projection);
+        QTest::mouseClick(&Viewer(), Qt::LeftButton, {}, QPoint(5, 5));
+        ASSERT_THAT(TextOf("lHeader"), ::testing::StartsWith("Wizard step 3: "));
+    }
+    static TypedPoint Corner(int number) {
+        static const std::array<TypedPoint, 4> corners{
+            TypedPoint{{20, 20}, 10, 60}, TypedPoint{{20, 180}, 10, 50}, TypedPoint{{280, 20}, 20, 60},
+            TypedPoint{{280, 180}, 20, 50}};
+        return corners.at(static_cast<std::size_t>(number - 1));
+    }
+    void GivePoint(int number) {
+        ExpectPoint(Corner(number));
+        ClickPixel(Corner(number).pixel);
+    }
+    void ExpectNothingHappened() {
+        ExpectNoWizard();
+        EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+        EXPECT_FALSE(State().mapScaled);
+        EXPECT_FALSE(State().modified);
+        EXPECT_FALSE(State().currentMap->IsScaled());
+        EXPECT_TRUE(Expecting().IsDone());
+    }
+};
+
+using Leave = void (*)(QWidget& shown);
+constexpr std::array<Leave, 3> WaysOut{[](QWidget& shown) { Click(shown, "bCancel"); },
+                                       [](QWidget& shown) { QTest::keyClick(&shown, Qt::Key_Escape); },
+                                       [](QWidget& shown) { shown.close(); }};
+
+} // namespace
+
+TEST_F(GivingUp, AtEachStepTheMapStaysAsItWas) {
+    OpenUnscaled();
+    const std::vector<GivenUp> places{{nullptr, 0},       {"rbCartesian", 0}, {"rbCartesian", 1},
+                                      {"rbCartesian", 2}, {"rbPolar", 0},     {"rbPolar", 1},
+                                      {"rbPolar", 2},     {"rbPolar", 3}};
+    for (const GivenUp& place : places) {
+        for (const Leave leave : WaysOut) {
+            SCOPED_TRACE(std::string(place.projection == nullptr ? "step 1" : place.projection) + " " +
+                         std::to_string(place.points));
+            if (place.projection == nullptr) {
+                Expecting().Expect(QStringLiteral("frmSelectDatumGrid"), leave);
+                Expecting().ExpectBox(WizardCancelled());
+                QTest::mouseClick(&Viewer(), Qt::LeftButton, {}, QPoint(5, 5));
+            } else {
+                StartByClick(place.projection);
+                for (int point = 1; point <= place.points; ++point)
+                    GivePoint(point);
+                EXPECT_EQ(Viewer().Marks().size(), static_cast<std::size_t>(place.points));
+                Expecting().Expect(QStringLiteral("frmCoordinate"), leave);
+                Expecting().ExpectBox(WizardCancelled());
+                ClickPixel({150, 100});
+            }
+            ExpectNothingHappened();
+        }
+    }
+}
+
+TEST_F(GivingUp, AtTheProjectionTheMapStaysAsItWas) {
+    OpenUnscaled();
+    for (const Leave leave : WaysOut) {
+        ExpectDatum(QStringLiteral("International"), QStringLiteral("WGS84"));
+        Expecting().Expect(QStringLiteral("frmProjection"), leave);
+        Expecting().ExpectBox(WizardCancelled());
+        Choose("mBitmapScalingWizard");
+        ExpectNothingHappened();
+    }
+}
+
+TEST_F(GivingUp, AScaledMapKeepsItsScaling) {
+    OpenScaled();
+    const std::string before = ReadOutAt({100, 100});
+    ExpectSystem("rbCartesian");
+    Choose("mBitmapScalingWizard");
+    Expecting().Expect(QStringLiteral("frmCoordinate"), WaysOut[0]);
+    Expecting().ExpectBox(WizardCancelled());
+    ClickPixel({30, 30});
+    EXPECT_TRUE(State().mapScaled);
+    EXPECT_FALSE(State().modified);
+    ExpectNoWizard();
+    EXPECT_EQ(ReadOutAt({100, 100}), before);
+}
+
+TEST_F(GivingUp, StartingAnewForgetsThePointsAndTheFormsSettings) {
+    OpenUnscaled();
+    StartByClick("rbPolar");
+    GivePoint(1);
+    GivePoint(2);
+    ExpectSystem("rbCartesian");
+    Choose("mBitmapScalingWizard");
+    EXPECT_EQ(TextOf("lHeader"), "Wizard step 3: Click on a known coordinate");
+    EXPECT_TRUE(Viewer().Marks().empty());
+    Expecting().Expect(QStringLiteral("frmCoordinate"), [](QWidget& shown) {
+        EXPECT_EQ(::Find<QLabel>(shown, "lHeadline").text().toStdString(),
+                  "Wizard step 4: Enter scaling coordinate 1 (of 3)");
+        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "0");
+        EXPECT_TRUE(::Find<QWidget>(shown, "txtLonDecDeg").isEnabled());
+        Click(shown, "rbDMS");
+        Type(shown, "txtLonDeg", QStringLiteral("1"));
+        Click(shown, "bNext");
+    });
+    ClickPixel({20, 20});
+    // Given up at once, without its own run: the one that was running is gone all the same.
+    Expecting().Expect(QStringLiteral("frmSelectDatumGrid"), WaysOut[1]);
+    Expecting().ExpectBox(WizardCancelled());
+    Choose("mBitmapScalingWizard");
+    ExpectNothingHappened();
+    StartByClick("rbCartesian");
+    Expecting().Expect(QStringLiteral("frmCoordinate"), [](QWidget& shown) {
+        EXPECT_TRUE(::Find<QRadioButton>(shown, "rbDecDeg").isChecked());
+        Click(shown, "bCancel");
+    });
+    Expecting().ExpectBox(WizardCancelled());
+    ClickPixel({20, 20});
+    ExpectNothingHappened();
+}
+
+TEST_F(GivingUp, EachRefusedInputCanBeMended) {
+    OpenUnscaled();
+    Expecting().Expect(QStringLiteral("frmSelectDatumGrid"), [](QWidget& shown) {
+        ::Pick(shown, "ddCountry", QStringLiteral("International"));
+        Click(shown, "rdShowGrid");
+        Click(shown, "bNext");
+        EXPECT_EQ(shown.focusWidget(), &::Find<QWidget>(shown, "txtZone"));
+        Type(shown, "txtZone", QStringLiteral("61"));
+        Click(shown, "bNext");
+        Type(shown, "txtZone", QStringLiteral("60"));
+        Click(shown, "bNext");
+    });
+    for (int time = 0; time < 2; ++time)
+        Expecting().ExpectBox(QStringLiteral("Invalid Zone. Should be between 1 and 60"));
+    Expecting().Expect(QStringLiteral("frmProjection"), [](QWidget& shown) {
+        Click(shown, "bNext");
+        Click(shown, "imgCartesian");
+        Click(shown, "bNext");
+    });
+    Expecting().ExpectBox(QStringLiteral("You must select a projection type!"));
+    Choose("mBitmapScalingWizard");
+    Expecting().Expect(QStringLiteral("frmCoordinate"), [](QWidget& shown) {
+        Click(shown, "bNext");
+        Type(shown, "txtEasting", QStringLiteral("5oo"));
+        Click(shown, "bNext");
+        QTest::qWait(1);
+        EXPECT_TRUE(shown.isVisible());
+        Type(shown, "txtEasting", QStringLiteral("500000"));
+        Type(shown, "txtNorthing", QStringLiteral("6000000"));
+        Click(shown, "bNext");
+    });
+    Expecting().ExpectBox(QStringLiteral("You must enter a geografic position!"));
+    Expecting().ExpectBox(QStringLiteral("'5oo' is not a number!"));
+    ClickPixel({20, 20});
+    EXPECT_EQ(TextOf("lHeader"), "Wizard step 5: Click on a known coordinate");
+    EXPECT_TRUE(Expecting().IsDone());
+}
+
+TEST_F(GivingUp, APointWhoseFormIsCancelledIsNotKept) {
+    OpenUnscaled();
+    StartByClick("rbCartesian");
+    GivePoint(1);
+    Expecting().Expect(QStringLiteral("frmCoordinate"), WaysOut[0]);
+    Expecting().ExpectBox(WizardCancelled());
+    ClickPixel({150, 100});
+    // The next click is a fresh start: at the first step, and then at the first point.
+    StartByClick("rbPolar");
+    GivePoint(1);
+    EXPECT_EQ(TextOf("lHeader"), "Wizard step 5: Click on lower left coordinate");
+}
+
+TEST_F(GivingUp, AScalingThatIsInvalidIsSaidAndTheRunEndsAsAlways) {
+    const std::vector<std::pair<const char*, std::vector<TypedPoint>>> runs{
+        // Three points on a line.
+        {"rbCartesian",
+         {TypedPoint{{20, 20}, 10, 60}, TypedPoint{{40, 40}, 11, 59}, TypedPoint{{60, 60}, 12, 58}}},
+        // Four corners in one point.
+        {"rbPolar", std::vector<TypedPoint>(4, TypedPoint{{20, 20}, 10, 60})}};
+    for (const auto& [projection, points] : runs) {
+        SCOPED_TRACE(projection);
+        OpenUnscaled();
+        StartByClick(projection);
+        for (const TypedPoint& point : points) {
+            ExpectPoint(point);
+            if (&point == &points.back()) {
+                Expecting().Expect(QStringLiteral("MessageBox"), [this](QWidget& shown) {
+                    const auto& box = dynamic_cast<QMessageBox&>(shown);
+                    EXPECT_TRUE(box.text().startsWith(QStringLiteral("Invalid scaling: ")));
+                    EXPECT_EQ(box.icon(), QMessageBox::Critical);
+                    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+                    QTest::keyClick(&shown, Qt::Key_Return);
+                });
+                Expecting().ExpectBox(ScalingCompleted());
+            }
+            ClickPixel(point.pixel);
+        }
+        EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+        EXPECT_TRUE(State().mapScaled);
+        EXPECT_TRUE(State().modified);
+        ExpectNoWizard();
+        EXPECT_FALSE(State().currentMap->IsScaled());
+        EXPECT_EQ(ReadOutAt({50, 50}), "Click on map to verify positions") << "there is nothing to read";
+    }
+}
+
+TEST_F(GivingUp, AnotherCommandThatTakesTheMapAwayEndsTheWizard) {
+    const std::string other = MakeLibrary("other.Atlavex", {{100, 100}});
+    OpenScaled();
+    const std::vector<std::function<void()>> commands{
+        [this] { EditorTest::Pick("ddMaps", 1); },
+        [this] {
+            Expecting().ExpectBox(QStringLiteral("Are you sure you want to delete 'map2' map?"),
+                                  QMessageBox::Yes);
+            Choose("mBitmapDelete");
+        },
+        [this] {
+            ExpectMapAdded(ImageOf(MakeSheet(PixelFormat::Grey, 90, 80)));
+            Expecting().Expect(QStringLiteral("frmSelectDatumGrid"), WaysOut[0]);
+            Expecting().ExpectBox(WizardCancelled());
+            Choose("mBitmapNew");
+            EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+            Expecting().ExpectBox(QStringLiteral("Are you sure you want to delete 'image4' map?"),
+                                  QMessageBox::Yes);
+            Choose("mBitmapDelete");
+        },
+        [this, &other] { OpenByMenu(other); }};
+    for (const auto& command : commands) {
+        ExpectSystem("rbCartesian");
+        Choose("mBitmapScalingWizard");
+        ExpectPoint({{30, 30}, 5, 5});
+        ClickPixel({30, 30});
+        EXPECT_FALSE(Viewer().Marks().empty());
+        command();
+        ExpectNoWizard();
+        EXPECT_THAT(ReadOutAt({10, 10}), ::testing::StartsWith("Longitude: "));
+        EXPECT_TRUE(Expecting().IsDone());
+    }
+}
