@@ -2,6 +2,7 @@
 
 #include "base/CheckedNumbers.h"
 #include "platform/FilterText.h"
+#include "platform/PlainFileIcons.h"
 #include "platform/modMessages.h"
 #include "platform/modRegistry.h"
 
@@ -24,18 +25,20 @@ qsizetype StartOfName(const QString& path) {
 
 void SetMode(QFileDialog& dialog, bool opens) {
     dialog.setOptions(QFileDialog::DontUseNativeDialog | QFileDialog::HideNameFilterDetails);
+    ShowPlainFileIcons(dialog);
     dialog.setFilter(QDir::AllEntries | QDir::AllDirs | QDir::NoDotAndDotDot);
     dialog.setAcceptMode(opens ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
     dialog.setFileMode(opens ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
 }
 
-/// Selecting an empty name does nothing in Qt; the field itself has to be emptied. A file that is still
-/// selected in the list would write its name there again as soon as the folder has been read.
+/// Selecting an empty name does nothing in Qt; the field itself has to be emptied. Then the list: an empty
+/// name makes Qt select the folder itself, which would count as the choice, and a file that is still selected
+/// would write its name into the field again as soon as the folder has been read.
 void ForgetFileName(QFileDialog& dialog) {
-    if (const auto* const list = dialog.findChild<QAbstractItemView*>(QStringLiteral("listView")))
-        list->selectionModel()->clear();
     for (auto* const field : dialog.findChildren<QLineEdit*>(QStringLiteral("fileNameEdit")))
         field->clear();
+    if (const auto* const list = dialog.findChild<QAbstractItemView*>(QStringLiteral("listView")))
+        list->selectionModel()->clear();
 }
 
 /// Qt asks before it replaces a file, but takes a name in a folder that does not exist.

@@ -1,5 +1,7 @@
 #include "platform/modBrowseFolder.h"
 
+#include "platform/PlainFileIcons.h"
+
 #include <QDir>
 #include <QFileDialog>
 
@@ -7,6 +9,7 @@ QString BrowseForFolder(QWidget* parent, const QString& title, const QString& pr
     QFileDialog dialog(parent);
     dialog.setObjectName(QStringLiteral("FolderDialog"));
     dialog.setOptions(QFileDialog::DontUseNativeDialog | QFileDialog::ShowDirsOnly);
+    ShowPlainFileIcons(dialog);
     dialog.setFileMode(QFileDialog::Directory);
     dialog.setWindowTitle(title);
     dialog.setDirectory(!preselect.isEmpty() && QFileInfo(preselect).isDir() ? preselect : QDir::homePath());

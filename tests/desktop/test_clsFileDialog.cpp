@@ -4,12 +4,34 @@
 #include "tests/support/TempFolder.h"
 #include "tests/support/desktop/ModalScript.h"
 
+#include <sys/inotify.h>
+#include <unistd.h>
+
 namespace {
 
 const auto LibraryFilter = QStringLiteral("Atlavex (*.Atlavex)|*.Atlavex|All files (*.*) |*.*");
 const auto ImageFilter =
     QStringLiteral("All supported formats (*.bmp; *.gif; *.jpg; *.tif)|*.bmp;*.gif;*.jpg;*.tif|"
                    "Bitmaps (*.bmp)|*.bmp|All files (*.*) |*.*");
+
+/// Notices when anybody opens a file.
+class OpenWatch {
+public:
+    explicit OpenWatch(const std::filesystem::path& file) {
+        EXPECT_GE(inotify_add_watch(events_, file.c_str(), IN_OPEN), 0);
+    }
+    ~OpenWatch() { close(events_); }
+    OpenWatch(const OpenWatch&) = delete;
+    OpenWatch& operator=(const OpenWatch&) = delete;
+
+    bool WasOpened() const {
+        inotify_event event{};
+        return read(events_, &event, sizeof event) > 0;
+    }
+
+private:
+    int events_ = inotify_init1(IN_NONBLOCK);
+};
 
 /// The window's one system dialog, driven by keys in a folder of its own.
 class FileDialogs : public testing::Test {
@@ -338,4 +360,41 @@ TEST_F(FileDialogs, AreSetAnewEachTimeTheyShow) {
         EXPECT_EQ(shown.labelText(QFileDialog::Accept), QStringLiteral("&Save"));
     });
     EXPECT_FALSE(again.Show(system_));
+}
+
+TEST_F(FileDialogs, StartWithNothingSelectedEachTime) {
+    for (int time = 0; time < 3; ++time) {
+        clsFileDialog save = Prepared("SaveAtlavexAs", clsFileDialog::Save);
+        Expect([this](QFileDialog& shown) {
+            const auto* const list = shown.findChild<QListView*>(QStringLiteral("listView"));
+            EXPECT_TRUE(list->selectionModel()->selectedRows().isEmpty());
+            TypeName(shown, Path("maps/new.Atlavex"));
+            EXPECT_FALSE(shown.isVisible()) << "what is typed is taken at once";
+        });
+        ASSERT_TRUE(save.Show(system_));
+        save.SaveSettings();
+    }
+}
+
+TEST_F(FileDialogs, OpenNoneOfTheFilesThatTheyList) {
+    // Its name does not say what it is.
+    WriteWholeFile(folder_ / "maps/nameless", "x");
+    const OpenWatch watch(folder_ / "maps/nameless");
+    clsFileDialog dialog = Prepared("OpenAtlavex", clsFileDialog::Open);
+    dialog.SetInitDir(QString::fromStdString(Path("maps")));
+    ExpectCancel([](QFileDialog& shown) {
+        shown.setViewMode(QFileDialog::Detail);
+        PickFilter(shown, 1);
+        const auto* const view = shown.findChild<QTreeView*>(QStringLiteral("treeView"));
+        const auto cell = [view](int row, int column) {
+            return view->model()->index(row, column, view->rootIndex());
+        };
+        ASSERT_TRUE(QTest::qWaitFor([&] { return view->model()->rowCount(view->rootIndex()) == 4; }));
+        for (int row = 0; row < 4; ++row) {
+            EXPECT_FALSE(cell(row, 0).data(Qt::DecorationRole).value<QIcon>().isNull());
+            EXPECT_THAT(cell(row, 2).data().toString().toStdString(), testing::HasSubstr("File"));
+        }
+    });
+    dialog.Show(system_);
+    EXPECT_FALSE(watch.WasOpened());
 }
