@@ -2,19 +2,13 @@
 
 #include "base/CheckedNumbers.h"
 #include "base/ComponentError.h"
+#include "platform/modFields.h"
 #include "view/clsBitmapView.h"
 
 #include <QComboBox>
 #include <QSignalBlocker>
 
 namespace {
-
-void Refill(QComboBox& list, const QStringList& names) {
-    const QSignalBlocker silent(list);
-    list.clear();
-    list.addItems(names);
-    list.setCurrentIndex(-1);
-}
 
 void Mark(QComboBox& list, int entry) {
     const QSignalBlocker silent(list);
@@ -38,9 +32,9 @@ void EntryLists::RefillMaps() {
     QStringList names;
     if (state_.objAtlavex != nullptr)
         for (std::int32_t position = 1; position <= state_.objAtlavex->MapCount(); ++position)
-            names += QString::fromStdString(
-                state_.objAtlavex->GetMap(state_.objAtlavex->MapIdAt(position))->Name());
-    Refill(maps_, names);
+            names += OneLine(QString::fromStdString(
+                state_.objAtlavex->GetMap(state_.objAtlavex->MapIdAt(position))->Name()));
+    FillCombo(maps_, names);
     state_.rememberedMap = -1;
 }
 
@@ -48,9 +42,9 @@ void EntryLists::RefillIcons() {
     QStringList names;
     if (state_.objAtlavex != nullptr)
         for (std::int32_t position = 1; position <= state_.objAtlavex->IconCount(); ++position)
-            names += QString::fromStdString(
-                state_.objAtlavex->GetIcon(state_.objAtlavex->IconIdAt(position))->Name());
-    Refill(icons_, names);
+            names += OneLine(QString::fromStdString(
+                state_.objAtlavex->GetIcon(state_.objAtlavex->IconIdAt(position))->Name()));
+    FillCombo(icons_, names);
     rememberedIcon_ = -1;
 }
 

@@ -16,7 +16,8 @@ public:
     EntryLists(EditorState& state, QComboBox& maps, QComboBox& icons, clsBitmapView& mapView,
                clsBitmapView& iconView);
 
-    /// Refills the list with the names in library order; no entry is selected. No signal comes.
+    /// Refills the list with the names in library order, each as one line; no entry is selected. No signal
+    /// comes.
     void RefillMaps();
     void RefillIcons();
     /// Fetches the entry anew, shows it and makes it current. ErrorNumber::Overflow, NoSuchMap, NoSuchIcon,

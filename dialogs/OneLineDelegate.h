@@ -2,7 +2,7 @@
 
 #include <QStyledItemDelegate>
 
-/// Shows the beginning of each text as one line: a view that laid out a text of a megabyte would stand still.
+/// Shows the beginning of each text as one line.
 class OneLineDelegate : public QStyledItemDelegate {
     Q_OBJECT
 public:

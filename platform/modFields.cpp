@@ -85,6 +85,16 @@ QString NumberText(double value, int decimals, const QLocale& locale) {
     return text;
 }
 
+QString OneLine(const QString& text) {
+    constexpr qsizetype Longest = 500; // wider than any screen
+    QString line = text.left(Longest);
+    for (QChar& character : line)
+        if (character.category() == QChar::Other_Control || character == QChar::LineSeparator ||
+            character == QChar::ParagraphSeparator)
+            character = u' ';
+    return line;
+}
+
 QString ComboText(const QComboBox& combo) {
     return combo.currentIndex() == -1 ? QString() : combo.itemText(combo.currentIndex());
 }

@@ -39,6 +39,11 @@ std::int32_t IntegerFrom(const QLineEdit& field, const QLocale& locale = QLocale
 /// exponent and group separators; never "-0". GetNumber reads it back.
 QString NumberText(double value, int decimals, const QLocale& locale = QLocale::system());
 
+/// The beginning of the text, 500 characters at most, in one line, for a list that shows what anybody may
+/// have written: line ends and other control characters become blanks. A list that laid out a text of a
+/// megabyte would stand still.
+QString OneLine(const QString& text);
+
 /// The selected entry's text, or nothing when none is selected.
 QString ComboText(const QComboBox& combo);
 

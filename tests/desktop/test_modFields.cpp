@@ -81,6 +81,14 @@ TEST(WholeNumberFields, RefuseWhatDoesNotFit) {
     EXPECT_EQ(IntegerFrom(QLineEdit(QStringLiteral("-2147483648")), English), -2147483647 - 1);
 }
 
+TEST(OneLines, AreTheBeginningOfATextWithoutLineEnds) {
+    EXPECT_EQ(OneLine(QStringLiteral(" North \u00e6 \U0001F5FA <b> ")),
+              QStringLiteral(" North \u00e6 \U0001F5FA <b> "));
+    EXPECT_EQ(OneLine(QStringLiteral("a\nb\r\nc\td\u2028e\u2029f\u0007g")), QStringLiteral("a b  c d e f g"));
+    EXPECT_EQ(OneLine(QStringLiteral("ab").repeated(1 << 19)), QStringLiteral("ab").repeated(250));
+    EXPECT_EQ(OneLine(QString()), QString());
+}
+
 TEST(NumberTexts, AreShortWithoutPaddingExponentAndGroups) {
     EXPECT_EQ(NumberText(12.5, 2, English), QStringLiteral("12.5"));
     EXPECT_EQ(NumberText(12.0, 2, English), QStringLiteral("12"));
