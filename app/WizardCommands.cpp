@@ -73,8 +73,8 @@ void WizardCommands::WizardMapClick(const ImagePixel& pixel) {
 void WizardCommands::Finish() {
     try {
         wizard_->ScaleMap(state_.currentMap.get());
-    } catch (const ComponentError& error) {
-        ShowMessage(window_.Widget(), QString::fromStdString(error.Description()));
+    } catch (const std::exception& error) {
+        ShowMessage(window_.Widget(), QString::fromUtf8(error.what()));
         Discard();
         return;
     }

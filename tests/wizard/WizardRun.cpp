@@ -78,6 +78,18 @@ void WizardRun::ExpectPoint(const TypedPoint& point, const QString& unit) {
     });
 }
 
+void WizardRun::ExpectInvalidScaling() {
+    Expecting().Expect(QStringLiteral("MessageBox"), [this](QWidget& shown) {
+        const auto& box = dynamic_cast<QMessageBox&>(shown);
+        const QString start = QStringLiteral("Invalid scaling: ");
+        EXPECT_TRUE(box.text().startsWith(start)) << box.text().toStdString();
+        EXPECT_GT(box.text().size(), start.size() + 10) << "without a reason";
+        EXPECT_EQ(box.icon(), QMessageBox::Critical);
+        EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+        QTest::keyClick(&shown, Qt::Key_Return);
+    });
+}
+
 void WizardRun::ClickPixel(const QPoint& pixel) {
     ScrollTo(pixel);
     ASSERT_TRUE(IsInSight(pixel));

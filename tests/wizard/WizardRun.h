@@ -41,6 +41,9 @@ protected:
     /// must show the pixel.
     void ExpectPoint(const TypedPoint& point, const QString& unit = {});
 
+    /// The box of a scaling that the map refuses, before anything has changed.
+    void ExpectInvalidScaling();
+
     /// Scrolls to the pixel and clicks it.
     void ClickPixel(const QPoint& pixel);
 

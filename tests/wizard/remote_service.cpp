@@ -6,6 +6,7 @@
 //   short      with eight numbers for a datum and six for a grid
 //   strange    with a text
 //   infinite   with a number that is not finite
+//   unknown    with a projection that there is not
 //   quit       not at all: it ends when it is called
 
 #include <QCoreApplication>
@@ -36,7 +37,8 @@ QVariantList Answer(const QString& method, const QString& mode) {
         QList<double> values{49, -2, 0.9996012717, 400000, -100000, 0, 0};
         if (mode == QLatin1String("short"))
             values.removeLast();
-        answer << 1 << 7 << QVariant::fromValue(values) << QStringLiteral("My grid");
+        answer << (mode == QLatin1String("unknown") ? 99 : 1) << 7 << QVariant::fromValue(values)
+               << QStringLiteral("My grid");
     }
     return answer;
 }

@@ -104,6 +104,7 @@ TEST_F(GivingUp, AScaledMapKeepsItsScaling) {
     const std::string before = ReadOutAt({100, 100});
     ExpectSystem("rbCartesian");
     Choose("mBitmapScalingWizard");
+    EXPECT_EQ(Viewer().Marks().size(), 3U) << "the earlier points";
     Expecting().Expect(QStringLiteral("frmCoordinate"), WaysOut[0]);
     Expecting().ExpectBox(WizardCancelled());
     ClickPixel({30, 30});
@@ -212,13 +213,7 @@ TEST_F(GivingUp, AScalingThatIsInvalidIsSaidAndTheRunEndsAsAlways) {
         for (const TypedPoint& point : points) {
             ExpectPoint(point);
             if (&point == &points.back()) {
-                Expecting().Expect(QStringLiteral("MessageBox"), [this](QWidget& shown) {
-                    const auto& box = dynamic_cast<QMessageBox&>(shown);
-                    EXPECT_TRUE(box.text().startsWith(QStringLiteral("Invalid scaling: ")));
-                    EXPECT_EQ(box.icon(), QMessageBox::Critical);
-                    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
-                    QTest::keyClick(&shown, Qt::Key_Return);
-                });
+                ExpectInvalidScaling();
                 Expecting().ExpectBox(ScalingCompleted());
             }
             ClickPixel(point.pixel);
@@ -230,6 +225,27 @@ TEST_F(GivingUp, AScalingThatIsInvalidIsSaidAndTheRunEndsAsAlways) {
         EXPECT_FALSE(State().currentMap->IsScaled());
         EXPECT_EQ(ReadOutAt({50, 50}), "Click on map to verify positions") << "there is nothing to read";
     }
+}
+
+TEST_F(GivingUp, AFailureThatEscapesTheScalingLeavesTheMapAsItWas) {
+    OpenUnscaled();
+    StartByClick("rbCartesian");
+    const std::shared_ptr<AtlavexMap> map = State().currentMap;
+    GivePoint(1);
+    GivePoint(2);
+    Expecting().Expect(QStringLiteral("frmCoordinate"), [this](QWidget& shown) {
+        // No command can take the map away while the form is open.
+        const_cast<EditorState&>(State()).currentMap.reset();
+        Type(shown, "txtLatDecDeg", QStringLiteral("1"));
+        Click(shown, "bNext");
+    });
+    Expecting().ExpectBox(QStringLiteral("There is no map to be scaled."));
+    ClickPixel({280, 20});
+    ExpectNoWizard();
+    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+    EXPECT_FALSE(State().mapScaled);
+    EXPECT_FALSE(State().modified);
+    EXPECT_FALSE(map->IsScaled());
 }
 
 TEST_F(GivingUp, AnotherCommandThatTakesTheMapAwayEndsTheWizard) {

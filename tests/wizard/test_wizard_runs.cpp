@@ -1,4 +1,5 @@
 #include "tests/wizard/FormDriver.h"
+#include "tests/wizard/PrivateBus.h"
 #include "tests/wizard/WizardRun.h"
 
 #include <QImage>
@@ -52,6 +53,14 @@ protected:
         EXPECT_TRUE(Expecting().IsDone());
     }
 
+    /// Step 1 with another program's grid.
+    void ExpectCustomGrid() {
+        Expecting().Expect(QStringLiteral("frmSelectDatumGrid"), [](QWidget& shown) {
+            Click(shown, "rdShowGrid");
+            Click(shown, "bNext");
+        });
+    }
+
     void ExpectWorldfileGrid() {
         Expecting().Expect(QStringLiteral("frmSelectWorldfileGrid"), [this](QWidget& shown) {
             EXPECT_EQ(TextOf("lStatus"), "Not scaled");
@@ -67,6 +76,10 @@ protected:
         Expecting().ExpectBox(WorldfileFound(), answer);
     }
 };
+
+const std::array<TypedPoint, 3> GridPoints{TypedPoint{{0, 1}, 400000, 299999},
+                                           TypedPoint{{1000, 1}, 401000, 299999},
+                                           TypedPoint{{0, 801}, 400000, 299199}};
 
 const std::string WorldfileText = "2.5\n0\n0\n-2.5\n500000\n6200000\n";
 
@@ -141,25 +154,60 @@ TEST_F(WholeRuns, AWorldfileThatIsNotWantedLeavesTheClicks) {
     ExpectGrid(QStringLiteral("International"), QStringLiteral("UTM (etrs89)"), QStringLiteral("32"));
     ExpectProjection("imgCartesian");
     Choose("mBitmapNew");
-    GivePoints(LinearPrompts,
-               {TypedPoint{{0, 1}, 400000, 5999999}, TypedPoint{{1000, 1}, 401000, 5999999},
-                TypedPoint{{0, 801}, 400000, 5999199}},
-               QStringLiteral("meters"));
-    EXPECT_EQ(ReadOutAt({1, 2}), "(meters) Easting: 400001 Northing: 5999998");
+    GivePoints(LinearPrompts, GridPoints, QStringLiteral("meters"));
+    EXPECT_EQ(ReadOutAt({1, 2}), "(meters) Easting: 400001 Northing: 299998");
 }
 
 TEST_F(WholeRuns, AWorldfileThatIsNoneLeavesTheMapUnscaled) {
     StartSmall();
     AddBesideWorldfile("2.5\n0\nnorth\n", QMessageBox::Yes);
     ExpectWorldfileGrid();
-    Expecting().Expect(QStringLiteral("MessageBox"), [](QWidget& shown) {
-        const auto& box = dynamic_cast<QMessageBox&>(shown);
-        EXPECT_TRUE(box.text().startsWith(QStringLiteral("Invalid scaling: "))) << box.text().toStdString();
-        EXPECT_EQ(box.icon(), QMessageBox::Critical);
-        QTest::keyClick(&shown, Qt::Key_Return);
-    });
+    ExpectInvalidScaling();
     Choose("mBitmapNew");
     EXPECT_EQ(TextOf("lStatus"), "Not scaled");
     EXPECT_FALSE(State().currentMap->IsScaled());
     ExpectNoWizard();
+}
+
+TEST_F(WholeRuns, InAGridOfAnotherProgram) {
+    PrivateBus bus;
+    bus.StartService(QStringLiteral("good"));
+    StartSmall();
+    ExpectMapAdded(Image("sheet.png"));
+    ExpectCustomGrid();
+    ExpectProjection("rbCartesian");
+    Choose("mBitmapNew");
+    GivePoints(LinearPrompts, GridPoints, QStringLiteral("meters"));
+    EXPECT_EQ(ReadOutAt({1, 2}), "(meters) Easting: 400001 Northing: 299998");
+    // The false origin of its projection, whatever its name.
+    const LonLat origin = State().currentMap->WorldToWgs84({400000, -100000});
+    EXPECT_NEAR(origin.longitude, -2, 0.01);
+    EXPECT_NEAR(origin.latitude, 49, 0.01);
+}
+
+TEST_F(WholeRuns, InAGridOfAnotherProgramThatIsNoneOrThatDoesNotAnswer) {
+    for (const bool answers : {true, false}) {
+        SCOPED_TRACE(answers);
+        PrivateBus bus;
+        if (answers)
+            bus.StartService(QStringLiteral("unknown"));
+        StartSmall();
+        ExpectMapAdded(Image("sheet.png"));
+        ExpectCustomGrid();
+        ExpectProjection("rbCartesian");
+        Choose("mBitmapNew");
+        for (const TypedPoint& point : GridPoints) {
+            ExpectPoint(point, QStringLiteral("meters"));
+            if (&point == &GridPoints.back()) {
+                if (answers)
+                    ExpectInvalidScaling();
+                Expecting().ExpectBox(ScalingCompleted());
+            }
+            ClickPixel(point.pixel);
+        }
+        ExpectNoWizard();
+        // Without any system the map takes the points as they are.
+        EXPECT_EQ(State().currentMap->IsScaled(), !answers);
+        EXPECT_FALSE(State().currentMap->MapGeoreference().grid.has_value());
+    }
 }
