@@ -88,11 +88,20 @@ public:
         view.AdjustSize();
     }
 
+    /// Serves events until what is shown is final; each serving counts as a pause in which the window does
+    /// not answer.
+    void UntilFinal(Times& pauses) {
+        while (map_->ViewIsDraft())
+            pauses.Measure([] { QCoreApplication::processEvents(); });
+    }
+
     /// Does the work and serves events until the viewer has painted anew.
     template <typename Work>
     void UntilPainted(const Work& work) {
         painted_ = false;
         work();
+        // Painting is posted. What waits for a quiet moment comes after the frame.
+        QCoreApplication::sendPostedEvents();
         while (!painted_)
             QCoreApplication::processEvents();
     }
@@ -155,7 +164,9 @@ public:
 
 private:
     std::shared_ptr<AtlavexMap> Load() {
-        library_ = CreateAtlavexLibrary();
+        LibraryOptions options;
+        options.viewPatience = 20; // as in the editor
+        library_ = CreateAtlavexLibrary(options);
         library_->LoadFromFile(file_, key_);
         return library_->GetMap(library_->MapIdAt(1));
     }
@@ -168,17 +179,24 @@ private:
     void First(std::int32_t position) {
         std::mt19937 random(1);
         std::uniform_real_distribution<> place(0.4, 0.9);
-        Times first, far;
+        Times first, far, pauses, final;
         for (int i = 0; i < 20; ++i) {
             const auto map = Load();
             Desk desk(map);
             first.Measure([&] { desk.UntilPainted([&] { desk.Select(ZoomAtSliderPosition(position)); }); });
             const double x = place(random) * map->Width(), y = place(random) * map->Height();
-            if (desk.horizontal.maximum() > 0)
+            desk.UntilFinal(pauses);
+            if (desk.horizontal.maximum() == 0)
+                continue;
+            final.Measure([&] {
                 far.Measure([&] { desk.UntilPainted([&] { desk.view.CenterOn(x, y); }); });
+                desk.UntilFinal(pauses);
+            });
         }
         first.Print(At("first view", position));
         far.Print(At("jump to a far part", position));
+        pauses.Print(At("pause while a draft is made final", position));
+        final.Print(At("jump until final", position));
     }
 
     /// To and fro by the wheel where all tiles are at hand.
@@ -250,6 +268,8 @@ private:
     static void Start(Desk& desk, std::int32_t position) {
         desk.Select(ZoomAtSliderPosition(position));
         desk.view.CenterOn(desk.view.MapWidth() / 3.0, desk.view.MapHeight() / 3.0);
+        Times unmeasured;
+        desk.UntilFinal(unmeasured);
         desk.UntilPainted([&] { desk.viewer.update(); });
     }
 

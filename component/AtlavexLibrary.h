@@ -21,10 +21,13 @@ enum class NewTiles {
 
 struct LibraryOptions {
     NewTiles newTiles = NewTiles::Scratch;
-    std::string scratchFolder;         ///< empty: the user's cache folder
-    int keyOperations = 3;             ///< Argon2id passes for a new key, 1 to 4
-    int keyMemoryMiB = 256;            ///< Argon2id memory for a new key, 8 to 512 MiB
-    int threads = 0;                   ///< workers inside one call; 0: one a core
+    std::string scratchFolder; ///< empty: the user's cache folder
+    int keyOperations = 3;     ///< Argon2id passes for a new key, 1 to 4
+    int keyMemoryMiB = 256;    ///< Argon2id memory for a new key, 8 to 512 MiB
+    int threads = 0;           ///< workers inside one call; 0: one a core
+    /// Milliseconds that the tiles of a view may take before a draft is shown (see AtlavexMap::ViewIsDraft);
+    /// 0: as long as they take.
+    int viewPatience = 0;
     std::shared_ptr<FileSystem> files; ///< nothing: the operating system's
 };
 

@@ -73,6 +73,10 @@ public:
     /// false, and `image` left alone, when nothing differs from the last answer. Damaged tiles are hatched.
     virtual bool RenderView(std::int32_t left, std::int32_t top, std::int32_t width, std::int32_t height,
                             std::shared_ptr<const AtlavexImage>& image) = 0;
+    /// True when the last view was drawn from a coarser level, because its own tiles take longer than the
+    /// library's patience with views. The same view asked for again brings them, in steps that long, and
+    /// answers with a better image when they are all there.
+    virtual bool ViewIsDraft() const { return false; }
 
     /// All pixels of the map, bit for bit, in bands of one tile height from the top, in Format(). The
     /// callback gets the rows (width × BytesPerPixel bytes each, without gaps) and their number. Throws

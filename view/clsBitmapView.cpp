@@ -25,6 +25,14 @@ int NearestInteger(double value) {
 
 } // namespace
 
+clsBitmapView::clsBitmapView() {
+    draft_.setSingleShot(true);
+    QObject::connect(&draft_, &QTimer::timeout, &draft_, [this] {
+        if (map_ && viewer_ != nullptr && !busy_)
+            ShowMapPart();
+    });
+}
+
 clsBitmapView::~clsBitmapView() {
     QObject::disconnect(resized_);
 }
@@ -216,6 +224,8 @@ void clsBitmapView::ShowMapPart() {
     } catch (const ComponentError&) {
         // The map is gone or there is no memory: what the viewer has is better than nothing.
     }
+    if (map_->ViewIsDraft())
+        draft_.start();
 }
 
 bool clsBitmapView::Render(const QSize& visible, std::shared_ptr<const AtlavexImage>& image) {

@@ -5,6 +5,7 @@
 
 #include <QMetaObject>
 #include <QPoint>
+#include <QTimer>
 
 #include <cstdint>
 #include <functional>
@@ -26,9 +27,11 @@ struct ImagePixel {
 /// What scrolls or lays out is called from event handlers, and scrolling and painting stay silent: when the
 /// map cannot be rendered (ComponentError), that is caught here and the viewer keeps the image it has. What a
 /// command calls (SetZoom, ZoomAbout) and PixelAt throw, before they have changed anything.
+/// Where the map answers with a draft, the same part is asked for again whenever there is nothing else to do,
+/// until it is final.
 class clsBitmapView {
 public:
-    clsBitmapView() = default;
+    clsBitmapView();
     ~clsBitmapView();
     clsBitmapView(const clsBitmapView&) = delete;
     clsBitmapView& operator=(const clsBitmapView&) = delete;
@@ -121,4 +124,5 @@ private:
     std::int32_t mapHeight_ = 0;
     double zoom_ = 1.0;
     bool busy_ = false;
+    QTimer draft_; ///< runs while a draft is shown
 };

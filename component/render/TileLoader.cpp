@@ -103,19 +103,24 @@ std::size_t TileLoader::LargestBlock() const {
     return std::max<std::size_t>(1, LargestBlockBytes / tileBytes_);
 }
 
-void TileLoader::Load(TileBlock& block) {
+bool TileLoader::Load(TileBlock& block, std::optional<Time> deadline) {
     block.tileWidth = layout_.TileWidth();
     block.tileHeight = layout_.TileHeight();
     const auto count = static_cast<std::size_t>(block.rows) * static_cast<std::size_t>(block.columns);
     block.tiles.assign(count, nullptr);
     memory_.Tiles().SetCapacity(std::max(UsualCacheBytes, count * tileBytes_));
     std::vector<Missing> missing = TakeFromCache(block);
-    if (missing.empty())
-        return;
-    LoadMissing(block, missing);
+    const bool whole = missing.empty() || LoadMissing(block, missing, deadline);
     for (const Missing& tile : missing)
-        memory_.Tiles().Put({map_, layout_.Entry(block.level, tile.row, tile.column)},
-                            block.tiles[tile.place], tileBytes_);
+        if (block.tiles[tile.place])
+            memory_.Tiles().Put({map_, layout_.Entry(block.level, tile.row, tile.column)},
+                                block.tiles[tile.place], tileBytes_);
+    return whole;
+}
+
+bool TileLoader::Keeps(TileBlock block) {
+    block.tiles.resize(static_cast<std::size_t>(block.rows) * static_cast<std::size_t>(block.columns));
+    return TakeFromCache(block).empty();
 }
 
 std::vector<TileLoader::Missing> TileLoader::TakeFromCache(TileBlock& block) {
@@ -131,7 +136,8 @@ std::vector<TileLoader::Missing> TileLoader::TakeFromCache(TileBlock& block) {
     return missing;
 }
 
-void TileLoader::LoadMissing(TileBlock& block, std::vector<Missing>& missing) {
+bool TileLoader::LoadMissing(TileBlock& block, const std::vector<Missing>& missing,
+                             std::optional<Time> deadline) {
     std::vector<TileDecoder>& decoders = memory_.Decoders();
     const std::size_t threads = std::min(decoders.size(), missing.size());
     Work work(WaitingTiles * threads);
@@ -139,8 +145,14 @@ void TileLoader::LoadMissing(TileBlock& block, std::vector<Missing>& missing) {
         while (auto job = work.Pop())
             block.tiles[job->place] = Decode(decoders[thread], job->encoded);
     };
+    bool whole = true;
     const auto readAll = [&] {
         for (const Missing& tile : missing) {
+            const bool some = &tile - missing.data() >= static_cast<std::ptrdiff_t>(threads);
+            if (deadline && some && std::chrono::steady_clock::now() >= *deadline) {
+                whole = false;
+                return;
+            }
             Work::Job job{tile.place, {}};
             try {
                 job.encoded = source_.ReadTile(block.level, tile.row, tile.column);
@@ -164,6 +176,7 @@ void TileLoader::LoadMissing(TileBlock& block, std::vector<Missing>& missing) {
         }
         decodeRest(static_cast<std::size_t>(thread));
     });
+    return whole;
 }
 
 TilePixels TileLoader::Decode(TileDecoder& decoder, const std::vector<std::uint8_t>& encoded) const {

@@ -5,6 +5,8 @@
 #include "component/render/TileCache.h"
 #include "component/render/ViewMemory.h"
 
+#include <chrono>
+#include <optional>
 #include <vector>
 
 /// A rectangle of tiles of one level, decoded.
@@ -31,8 +33,14 @@ public:
     /// All three must outlive the loader. `map` is the number of the layout's map in the memory.
     TileLoader(const PyramidLayout& layout, TileSource& source, ViewMemory& memory, std::uint64_t map);
 
-    /// Fills the block's tiles; its other members say which.
-    void Load(TileBlock& block);
+    using Time = std::chrono::steady_clock::time_point;
+
+    /// Fills the block's tiles; its other members say which. With a deadline it may end before all are there,
+    /// and answers false then; it always brings some, so that asking again comes to an end.
+    bool Load(TileBlock& block, std::optional<Time> deadline = {});
+
+    /// Whether every tile of the block is in the cache.
+    bool Keeps(TileBlock block);
 
     /// Most tiles that a block should have, for memory's sake.
     std::size_t LargestBlock() const;
@@ -43,7 +51,7 @@ private:
 
     TilePixels Decode(TileDecoder& decoder, const std::vector<std::uint8_t>& encoded) const;
     std::vector<Missing> TakeFromCache(TileBlock& block);
-    void LoadMissing(TileBlock& block, std::vector<Missing>& missing);
+    bool LoadMissing(TileBlock& block, const std::vector<Missing>& missing, std::optional<Time> deadline);
 
     const PyramidLayout& layout_;
     TileSource& source_;

@@ -2,7 +2,8 @@
 
 #include "component/render/ShortThreads.h"
 
-ViewMemory::ViewMemory(int threads) : threads_(static_cast<std::size_t>(ThreadCount(threads))) {}
+ViewMemory::ViewMemory(int threads, std::chrono::milliseconds patience)
+    : threads_(static_cast<std::size_t>(ThreadCount(threads))), patience_(patience) {}
 
 std::vector<TileDecoder>& ViewMemory::Decoders() {
     if (decoders_.empty())

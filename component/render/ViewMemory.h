@@ -6,6 +6,7 @@
 #include "component/render/ViewRequest.h"
 
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -23,8 +24,11 @@ public:
         ViewRequest request;
     };
 
-    /// Decoders for so many threads (0: one a core).
-    explicit ViewMemory(int threads = 0);
+    /// Decoders for so many threads (0: one a core). When the tiles of a view take longer than the patience,
+    /// a draft is drawn first; 0: never.
+    explicit ViewMemory(int threads = 0, std::chrono::milliseconds patience = {});
+
+    std::chrono::milliseconds Patience() const { return patience_; }
 
     /// One for each thread; made when they are first asked for.
     std::vector<TileDecoder>& Decoders();
@@ -41,6 +45,7 @@ public:
 
 private:
     std::size_t threads_;
+    std::chrono::milliseconds patience_;
     std::vector<TileDecoder> decoders_;
     TileCache tiles_{0};
     std::array<Picture, 2> pictures_;

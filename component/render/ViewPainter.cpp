@@ -2,9 +2,6 @@
 
 #include <cmath>
 
-namespace {
-
-/// The smallest level that still has at least as many pixels as the screen shows.
 int LevelFor(double zoom, const PyramidLayout& layout) {
     int level = 0;
     while (level + 1 < layout.Levels() && std::ldexp(1.0, -(level + 1)) >= zoom)
@@ -12,7 +9,10 @@ int LevelFor(double zoom, const PyramidLayout& layout) {
     return level;
 }
 
-} // namespace
+std::unique_ptr<ViewPainter> MakeDraftPainter(const ViewRequest& request, const PyramidLayout& layout,
+                                              int level, ScreenRange columns, ScreenRange rows) {
+    return MakeNearestPainter(request, layout, level, std::ldexp(request.zoom, level), columns, rows);
+}
 
 std::unique_ptr<ViewPainter> MakePainter(const ViewRequest& request, const PyramidLayout& layout,
                                          ScreenRange columns, ScreenRange rows) {

@@ -45,6 +45,13 @@ private:
 std::unique_ptr<ViewPainter> MakePainter(const ViewRequest& request, const PyramidLayout& layout,
                                          ScreenRange columns, ScreenRange rows);
 
+/// The same part from a level above the one that the zoom asks for: fewer tiles and larger dots.
+std::unique_ptr<ViewPainter> MakeDraftPainter(const ViewRequest& request, const PyramidLayout& layout,
+                                              int level, ScreenRange columns, ScreenRange rows);
+
+/// The smallest level that still has at least as many pixels as the screen shows.
+int LevelFor(double zoom, const PyramidLayout& layout);
+
 /// One screen pixel from one pixel of the level: `zoom` screen pixels per pixel of the level, at least 1.
 std::unique_ptr<ViewPainter> MakeNearestPainter(const ViewRequest& request, const PyramidLayout& layout,
                                                 int level, double zoom, ScreenRange columns,

@@ -79,10 +79,13 @@ struct ViewRenderer::State {
     std::uint64_t map;
     TileLoader loader;
     std::optional<ViewRequest> last;
+    bool draft = false;
 
     ScreenRange NextBlock(const ViewPainter& painter, std::int32_t firstRow, TileBlock& block) const;
-    void DrawPart(const ViewRequest& request, const ScreenPart& part, Bitmap& view);
-    void Draw(const ViewRequest& request, Bitmap& view);
+    bool LoadInTime(const ViewRequest& request, const std::vector<ScreenPart>& parts);
+    std::unique_ptr<ViewPainter> DraftPainter(const ViewRequest& request, const ScreenPart& part);
+    void DrawPart(const ViewPainter& painter, Bitmap& view);
+    bool Draw(const ViewRequest& request, Bitmap& view);
 };
 
 /// As many screen rows, from the first one on, as one block of tiles should hold; at least one.
@@ -108,33 +111,64 @@ ScreenRange ViewRenderer::State::NextBlock(const ViewPainter& painter, std::int3
     return {firstRow, end};
 }
 
-void ViewRenderer::State::DrawPart(const ViewRequest& request, const ScreenPart& part, Bitmap& view) {
-    const auto painter = MakePainter(request, layout, part.columns, part.rows);
-    const auto threads = static_cast<int>(memory->Decoders().size());
-    for (std::int32_t row = part.rows.first; row < part.rows.end;) {
+/// Whether the tiles of all parts are in the cache before the memory's patience ends.
+bool ViewRenderer::State::LoadInTime(const ViewRequest& request, const std::vector<ScreenPart>& parts) {
+    if (memory->Patience() <= std::chrono::milliseconds::zero())
+        return true;
+    const auto deadline = std::chrono::steady_clock::now() + memory->Patience();
+    return std::all_of(parts.begin(), parts.end(), [&](const ScreenPart& part) {
+        const auto painter = MakePainter(request, layout, part.columns, part.rows);
         TileBlock block;
-        const ScreenRange blockRows = NextBlock(*painter, row, block);
+        // What takes several blocks does not stay in the cache: it must be drawn block by block.
+        const bool fits = NextBlock(*painter, part.rows.first, block) == part.rows;
+        return !fits || loader.Load(block, deadline);
+    });
+}
+
+/// From the next level if that is at hand, else from one that takes a sixteenth of the tiles.
+std::unique_ptr<ViewPainter> ViewRenderer::State::DraftPainter(const ViewRequest& request,
+                                                               const ScreenPart& part) {
+    const int top = layout.Levels() - 1, level = LevelFor(request.zoom, layout);
+    auto next = MakeDraftPainter(request, layout, std::min(level + 1, top), part.columns, part.rows);
+    TileBlock block;
+    NextBlock(*next, part.rows.first, block);
+    if (loader.Keeps(block))
+        return next;
+    return MakeDraftPainter(request, layout, std::min(level + 2, top), part.columns, part.rows);
+}
+
+void ViewRenderer::State::DrawPart(const ViewPainter& painter, Bitmap& view) {
+    const auto threads = static_cast<int>(memory->Decoders().size());
+    for (std::int32_t row = painter.Rows().first; row < painter.Rows().end;) {
+        TileBlock block;
+        const ScreenRange blockRows = NextBlock(painter, row, block);
         loader.Load(block);
-        PaintOnThreads(*painter, block, blockRows, threads, view);
+        PaintOnThreads(painter, block, blockRows, threads, view);
         row = blockRows.end;
     }
 }
 
-void ViewRenderer::State::Draw(const ViewRequest& request, Bitmap& view) {
+/// Answers whether it is whole; else it is a draft.
+bool ViewRenderer::State::Draw(const ViewRequest& request, Bitmap& view) {
     view.width = request.width;
     view.height = request.height;
     view.pixels.resize(static_cast<std::size_t>(request.width) * static_cast<std::size_t>(request.height));
     const ScreenPart shown = ShownPart(request, layout);
     ClearOutside(view, shown);
     if (shown.IsEmpty())
-        return;
+        return true;
     ScreenPart kept;
     if (const ViewMemory::Picture* const former = memory->LastOf(map)) {
         kept = KeptPart(shown, request, former->request);
         CopyKept(kept, request, former->request, *former->bitmap, view);
     }
-    for (const ScreenPart& part : PartsBeside(kept, shown))
-        DrawPart(request, part, view);
+    const std::vector<ScreenPart> parts = PartsBeside(kept, shown);
+    const bool whole = LevelFor(request.zoom, layout) + 1 == layout.Levels() || LoadInTime(request, parts);
+    for (const ScreenPart& part : parts)
+        DrawPart(whole ? *MakePainter(request, layout, part.columns, part.rows)
+                       : *DraftPainter(request, part),
+                 view);
+    return whole;
 }
 
 ViewRenderer::ViewRenderer(const PyramidLayout& layout, TileSource& source,
@@ -145,16 +179,23 @@ ViewRenderer::~ViewRenderer() {
     state_->memory->Tiles().Forget(state_->map);
 }
 
+bool ViewRenderer::IsDraft() const {
+    return state_->draft;
+}
+
 bool ViewRenderer::Render(const ViewRequest& request, std::shared_ptr<const Bitmap>& view) {
     CheckRequest(request);
-    if (state_->last == request)
+    if (state_->last == request &&
+        (!state_->draft || !state_->LoadInTime(request, {ShownPart(request, state_->layout)})))
         return false;
     state_->last.reset();
+    state_->draft = false;
     ViewMemory& memory = *state_->memory;
     try {
         ViewMemory::Picture& picture = memory.Next();
-        state_->Draw(request, *picture.bitmap);
-        picture.map = state_->map;
+        state_->draft = !state_->Draw(request, *picture.bitmap);
+        // What is not final is nothing to take over.
+        picture.map = state_->draft ? 0 : state_->map;
         picture.request = request;
         memory.KeepNext();
         view = picture.bitmap;

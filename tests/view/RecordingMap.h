@@ -23,6 +23,7 @@ public:
     bool fails = false;  ///< every question is answered by an error
     bool changed = true; ///< what it says of its answers
     int zoomsWritten = 0;
+    int drafts = 0; ///< so many of the next answers are not final
 
     std::int32_t Width() const override { return layout_.Width(); }
     std::int32_t Height() const override { return layout_.Height(); }
@@ -44,8 +45,10 @@ public:
         Bitmap bitmap(width, height);
         bitmap.pixels.assign(bitmap.pixels.size(), Colour);
         image = std::make_shared<PixelImage>(std::move(bitmap));
+        isDraft_ = drafts > 0 && drafts-- > 0;
         return true;
     }
+    bool ViewIsDraft() const override { return isDraft_; }
 
 private:
     void Fail() const {
@@ -56,4 +59,5 @@ private:
     PyramidLayout layout_;
     Palette palette_;
     double zoom_ = 1.0;
+    bool isDraft_ = false;
 };

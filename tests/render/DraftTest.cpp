@@ -1,0 +1,129 @@
+// Views whose tiles take longer than the patience.
+
+#include "component/render/ViewRenderer.h"
+#include "tests/render/DrawnMap.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds Patience{1};
+
+/// A map on a slow disk: every tile takes longer than the patience.
+class SlowMap : public DrawnMap {
+public:
+    using DrawnMap::DrawnMap;
+
+    std::vector<std::uint8_t> ReadTile(int level, std::int32_t row, std::int32_t column) override {
+        if (slow)
+            std::this_thread::sleep_for(2 * Patience);
+        levels.insert(level);
+        return DrawnMap::ReadTile(level, row, column);
+    }
+
+    bool slow = true;
+    std::set<int> levels; ///< those of which a tile was read
+};
+
+SlowMap MakeMap() {
+    return {SpeckledPicture(1200, 1000), 64, 64, PixelFormat::Rgb};
+}
+
+Bitmap Final(SlowMap& map, const ViewRequest& request) {
+    std::shared_ptr<const Bitmap> view;
+    ViewRenderer(map.Layout(), map, std::make_shared<ViewMemory>()).Render(request, view);
+    return *view;
+}
+
+/// Asks again until the view is final; how often that was.
+int Finish(ViewRenderer& renderer, const ViewRequest& request, std::shared_ptr<const Bitmap>& view) {
+    int asked = 0;
+    while (renderer.IsDraft() && asked < 1000) {
+        ++asked;
+        const bool changed = renderer.Render(request, view);
+        EXPECT_EQ(changed, !renderer.IsDraft());
+    }
+    return asked;
+}
+
+} // namespace
+
+TEST(DraftView, ShowsACoarserLevelFirstAndThenTheZoomsOwn) {
+    for (const double zoom : {0.3, 0.7, 1.0, 1.9}) {
+        SlowMap map = MakeMap();
+        ViewRenderer renderer(map.Layout(), map, std::make_shared<ViewMemory>(2, Patience));
+        const ViewRequest request{10, 20, 300, 250, zoom};
+        std::shared_ptr<const Bitmap> view;
+        ASSERT_TRUE(renderer.Render(request, view));
+        EXPECT_TRUE(renderer.IsDraft()) << zoom;
+        const int level = *map.levels.rbegin();
+        EXPECT_EQ(level, *map.levels.begin() + 2) << "far fewer tiles";
+        const Bitmap& coarse = map.Level(level);
+        for (const std::int32_t at : {0, 77, 249}) {
+            const auto pixel = [&](std::int32_t offset) {
+                return static_cast<std::int32_t>(std::nearbyint((at + offset) / zoom / (1 << level)));
+            };
+            EXPECT_EQ(view->Row(at)[at], coarse.Row(pixel(20))[pixel(10)]) << zoom << " at " << at;
+        }
+        EXPECT_GT(Finish(renderer, request, view), 1);
+        EXPECT_FALSE(renderer.IsDraft());
+        map.slow = false;
+        EXPECT_EQ(view->pixels, Final(map, request).pixels) << zoom;
+        EXPECT_FALSE(renderer.Render(request, view));
+    }
+}
+
+TEST(DraftView, TakesTheNextLevelWhenThatIsAtHand) {
+    SlowMap map = MakeMap();
+    ViewRenderer renderer(map.Layout(), map, std::make_shared<ViewMemory>(2, Patience));
+    std::shared_ptr<const Bitmap> view;
+    renderer.Render({0, 0, 300, 250, 0.5}, view);
+    Finish(renderer, {0, 0, 300, 250, 0.5}, view);
+    renderer.Render({0, 0, 300, 250, 0.8}, view);
+    ASSERT_TRUE(renderer.IsDraft());
+    EXPECT_EQ(view->Row(200)[160], map.Level(1).Row(125)[100]);
+}
+
+TEST(DraftView, ScrolledBeforeItIsFinalEndsAsOneDrawnAnew) {
+    SlowMap map = MakeMap();
+    ViewRenderer renderer(map.Layout(), map, std::make_shared<ViewMemory>(2, Patience));
+    ViewRequest request{10, 20, 300, 250, 0.7};
+    std::shared_ptr<const Bitmap> view;
+    for (int i = 0; i < 4; ++i, request.left += 50, request.top += 30) {
+        renderer.Render(request, view);
+        EXPECT_TRUE(renderer.IsDraft());
+    }
+    request.left -= 50, request.top -= 30;
+    Finish(renderer, request, view);
+    map.slow = false;
+    EXPECT_EQ(view->pixels, Final(map, request).pixels);
+}
+
+TEST(DraftView, KeepsWhatAFinalViewShowedWhenItIsScrolled) {
+    SlowMap map = MakeMap();
+    ViewRenderer renderer(map.Layout(), map, std::make_shared<ViewMemory>(2, Patience));
+    std::shared_ptr<const Bitmap> view, draft;
+    renderer.Render({0, 0, 300, 250, 1}, view);
+    Finish(renderer, {0, 0, 300, 250, 1}, view);
+    renderer.Render({0, 150, 300, 250, 1}, draft);
+    ASSERT_TRUE(renderer.IsDraft());
+    EXPECT_TRUE(std::equal(view->Row(150), view->Row(249) + 300, draft->Row(0)));
+    EXPECT_FALSE(std::equal(map.Level(0).Row(300), map.Level(0).Row(300) + 300, draft->Row(150)));
+}
+
+TEST(DraftView, IsNeverShownWithoutAPatienceOrACoarserLevel) {
+    SlowMap map = MakeMap();
+    std::shared_ptr<const Bitmap> view;
+    ViewRenderer patient(map.Layout(), map, std::make_shared<ViewMemory>(2));
+    patient.Render({0, 0, 300, 250, 1}, view);
+    EXPECT_FALSE(patient.IsDraft());
+    SlowMap small(SpeckledPicture(60, 60), 64, 64, PixelFormat::Rgb);
+    ViewRenderer single(small.Layout(), small, std::make_shared<ViewMemory>(2, Patience));
+    single.Render({0, 0, 300, 250, 1}, view);
+    EXPECT_FALSE(single.IsDraft());
+}

@@ -1,0 +1,51 @@
+// Maps that answer with a draft until their tiles are there.
+
+#include "tests/view/ViewLayout.h"
+
+#include <QTest>
+
+namespace {
+
+/// Until nothing more waits for a quiet moment, or something that never ends is plain to see.
+void ServeQuietMoments() {
+    for (int i = 0; i < 50; ++i)
+        QCoreApplication::processEvents();
+}
+
+} // namespace
+
+TEST_F(ViewLayout, AsksAgainAfterADraftUntilTheViewIsFinal) {
+    const auto map = Show(2000, 2000);
+    ServeQuietMoments();
+    map->calls.clear();
+    map->drafts = 3;
+    View().ScrollBy({100, 50});
+    ASSERT_EQ(map->calls.size(), 1U) << "not before the draft could be painted";
+    ServeQuietMoments();
+    ASSERT_EQ(map->calls.size(), 4U);
+    EXPECT_EQ(map->calls.back(), map->calls.front());
+}
+
+TEST_F(ViewLayout, WhileBusyLeavesADraftAndFinishesItAfterwards) {
+    const auto map = Show(2000, 2000);
+    ServeQuietMoments();
+    map->drafts = 2;
+    View().ScrollBy({100, 50});
+    View().SetBusy(true);
+    map->calls.clear();
+    ServeQuietMoments();
+    EXPECT_TRUE(map->calls.empty());
+    View().SetBusy(false);
+    ServeQuietMoments();
+    EXPECT_FALSE(map->ViewIsDraft());
+}
+
+TEST_F(ViewLayout, ForgetsADraftWithItsMap) {
+    const auto map = Show(2000, 2000);
+    map->drafts = 2;
+    View().ScrollBy({100, 50});
+    View().Clear();
+    map->calls.clear();
+    ServeQuietMoments();
+    EXPECT_TRUE(map->calls.empty());
+}
