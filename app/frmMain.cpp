@@ -20,6 +20,14 @@
 #include <QFileInfo>
 #include <QScopedValueRollback>
 
+namespace {
+
+/// Milliseconds before a draft is shown. What comes on top, the draft itself and the painting, is about as
+/// much again, and the window should answer within 50.
+constexpr int ViewPatience = 20;
+
+} // namespace
+
 frmMain::frmMain(bool diagnosticMode, LibraryMaker makeLibrary)
     : makeLibrary_(std::move(makeLibrary)), ui_(std::make_unique<Ui::frmMain>()) {
     state_.diagnosticMode = diagnosticMode;
@@ -115,6 +123,7 @@ PreferredTile frmMain::Tile() const {
 
 std::shared_ptr<AtlavexLibrary> frmMain::CreateLibrary() {
     LibraryOptions options;
+    options.viewPatience = ViewPatience;
     const QString folder = preferences_->TemporaryFolder();
     if (QFileInfo(folder).isDir())
         options.scratchFolder = folder.toStdString();
