@@ -30,6 +30,11 @@ frmInfo::frmInfo(QWidget* parent) : WizardForm(parent), ui_(std::make_unique<Ui:
 
 frmInfo::~frmInfo() = default;
 
+void frmInfo::Form_Load() {
+    // Enter goes on; on the link it would open the help.
+    ui_->bNext->setFocus();
+}
+
 void frmInfo::bNext_Click() {
     Confirm();
 }

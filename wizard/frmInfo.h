@@ -18,7 +18,7 @@ public:
     ~frmInfo() override;
 
 protected:
-    void Form_Load() override {}
+    void Form_Load() override;
     void bNext_Click() override;
 
 private:

@@ -173,7 +173,7 @@ TEST_F(CoordinateForm, KeepsTheExactPositionWhenTheFormatIsSwitchedAndFieldsAreL
 TEST_F(CoordinateForm, SaysOnceWhatIsNoNumberAndKeepsTheValue) {
     script
         .Expect(Form,
-                [this](QWidget& shown) {
+                [](QWidget& shown) {
                     TypeAndLeave(shown, "txtLatDecDeg", QStringLiteral("55"));
                     TypeAndLeave(shown, "txtLatDecDeg", QStringLiteral("12a"));
                     Wait();
@@ -383,6 +383,78 @@ TEST_F(CoordinateForm, LocksWhatIsGiven) {
             Click(shown, "bNext");
         }));
     }
+}
+
+TEST_F(CoordinateForm, RefusesTheLastCornerAtZeroThoughNothingCanBeEdited) {
+    form.LockX = true;
+    form.LockY = true;
+    script
+        .Expect(Form,
+                [](QWidget& shown) {
+                    Click(shown, "bNext");
+                    EXPECT_TRUE(shown.isVisible());
+                    Click(shown, "bCancel");
+                })
+        .ExpectBox(Nowhere);
+    EXPECT_FALSE(form.ShowModal());
+    form.Longitude = 1e-9; // shown as 0, but it is not
+    EXPECT_TRUE(Show([](QWidget& shown) { Click(shown, "bNext"); }));
+    EXPECT_EQ(form.Longitude, 1e-9);
+}
+
+TEST_F(CoordinateForm, IsLeftAloneWhileItsWindowOrAMenuHasTheFocus) {
+    Show([](QWidget& shown) {
+        Type(shown, "txtLonDecDeg", QStringLiteral("1x"));
+        auto& field = Find<QLineEdit>(shown, "txtLonDecDeg");
+        for (const Qt::FocusReason reason :
+             {Qt::ActiveWindowFocusReason, Qt::PopupFocusReason, Qt::MenuBarFocusReason}) {
+            QFocusEvent out(QEvent::FocusOut, reason);
+            QApplication::sendEvent(&field, &out);
+            Wait(); // a box would be one that nobody expects
+            QFocusEvent in(QEvent::FocusIn, reason);
+            QApplication::sendEvent(&field, &in);
+        }
+        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "1x");
+        QTest::keyClick(&shown, Qt::Key_Escape);
+    });
+}
+
+TEST_F(CoordinateForm, SaysWhatIsWrongOfEachFieldThatIsLeft) {
+    script
+        .Expect(Form,
+                [](QWidget& shown) {
+                    TypeAndLeave(shown, "txtX", QStringLiteral("a"));
+                    Wait();
+                    TypeAndLeave(shown, "txtY", QStringLiteral("1,5"));
+                    Wait();
+                    Click(shown, "rbDMS");
+                    TypeAndLeave(shown, "txtLatDeg", QStringLiteral("5 5"));
+                    Wait();
+                    TypeAndLeave(shown, "txtLonSec", QStringLiteral("inf"));
+                    Wait();
+                    Click(shown, "bCancel");
+                })
+        .ExpectBox(QStringLiteral("'a' is not a number!"))
+        .ExpectBox(QStringLiteral("'1,5' is not a number!"))
+        .ExpectBox(QStringLiteral("'5 5' is not a number!"))
+        .ExpectBox(QStringLiteral("'inf' is not a number!"));
+    EXPECT_FALSE(form.ShowModal());
+}
+
+TEST_F(CoordinateForm, TakesALengthInTheUnitInWhichItWasTyped) {
+    UseGrid();
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        Type(shown, "txtEasting", QStringLiteral("100"));
+        Pick(shown, "ddUnit", QStringLiteral("U.S. feet"));
+        EXPECT_EQ(Text(shown, "txtEasting"), "328.08");
+        Pick(shown, "ddUnit", QStringLiteral("Int. feet"));
+        Type(shown, "txtNorthing", QStringLiteral("1000"));
+        Pick(shown, "ddUnit", QStringLiteral("yards"));
+        EXPECT_EQ(Text(shown, "txtNorthing"), "333.33");
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.Easting, 100);
+    EXPECT_DOUBLE_EQ(form.Northing, 304.8);
 }
 
 TEST_F(CoordinateForm, SelectsTheWholeTextOfAFieldThatIsEntered) {

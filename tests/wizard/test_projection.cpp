@@ -42,6 +42,22 @@ TEST(ProjectionForm, GivesOneForLinearAndTwoForPolar) {
     }
 }
 
+TEST(ProjectionForm, IsWorkedByTheKeyboardAlone) {
+    frmProjection form;
+    ModalScript script;
+    script.Expect(QStringLiteral("frmProjection"), [](QWidget& shown) {
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&shown));
+        EXPECT_EQ(shown.focusWidget()->objectName().toStdString(), "rbCartesian");
+        QTest::keyClick(shown.focusWidget(), Qt::Key_Space);
+        EXPECT_TRUE(Find<QRadioButton>(shown, "rbCartesian").isChecked());
+        QTest::keyClick(shown.focusWidget(), Qt::Key_Right);
+        EXPECT_TRUE(Find<QRadioButton>(shown, "rbPolar").isChecked());
+        QTest::keyClick(shown.focusWidget(), Qt::Key_Return);
+    });
+    EXPECT_TRUE(form.ShowModal());
+    EXPECT_EQ(form.Projection(), 2);
+}
+
 TEST(ProjectionForm, StaysUntilAProjectionIsChosen) {
     frmProjection form;
     ModalScript script;

@@ -136,6 +136,38 @@ TEST_F(WizardInTheWindow, KeepsMarksOnTheirPixelsWhenTheMapIsScrolled) {
     EXPECT_TRUE(Viewer().Marks().empty());
 }
 
+TEST_F(WizardInTheWindow, WaitsWhileTheUserPansScrollsAndZooms) {
+    ExpectSteps("rbCartesian");
+    ClickMap({30, 40});
+    ExpectPoint(10, 50);
+    ClickMap({300, 200});
+    const auto mark = [this] { return Viewer().Marks().front().position; };
+    const auto turn = [this](Qt::KeyboardModifiers modifiers) {
+        const QPointF place(300, 200);
+        QWheelEvent event(place, Viewer().mapToGlobal(place), {}, {0, -120}, Qt::NoButton, modifiers,
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&Viewer(), &event);
+    };
+    QTest::mousePress(&Viewer(), Qt::MiddleButton, {}, {200, 150});
+    QMouseEvent drag(QEvent::MouseMove, QPointF(160, 120), Viewer().mapToGlobal(QPointF(160, 120)),
+                     Qt::NoButton, Qt::MiddleButton, Qt::NoModifier);
+    QApplication::sendEvent(&Viewer(), &drag);
+    QTest::mouseRelease(&Viewer(), Qt::MiddleButton, {}, {160, 120});
+    EXPECT_EQ(mark(), QPoint(260, 170));
+    turn(Qt::NoModifier);
+    EXPECT_EQ(mark().x(), 260);
+    EXPECT_LT(mark().y(), 170);
+    const QPoint before = mark();
+    turn(Qt::ControlModifier);
+    EXPECT_EQ(Find<QSlider>(window, "sldZoom").value(), -1);
+    // What is under the pointer stays there.
+    EXPECT_NEAR(mark().x(), 300 + (before.x() - 300) * std::exp(-0.1), 1);
+    EXPECT_NEAR(mark().y(), 200 + (before.y() - 200) * std::exp(-0.1), 1);
+    Press(Qt::Key_Down, Qt::ControlModifier);
+    EXPECT_EQ(Header(), "Wizard step 5: Click on a known coordinate");
+    EXPECT_EQ(Viewer().Marks().size(), 1U);
+}
+
 TEST_F(WizardInTheWindow, StartsAnewFromTheMenuWhileItRuns) {
     ExpectSteps("rbCartesian");
     ClickMap({30, 40});

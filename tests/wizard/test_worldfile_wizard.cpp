@@ -107,6 +107,33 @@ TEST_F(WorldfileWizard, StaysOpenUntilThereIsAGrid) {
     EXPECT_EQ(map.calls[1], "SetZone 33");
 }
 
+TEST_F(WorldfileWizard, TakesTheZoneWhereTheGridHasIt) {
+    struct Row {
+        const char* country;
+        const char* grid;
+        const char* listZone;
+        const char* identifier;
+        const char* zone;
+    };
+    for (const Row& row :
+         {Row{"United States", "State Plane (nad27)", "5202 Puerto Rico South", "30", "5202"},
+          Row{"United States", "State Plane (nad83)", "0600 Connecticut", "31", "600"},
+          Row{"Finland", "Finnish Grid", "Zone 4", "9", "0"}}) {
+        SCOPED_TRACE(row.grid);
+        map.calls.clear();
+        script.Expect(Form, [&row](QWidget& shown) {
+            Pick(shown, "ddCountry", QString::fromLatin1(row.country));
+            Pick(shown, "ddGrid", QString::fromLatin1(row.grid));
+            EXPECT_FALSE(IsShown(shown, "txtZone"));
+            Pick(shown, "ddZone", QString::fromLatin1(row.listZone));
+            Click(shown, "bNext");
+        });
+        EXPECT_TRUE(Run(map));
+        EXPECT_EQ(map.calls[0], std::string("SetGridIdentifier ") + row.identifier);
+        EXPECT_EQ(map.calls[1], std::string("SetZone ") + row.zone);
+    }
+}
+
 TEST_F(WorldfileWizard, HandsNothingOverWhenTheWorldfileIsNone) {
     for (const char* const content :
          {"", "1\n2\n3\n", "1\n2\nx\n4\n5\n6\n", "1e308\n0\n1e308\n0\n1e308\n1\n"}) {
