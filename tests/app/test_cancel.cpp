@@ -49,6 +49,30 @@ TEST_F(Cancelling, ACancelledMergeChangesNothing) {
     EXPECT_NE(State().currentMap, nullptr);
 }
 
+TEST_F(Cancelling, ACancelledNewKeyLeavesTheOldFileAndCanBeSetAgain) {
+    const std::string file = MakeLibrary("big.Atlavex", {{1500, 1200}}, 1);
+    const std::string bytes = ReadWholeFile(file);
+    Start();
+    OpenByMenu(file);
+    Expecting().Expect(QStringLiteral("frmAtlavexProperties"), [](QWidget& window) {
+        Click(window, "cbEncrypt");
+        TypeInto(window, "tbEncryptionKey", QStringLiteral("ab1"));
+        Click(window, "btnOK");
+    });
+    Choose("mnuAtlavexProperties");
+    const auto before = Names();
+    AtFirstProgress([&] { QTest::mouseClick(&CancelButton(), Qt::LeftButton); });
+    Expecting().ExpectBox(QStringLiteral("The operation was cancelled."));
+    Choose("mFileSaveAtlavex");
+    ExpectRestored();
+    EXPECT_TRUE(State().modified);
+    EXPECT_EQ(ReadWholeFile(file), bytes);
+    EXPECT_EQ(Names(), before);
+    Choose("mFileSaveAtlavex");
+    EXPECT_FALSE(State().modified);
+    ExpectHolds(file, "ab1", ContentOf(*State().objAtlavex));
+}
+
 TEST_F(Cancelling, ACancelledFirstSaveLeavesNoFile) {
     const std::string file = MakeLibrary("big.Atlavex", {{1500, 1200}}, 1);
     Start();

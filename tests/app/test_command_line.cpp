@@ -54,3 +54,19 @@ TEST_F(CommandLine, ByCommandLineAMissingFileIsSaid) {
     EXPECT_NE(State().objAtlavex, nullptr);
     EXPECT_TRUE(IsEnabled("mFileSaveAtlavex"));
 }
+
+TEST_F(CommandLine, ByCommandLineARelativePathIsOfThePresentFolder) {
+    const std::string file = MakeLibrary("two words.Atlavex", {{20, 30}});
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(std::filesystem::path(file).parent_path());
+    for (const char* const name :
+         {"two words.Atlavex", "\"two words.Atlavex\"", "./scratch/../two words.Atlavex"}) {
+        Start(QString::fromLatin1(name));
+        EXPECT_EQ(State().currentMap->Width(), 20) << name;
+        EXPECT_TRUE(State().fileName.startsWith(u'/')) << name;
+    }
+    std::filesystem::current_path(before);
+    // The path still leads to the file from elsewhere.
+    Choose("mFileSaveAtlavex");
+    EXPECT_FALSE(State().modified);
+}

@@ -68,6 +68,7 @@ TEST_F(MainWindow, StartsWithItsTextsAndOnTheMapPage) {
     EXPECT_EQ(TextOf("lbZoom"), "Zoom:");
     EXPECT_EQ(TextOf("lbZoomPercentage"), "100%");
     EXPECT_EQ(TextOf("lbSize"), "");
+    EXPECT_EQ(State().rememberedMap, -1);
     const auto& tabs = Find<QTabWidget>("tabAtlavex");
     EXPECT_EQ(tabs.count(), 2);
     EXPECT_EQ(tabs.tabText(1), QStringLiteral("Icons"));

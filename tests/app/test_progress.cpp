@@ -133,7 +133,13 @@ TEST_F(Progressing, NoCommandStartsMeanwhile) {
         QTest::keyClick(&Window(), Qt::Key_O, Qt::ControlModifier);
         QTest::keyClick(&Window(), Qt::Key_9, Qt::ControlModifier);
         QTest::mouseClick(&Find<QWidget>("viewerMap"), Qt::LeftButton, {}, QPoint(5, 5));
-        Find<QAction>("mFileNewAtlavex").trigger();
+        for (const char* const entry : {"mFileNewAtlavex", "mFileSaveAtlavex", "mFileExit", "mHelpAbout"})
+            Find<QAction>(entry).trigger();
+        // The entry that is shown, picked once more; then another way to the same.
+        Q_EMIT Find<QComboBox>("ddMaps").activated(0);
+        QTest::keyClick(&Find<QComboBox>("ddMaps"), Qt::Key_Down);
+        ClickTab(1);
+        TakeCalls();
         QMimeData data;
         data.setUrls({QUrl::fromLocalFile(QString::fromStdString(other))});
         QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
@@ -141,6 +147,8 @@ TEST_F(Progressing, NoCommandStartsMeanwhile) {
         QApplication::processEvents();
         EXPECT_EQ(State().currentMap, map);
         EXPECT_EQ(Find<QSlider>("sldZoom").value(), 0);
+        EXPECT_THAT(TakeCalls(), testing::IsEmpty());
+        EXPECT_EQ(Tabs().currentIndex(), 0);
     });
     Choose("mFileSaveAtlavex");
     QApplication::processEvents();

@@ -156,10 +156,15 @@ TEST_F(ReadingOut, BeyondTheCoordinatesIsQuiet) {
     const std::string before = At(0, 0);
     EXPECT_EQ(before, "Longitude: 170.0000000 E Latitude: 3.0000000 N");
     auto& viewer = Find<KarvelViewer>("viewerMap");
-    Q_EMIT viewer.MouseMoved(QPoint(std::numeric_limits<int>::max(), 0), Qt::NoButton, Qt::NoModifier);
-    Find<QScrollBar>("hscrollMap").setValue(100);
-    Q_EMIT viewer.MouseMoved(QPoint(std::numeric_limits<int>::max(), 0), Qt::NoButton, Qt::NoModifier);
-    EXPECT_TRUE(Window().isEnabled());
+    for (const int scrolled : {0, 100}) {
+        Find<QScrollBar>("hscrollMap").setValue(scrolled);
+        const auto image = viewer.Image();
+        Q_EMIT viewer.MouseMoved(QPoint(std::numeric_limits<int>::max(), 0), Qt::NoButton, Qt::NoModifier);
+        Q_EMIT viewer.Clicked(QPoint(std::numeric_limits<int>::max(), 0));
+        EXPECT_EQ(TextOf("lStatus"), before);
+        EXPECT_EQ(viewer.Image(), image);
+        EXPECT_EQ(Find<QScrollBar>("hscrollMap").value(), scrolled);
+    }
 }
 
 TEST_F(ReadingOut, WhileTheWizardRunsAMoveReadsNothingOut) {

@@ -1,4 +1,6 @@
 #include "tests/app/ShellFixture.h"
+#include "tests/component/OtherProgram.h"
+#include "tests/support/MountedDisk.h"
 
 namespace {
 
@@ -71,6 +73,54 @@ TEST_F(SavingFails, WhenAnotherProgramHasChangedTheFileAndSaveAsIsTheWayOut) {
     Choose("mFileSaveAtlavexAs");
     EXPECT_FALSE(State().modified);
     EXPECT_EQ(IconAt(*Open(PathOf("mine.Atlavex")), 1)->OffsetX(), 5);
+}
+
+TEST_F(SavingFails, WhileAnotherProgramHoldsTheFile) {
+    StartWithEdit();
+    {
+        const LockingProgram other(file_);
+        ExpectMessageNaming(file_);
+        Choose("mFileSaveAtlavex");
+        ExpectUnsaved();
+    }
+    Choose("mFileSaveAtlavex");
+    EXPECT_FALSE(State().modified);
+    EXPECT_EQ(IconAt(*Open(file_), 1)->OffsetX(), 5);
+}
+
+TEST_F(SavingFails, WhenTheFileIsGoneAndSaveAsIsTheWayOut) {
+    StartWithEdit();
+    std::filesystem::remove(file_);
+    ExpectMessageNaming("Use Save As to keep");
+    Choose("mFileSaveAtlavex");
+    ExpectUnsaved();
+    EXPECT_FALSE(std::filesystem::exists(file_));
+    ExpectSaveDialog(PathOf("kept.Atlavex"));
+    Choose("mFileSaveAtlavexAs");
+    EXPECT_FALSE(State().modified);
+    Edit(QStringLiteral("6"));
+    Choose("mFileSaveAtlavex");
+    EXPECT_EQ(IconAt(*Open(PathOf("kept.Atlavex")), 1)->OffsetX(), 6);
+}
+
+TEST_F(SavingFails, OnADiskThatIsReadOnly) {
+    const MountedDisk disk(PathOf("disk"), "size=4m");
+    file_ = (disk / "a.Atlavex").string();
+    std::filesystem::copy_file(MakeLibrary("a.Atlavex", {{20, 20}}, 1), file_);
+    disk.MakeReadOnly();
+    Start();
+    OpenByMenu(file_);
+    Edit();
+    ExpectMessageNaming("The file '" + file_ + "' is read-only.");
+    Choose("mFileSaveAtlavex");
+    ExpectUnsaved();
+    ExpectSaveDialog((disk / "b.Atlavex").string());
+    ExpectMessageNaming("b.Atlavex' could not be written: ");
+    Choose("mFileSaveAtlavexAs");
+    ExpectUnsaved();
+    ExpectSaveDialog(PathOf("elsewhere.Atlavex"));
+    Choose("mFileSaveAtlavexAs");
+    EXPECT_EQ(IconAt(*Open(PathOf("elsewhere.Atlavex")), 1)->OffsetX(), 5);
 }
 
 TEST_F(SavingFails, NotAfterAFailedOpenButTheReplacedFileIsKept) {

@@ -1,5 +1,6 @@
 #include "tests/app/ShellFixture.h"
 
+#include <QScrollBar>
 #include <QWheelEvent>
 
 namespace {
@@ -140,6 +141,28 @@ TEST_F(Selecting, IconsCanBeChosenWhileTheMapIsUnscaled) {
     ClickTab(1);
     Pick("ddIcons", 1);
     EXPECT_EQ(TextOf("lbSize"), "Icon size: (8, 6)");
+}
+
+TEST_F(Selecting, TheIconsBarsMoveTheIcon) {
+    const std::string file = MakeLibrary("a.Atlavex", {{20, 20}});
+    {
+        const auto library = Open(file);
+        AddIcon(*library, MakeSheet(PixelFormat::Rgb, 1500, 1300), "large");
+        library->SaveToFile(file, {});
+    }
+    StartWith(file);
+    ClickTab(1);
+    const auto& viewer = Find<KarvelViewer>("viewerIcon");
+    auto& horizontal = Find<QScrollBar>("hscrollIcon");
+    auto& vertical = Find<QScrollBar>("vscrollIcon");
+    EXPECT_EQ(horizontal.maximum(), 1500 - viewer.PixelWidth());
+    horizontal.setFocus();
+    QTest::keyClick(&horizontal, Qt::Key_End);
+    EXPECT_EQ(viewer.HorizontalPosition(), horizontal.maximum());
+    EXPECT_EQ(viewer.VerticalPosition(), 0);
+    vertical.setSliderPosition(33); // as a drag does
+    EXPECT_EQ(viewer.VerticalPosition(), 33);
+    EXPECT_EQ(Find<QScrollBar>("hscrollMap").value(), 0);
 }
 
 TEST_F(Selecting, ThePagesShowOneViewerAndItsSize) {

@@ -63,6 +63,17 @@ TEST(QuestionsWithCancel, AnswerYesOnEnterAndCancelOnEscape) {
     EXPECT_EQ(AskYesNoCancel(nullptr, QStringLiteral("Save?")), Answer::No);
 }
 
+TEST(Questions, AnswerNoOrCancelOnTheCloseButton) {
+    ModalScript script;
+    for (int time = 0; time < 3; ++time)
+        script.Expect(QStringLiteral("MessageBox"), [](QWidget& box) { box.close(); });
+    EXPECT_FALSE(AskYesNo(nullptr, QStringLiteral("Sure?")));
+    EXPECT_EQ(AskYesNoCancel(nullptr, QStringLiteral("Save?")), Answer::Cancel);
+    ShowMessage(nullptr, QStringLiteral("Done"));
+    script.Expect(QStringLiteral("InputBox"), [](QWidget& box) { box.close(); });
+    EXPECT_EQ(AskText(nullptr, QStringLiteral("Key:")), std::nullopt);
+}
+
 TEST(InputBoxes, GiveWhatWasTypedAndNothingWhenCancelled) {
     ModalScript script;
     script.ExpectInput(QStringLiteral("Key:"), QStringLiteral(" a b "));

@@ -36,8 +36,8 @@ class Screen:
             program.wait()
         self.folder.cleanup()
 
-    def start(self, *command):
-        program = subprocess.Popen(list(map(str, command)), env=self.environment)
+    def start(self, *command, folder=None):
+        program = subprocess.Popen(list(map(str, command)), env=self.environment, cwd=folder)
         self.programs.append(program)
         return program
 

@@ -126,6 +126,79 @@ def tell_open_from_the_menu(screen, folder, pictures):
     screen.picture(pictures / "empty.png")
 
 
+def quit_editor(screen, editor):
+    screen.key("ctrl+q")
+    screen.wait_for("The end of the program", lambda: editor.poll() is not None)
+    assert editor.returncode == 0, editor.returncode
+
+
+def tell_start_with_a_library(screen, folder, pictures):
+    """Named by words that nobody quoted, by a relative path, in quotes, and by a name that leads nowhere."""
+    home = folder / "two words"
+    home.mkdir()
+    library = make_library(folder).rename(home / "a small library.Atlavex")
+    words = str(library).split(" ")
+    for arguments, where in (((library,), None), (words, None), ((f'"{library}"',), None),
+                             (("two words/a small library.Atlavex",), folder),
+                             (("a", "small", "library.Atlavex"), home)):
+        editor = screen.start(EDITOR, *arguments, folder=where)
+        screen.wait_for_active(f"Quorvant Studio - {library}")
+        quit_editor(screen, editor)
+    editor = screen.start(EDITOR, "no", "library.Atlavex", folder=home)
+    screen.wait_for_active("Quorvant Studio")
+    screen.picture(pictures / "missing.png")
+    screen.key("Return")
+    screen.wait_for_active("Quorvant Studio v2.31")
+    quit_editor(screen, editor)
+
+
+def tell_two_programs_with_one_library(screen, folder, pictures):
+    """Both open it, both change it: the second to save is told so and saves under another name."""
+    library, first = open_library(screen, folder)
+    title = f"Quorvant Studio - {library}"
+    second = screen.start(EDITOR, library)
+    screen.wait_for("The second window", lambda: screen.windows().count(title) == 2)
+    screen.wait_for_active(title)
+    change_the_offset(screen)
+    screen.wait_for_active(title)
+    screen.key("ctrl+s")
+    screen.wait_for("The second program's save", lambda: offset_of(library) == (7, 0))
+    quit_editor(screen, second)
+    screen.wait_for_active(title)
+    change_the_offset(screen)
+    screen.wait_for_active(title)
+    screen.key("ctrl+s")
+    screen.wait_for_active("Quorvant Studio")
+    screen.picture(pictures / "changed.png")
+    screen.key("Return")
+    screen.wait_for_active(title)
+    mine = folder / "mine.Atlavex"
+    screen.key("ctrl+shift+s")
+    screen.wait_for_active("Save Atlavex As")
+    screen.type(str(mine))
+    screen.key("Return")
+    screen.wait_for_active(f"Quorvant Studio - {mine}")
+    quit_editor(screen, first)
+    assert offset_of(mine) == (7, 0), offset_of(mine)
+
+
+def tell_ask_for_the_guide(screen, folder, pictures):
+    """F1 hands the guide's address to the user's browser."""
+    asked = folder / "asked"
+    browser = folder / "xdg-open"
+    browser.write_text(f'#!/bin/sh\necho "$1" > {asked}\n')
+    browser.chmod(0o755)
+    screen.environment["PATH"] = f"{folder}:{screen.environment['PATH']}"
+    editor = screen.start(EDITOR)
+    screen.wait_for_active("Quorvant Studio v2.31")
+    screen.key("F1")
+    screen.wait_for("The browser", lambda: asked.exists() and asked.read_text())
+    address = asked.read_text().strip()
+    assert address.endswith("/quorvant/guide.asp?section=Studio&ref=app"), address
+    screen.wait_for_active("Quorvant Studio v2.31")
+    quit_editor(screen, editor)
+
+
 class Sheet:
     """The sample sheet, and where its pixels are on the screen."""
 
