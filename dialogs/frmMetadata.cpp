@@ -31,6 +31,22 @@ QTreeWidgetItem* MakeItem(int entry, const std::string& key, const std::string& 
     return item;
 }
 
+using Pairs = std::vector<std::pair<std::string, std::string>>;
+
+Pairs PairsOf(const Metadata& object) {
+    Pairs pairs;
+    for (std::int32_t position = 1; position <= object.MetadataCount(); ++position)
+        pairs.emplace_back(object.MetadataKeyAt(position), object.MetadataValueAt(position));
+    return pairs;
+}
+
+void PutBack(Metadata& object, const Pairs& pairs) {
+    while (object.MetadataCount() > 0)
+        object.RemoveMetadata(object.MetadataKeyAt(object.MetadataCount()));
+    for (const auto& [key, value] : pairs)
+        object.SetMetadata(key, value);
+}
+
 } // namespace
 
 frmMetadata::frmMetadata(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui::frmMetadata>()) {
@@ -209,9 +225,12 @@ void frmMetadata::WriteTo(Metadata& object) const {
 void frmMetadata::btnOK_Click() {
     if (!check_name())
         return;
+    const Pairs before = PairsOf(Object());
     try {
         WriteTo(Object());
     } catch (const ComponentError& error) {
+        // The dialog stays, and may be cancelled: then nothing has been written.
+        PutBack(Object(), before);
         ShowMessage(this, QString::fromStdString(error.Description()));
         return;
     }

@@ -2,7 +2,6 @@
 
 namespace {
 
-const auto KeyPrompt = QStringLiteral("Atlavex is encrypted. Please enter the encryption key:");
 const auto TooShort = QStringLiteral("Error: Encryption key must be longer than 4 characters");
 
 class PropertiesAndExport : public EditingTest {
@@ -80,71 +79,4 @@ TEST_F(PropertiesAndExport, WithoutAMapThereIsNothingToExport) {
     Start(QString::fromStdString(MakeLibrary("a.Atlavex", {}, 1)));
     EXPECT_TRUE(IsEnabled("mnuTileExport"));
     Choose("mnuTileExport");
-}
-
-TEST_F(PropertiesAndExport, WhatWasTypedComesBackAfterSavingAndOpening) {
-    const std::vector<QString> texts{QStringLiteral("Ålesund"),
-                                     QStringLiteral("Ελλάδα"),
-                                     QStringLiteral("Москва"),
-                                     QStringLiteral("القاهرة"),
-                                     QStringLiteral("ירושלים"),
-                                     QStringLiteral("दिल्ली"),
-                                     QStringLiteral("กรุงเทพ"),
-                                     QStringLiteral("東京 서울 北京"),
-                                     QStringLiteral("\U0001F5FA\u200D\uFE0F"),
-                                     QStringLiteral("\"'<b>&amp;\\ %1")};
-    const std::vector<const char*> fields{"tbMetaName", "tbAuthor",      "tbVersion",
-                                          "tbCreated",  "tbLastChanged", "tbDescription"};
-    const std::string file = MakeLibrary("a.Atlavex", {{20, 20}}, 1);
-    Start(QString::fromStdString(file));
-    Expecting().Expect(QStringLiteral("frmMetadata"), [&](QWidget& window) {
-        for (std::size_t i = 0; i < fields.size(); ++i)
-            Control<QLineEdit>(window, fields[i]).setText(texts[i]);
-        Control<QTabWidget>(window, "SSTab1").setCurrentIndex(1);
-        for (const QString& text : texts) {
-            Expecting().Expect(QStringLiteral("InputBox"), [text](QWidget& box) {
-                Activate(box);
-                Control<QLineEdit>(box, "txtInput").setText(text);
-                QTest::keyClick(&Control<QLineEdit>(box, "txtInput"), Qt::Key_Return);
-            });
-            Click(window, "btnAdd");
-            Control<QLineEdit>(window, "tbData").setText(text + text);
-        }
-        Click(window, "btnOK");
-    });
-    Choose("mnuMapMetaData");
-    Expecting().Expect(QStringLiteral("frmOffset"), [](QWidget& window) {
-        TypeInto(window, "txtX", QStringLiteral("-2147483648"));
-        TypeInto(window, "txtY", QStringLiteral("2147483647"));
-        Click(window, "bOK");
-    });
-    Choose("mIconsOffset");
-    EnterKey(QStringLiteral("ключ 鍵"));
-    Choose("mFileSaveAtlavex");
-
-    Expecting().Expect(QStringLiteral("InputBox"), [](QWidget& box) {
-        Activate(box);
-        EXPECT_EQ(Control<QLabel>(box, "").text(), KeyPrompt);
-        Control<QLineEdit>(box, "txtInput").setText(QStringLiteral("ключ 鍵"));
-        QTest::keyClick(&Control<QLineEdit>(box, "txtInput"), Qt::Key_Return);
-    });
-    Start(QString::fromStdString(file));
-    ASSERT_NE(State().currentMap, nullptr);
-    EXPECT_EQ(EntriesOf("ddMaps"), QStringList{texts[0]});
-    Expecting().Expect(QStringLiteral("frmMetadata"), [&](QWidget& window) {
-        for (std::size_t i = 0; i < fields.size(); ++i)
-            if (fields[i] != std::string("tbLastChanged")) { // which the save has stamped
-                EXPECT_EQ(Control<QLineEdit>(window, fields[i]).text(), texts[i]);
-            }
-        const auto& list = Control<QTreeWidget>(window, "lvCustomMeta");
-        ASSERT_EQ(list.topLevelItemCount(), static_cast<int>(texts.size()));
-        for (std::size_t i = 0; i < texts.size(); ++i) {
-            EXPECT_EQ(list.topLevelItem(static_cast<int>(i))->text(0), texts[i]);
-            EXPECT_EQ(list.topLevelItem(static_cast<int>(i))->text(1), texts[i] + texts[i]);
-        }
-        Click(window, "btnCancel");
-    });
-    Choose("mnuMapMetaData");
-    EXPECT_EQ(State().currentIcon->OffsetX(), -2147483647 - 1);
-    EXPECT_EQ(State().currentIcon->OffsetY(), 2147483647);
 }

@@ -216,13 +216,18 @@ TEST_F(MetadataDialog, IsReachedByKeysInOrder) {
 }
 
 TEST_F(MetadataDialog, SaysWhyTheTextsCannotBeWrittenAndStays) {
+    map_->SetMetadata("first", "1");
     map_->SetMetadata("huge", std::string((16 << 20) - 100, 'm'));
+    map_->SetMetadata("name", "North");
+    const Pairs before = Written();
     Run([this](QWidget& window) {
         script_.ExpectBox(QStringLiteral("The metadata of one map or icon may hold 16 megabytes at most."));
+        TypeInto(window, "tbMetaName", QStringLiteral("South"));
         TypeInto(window, "tbAuthor", QString(200, u'a'));
         ClickOK(window);
         EXPECT_TRUE(window.isVisible());
         ClickCancel(window);
     });
     EXPECT_FALSE(form_.OK());
+    EXPECT_TRUE(Written() == before) << "and in the same order";
 }
