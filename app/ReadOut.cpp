@@ -8,11 +8,26 @@
 
 namespace {
 
+constexpr int RadianDecimals = 9;
+constexpr double HalfOfLastDegreeDigit = 5e-8;
+constexpr double HalfOfLastRadianDigit = 5e-10;
+
+double Radians(double degrees) {
+    return degrees * std::numbers::pi / 180.0;
+}
+
+/// What is shown as zero is zero, and so in the east and north: arithmetic may leave a trace of a sign.
+double WithoutTrace(double degrees, AngleUnit unit) {
+    const bool isZero = unit == AngleUnit::Degrees ? std::abs(degrees) < HalfOfLastDegreeDigit
+                                                   : std::abs(Radians(degrees)) < HalfOfLastRadianDigit;
+    return isZero ? 0.0 : degrees;
+}
+
 /// The angle without its sign: the hemisphere carries it.
 QString AngleText(double degrees, const std::string& degreesText, AngleUnit unit, char hemisphere) {
     const QString number = unit == AngleUnit::Degrees
                                ? QString::fromStdString(degreesText)
-                               : QString::number(std::abs(degrees) * std::numbers::pi / 180.0, 'f', 9);
+                               : QString::number(std::abs(Radians(degrees)), 'f', RadianDecimals);
     return number + QLatin1Char(' ') + QLatin1Char(hemisphere);
 }
 
@@ -24,7 +39,7 @@ QString GridReadOut(double easting, double northing, const QLocale& locale) {
 }
 
 QString GeographicReadOut(double longitude, double latitude, AngleUnit unit) {
-    const QuorvantPosition position(longitude, latitude);
+    const QuorvantPosition position(WithoutTrace(longitude, unit), WithoutTrace(latitude, unit));
     const QuorvantPosition unsignedPosition(std::abs(longitude), std::abs(latitude));
     return QStringLiteral("Longitude: ") +
            AngleText(longitude, unsignedPosition.LongitudeText(AngleFormat::DecimalDegrees), unit,

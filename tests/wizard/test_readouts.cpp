@@ -1,3 +1,4 @@
+#include "app/ReadOut.h"
 #include "tests/coordinates/ReferenceProj.h"
 #include "tests/support/RunProgram.h"
 #include "tests/wizard/FormDriver.h"
@@ -448,4 +449,32 @@ TEST_F(SampleSheets, ReadOutTheirPrintedCrossingsAndDoSoWhenReopened) {
     EXPECT_EQ(ReadKilometres(), kilometres);
     EditorTest::Pick("ddMaps", 1);
     EXPECT_EQ(ReadMeridians(), meridians);
+}
+
+// The texts themselves. -----------------------------------------------------------------------------------
+
+TEST(ReadOutTexts, HaveSevenDecimalsOfADegreeOrNineOfARadianAndAHemisphere) {
+    struct Row {
+        double longitude;
+        double latitude;
+        AngleUnit unit;
+        const char* text;
+    };
+    for (const Row& row :
+         {Row{9.12345678, -56.5, AngleUnit::Degrees, "Longitude: 9.1234568 E Latitude: 56.5000000 S"},
+          Row{-180, 90, AngleUnit::Degrees, "Longitude: 180.0000000 W Latitude: 90.0000000 N"},
+          Row{-90, 45, AngleUnit::Radians, "Longitude: 1.570796327 W Latitude: 0.785398163 N"},
+          // The equator and the first meridian, and the nearest that is shown beside them.
+          Row{-1e-15, -4e-8, AngleUnit::Degrees, "Longitude: 0.0000000 E Latitude: 0.0000000 N"},
+          Row{-6e-8, -1e-7, AngleUnit::Degrees, "Longitude: 0.0000001 W Latitude: 0.0000001 S"},
+          Row{-2e-8, -6e-8, AngleUnit::Radians, "Longitude: 0.000000000 E Latitude: 0.000000001 S"}})
+        EXPECT_EQ(GeographicReadOut(row.longitude, row.latitude, row.unit).toStdString(), row.text);
+}
+
+TEST(ReadOutTexts, HaveLengthsRoundedToEvenInTheUsersDigits) {
+    const QLocale german(QLocale::German, QLocale::Germany);
+    EXPECT_EQ(GridReadOut(500000.125, -0.375, QLocale::c()).toStdString(),
+              "(meters) Easting: 500000.12 Northing: -0.38");
+    EXPECT_EQ(GridReadOut(1234567.5, -0.001, german).toStdString(),
+              "(meters) Easting: 1234567,5 Northing: 0");
 }

@@ -248,6 +248,24 @@ TEST_F(GivingUp, AFailureThatEscapesTheScalingLeavesTheMapAsItWas) {
     EXPECT_FALSE(map->IsScaled());
 }
 
+TEST_F(GivingUp, ChoosingTheSameMapAgainOrSavingLeavesTheWizardAlone) {
+    OpenScaled();
+    ExpectSystem("rbCartesian");
+    Choose("mBitmapScalingWizard");
+    GivePoint(1);
+    const std::size_t marks = Viewer().Marks().size();
+    EditorTest::Pick("ddMaps", 0);
+    Choose("mFileSaveAtlavex");
+    EXPECT_EQ(TextOf("lHeader"), "Wizard step 5: Click on a known coordinate");
+    EXPECT_EQ(Viewer().Marks().size(), marks);
+    GivePoint(2);
+    ExpectPoint(Corner(3));
+    Expecting().ExpectBox(ScalingCompleted());
+    ClickPixel(Corner(3).pixel);
+    ExpectNoWizard();
+    EXPECT_EQ(ReadOutAt({20, 20}), "Longitude: 10.0000000 E Latitude: 60.0000000 N");
+}
+
 TEST_F(GivingUp, AnotherCommandThatTakesTheMapAwayEndsTheWizard) {
     const std::string other = MakeLibrary("other.Atlavex", {{100, 100}});
     OpenScaled();
