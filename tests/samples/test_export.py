@@ -11,6 +11,7 @@ import unittest
 from pathlib import Path
 
 import numpy as np
+import pyproj
 from osgeo import gdal
 from PIL import Image
 
@@ -22,6 +23,7 @@ _SCRIPT = Path(__file__).resolve().parents[2] / "samples" / "make_sheets.py"
 _ATLAVEX = None
 _WIDTH, _HEIGHT = 1200, 900  # of the browser's page
 _FARTHEST_DRAG = 500
+_SHEETS = ("sheet-rgb.tif", "polar.png", "sheet-palette.tif")  # in the order of the exports
 
 
 class Exported(unittest.TestCase):
@@ -38,10 +40,12 @@ class Exported(unittest.TestCase):
         cls._run("new", "lib.Atlavex")
         cls._run("add-map", "lib.Atlavex", "sheet-rgb.tif", "--grid", sheet["grid"], "--zone", str(sheet["zone"]),
                  "--worldfile", "sheet-rgb.tfw")
+        cls._run("add-map", "lib.Atlavex", "sheet-palette.tif", "--grid", sheet["grid"], "--zone", str(sheet["zone"]),
+                 "--worldfile", "sheet-palette.tfw")
         corners = [word for corner in polar["corners"] for word in ("--corner", corner)]
         cls._run("add-map", "lib.Atlavex", "polar.png", "--datum", polar["datum"], *corners)
         cls.exports = []
-        for position in ("1", "2"):
+        for position in ("1", "3", "2"):
             target = cls.folder / f"tiles{position}"
             target.mkdir()
             cls._run("export-tiles", "lib.Atlavex", position, "--to", str(target))
@@ -115,8 +119,39 @@ class Exported(unittest.TestCase):
         reference = mosaic.GetSpatialRef()
         self.assertEqual((reference.GetUTMZone(), reference.GetAttrValue("DATUM")), (33, "WGS_1984"))
 
+    def test_gdal_finds_the_polar_sheets_degrees(self):
+        mosaic, polar = gdal.Open(str(self.exports[1] / "map.vrt")), self.truth["polar"]
+        self.assertTrue(mosaic.GetGCPSpatialRef().IsGeographic())
+        proj, first = pyproj.Proj(polar["projection"]), polar["crossings"][0]
+        origin = proj(first["longitude"], first["latitude"])
+        checked = 0
+        for point in mosaic.GetGCPs():
+            if not (10 <= point.GCPX <= 50 and 66 <= point.GCPY <= 78):
+                continue  # beyond the four corners
+            east, north = (part - start for part, start in zip(proj(point.GCPX, point.GCPY), origin))
+            # The corners stand half a pixel off at most, and GDAL counts from the corner of a pixel.
+            self.assertAlmostEqual(first["x"] + east / polar["metres_per_pixel"], point.GCPPixel - 0.5, delta=1)
+            self.assertAlmostEqual(first["y"] - north / polar["metres_per_pixel"], point.GCPLine - 0.5, delta=1)
+            checked += 1
+        self.assertGreater(checked, 20)
+
+    def test_gdal_reads_the_sheets_from_the_mosaic_pixel_for_pixel(self):
+        for export, name in zip(self.exports, _SHEETS):
+            mosaic = gdal.Open(str(export / "map.vrt"))
+            with Image.open(self.folder / name) as picture:
+                self.assertEqual((mosaic.RasterXSize, mosaic.RasterYSize), picture.size)
+                np.testing.assert_array_equal(self._colours(mosaic), np.asarray(picture.convert("RGB")))
+
+    @staticmethod
+    def _colours(mosaic):
+        table = mosaic.GetRasterBand(1).GetColorTable()
+        if table is None:
+            return np.dstack([mosaic.GetRasterBand(band).ReadAsArray() for band in (1, 2, 3)])
+        colours = np.array([table.GetColorEntry(entry)[:3] for entry in range(table.GetCount())], np.uint8)
+        return colours[mosaic.GetRasterBand(1).ReadAsArray()]
+
     def test_the_largest_levels_tiles_are_the_sheet_pixel_for_pixel(self):
-        for export, name in zip(self.exports, ("sheet-rgb.tif", "polar.png")):
+        for export, name in zip(self.exports, _SHEETS):
             description = json.loads((export / "tiles.json").read_text(encoding="utf-8"))
             largest = description["levels"][-1]
             whole = Image.new("RGB", (description["width"], description["height"]))
