@@ -1,7 +1,8 @@
 // What editing costs in a library of many maps and icons: bench_editing [MAPS ICONS]. Drives the real main
 // window without a screen. For each step the 99th percentile and the median of the time from the user's last
 // click to the window's being ready again, in milliseconds, are printed; for a quarter, half and twice as
-// many maps and icons, too, so that the growth can be seen.
+// many maps and icons, too, so that the growth can be seen. Then the time from the menu entry to the metadata
+// dialog of a map with many texts, drawn and ready.
 
 #include "app/frmMain.h"
 
@@ -28,8 +29,8 @@ namespace {
 constexpr int Rounds = 100;
 constexpr int Side = 64; ///< pixels of every image: the number of objects is what counts
 
-/// Makes and saves a library of so many scaled maps and icons.
-QString MakeLibrary(const QString& folder, int maps, int icons) {
+/// Makes and saves a library of so many scaled maps, each with so many texts of its own, and icons.
+QString MakeLibrary(const QString& folder, int maps, int icons, int texts = 0) {
     const QString image = folder + QStringLiteral("/image.png");
     QImage picture(Side, Side, QImage::Format_RGB32);
     picture.fill(Qt::darkGreen);
@@ -39,6 +40,8 @@ QString MakeLibrary(const QString& folder, int maps, int icons) {
         const auto map =
             library->AddMapFromImageFile(image.toStdString(), "Map " + std::to_string(i), Side, Side);
         map->SetIdentifier(std::to_string(i));
+        for (int text = 0; text < texts; ++text)
+            map->SetMetadata("Key " + std::to_string(text), "Text " + std::to_string(text));
         map->SetScalingThreePoints({0, 0, 0, 0}, {1, 0, Side, 0}, {0, 1, 0, Side});
     }
     for (int i = 0; i < icons; ++i)
@@ -95,6 +98,14 @@ public:
         std::printf("\n");
     }
 
+    void RunMetadata(int texts) {
+        Times opening;
+        for (int round = 0; round < Rounds; ++round)
+            opening.Add(OpenDialog("mnuMapMetaData"));
+        std::printf("metadata %6d | opening %6.2f / %6.2f\n", texts, opening.Percentile(0.99),
+                    opening.Percentile(0.5));
+    }
+
 private:
     static double Clock(const std::function<void()>& step) {
         QElapsedTimer timer;
@@ -123,6 +134,21 @@ private:
         return static_cast<double>(timer.nsecsElapsed()) / 1e6;
     }
 
+    /// The time until the menu entry's dialog has been drawn; it is closed at once.
+    double OpenDialog(const char* entry) {
+        QElapsedTimer timer;
+        double opened = 0;
+        const auto act = [&] {
+            QApplication::processEvents();
+            opened = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+            QApplication::activeModalWidget()->close();
+        };
+        QMetaObject::invokeMethod(&window_, act, Qt::QueuedConnection);
+        timer.start();
+        window_.findChild<QAction*>(QLatin1String(entry))->trigger();
+        return opened;
+    }
+
     frmMain window_;
 };
 
@@ -132,6 +158,12 @@ void Bench(int maps, int icons) {
     Editing editing(file);
     editing.Run("ddMaps", "mBitmapRename", "mnuMapMetaData", "mBitmapDelete");
     editing.Run("ddIcons", "mIconsRenameIcons", "mnuIconMetaData", "mIconsDeleteIcon");
+}
+
+void BenchMetadata(int texts) {
+    const QTemporaryDir folder;
+    const QString file = MakeLibrary(folder.path(), 1, 0, texts);
+    Editing(file).RunMetadata(texts);
 }
 
 } // namespace
@@ -149,5 +181,7 @@ int main(int argc, char** argv) {
     std::printf("%-15s | selecting       | renaming        | refilling       | deleting\n", "list, entries");
     for (const int quarters : {1, 2, 4, 8})
         Bench(maps * quarters / 4, icons * quarters / 4);
+    for (const int texts : {1000, 2000})
+        BenchMetadata(texts);
     return 0;
 }
