@@ -9,7 +9,8 @@
 int main(int argc, char** argv) {
     const TempFolder home;
     const QByteArray folder = QByteArray::fromStdString(home.Path().string());
-    for (const char* const name : {"HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"})
+    for (const char* const name :
+         {"HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"})
         qputenv(name, folder);
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
