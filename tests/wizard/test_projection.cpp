@@ -7,6 +7,45 @@
 #include <QPlainTextEdit>
 #include <QRadioButton>
 
+namespace {
+
+const std::array<std::vector<std::string>, 4> CornerTexts{{
+    {"Select a coordinate to the upper left"},
+    {"Select a coordinate to the lower left",
+     "This coordinate must have the same longitude (or easting) as Coordinate 1"},
+    {"Select a coordinate to the upper right",
+     "This coordinate must have the same latitude (or northing) as Coordinate 1"},
+    {"Select a coordinate to the lower right",
+     "This coordinate must have the same latitude (or northing) as Coordinate 2",
+     "And it must have the same longitude (or easting) as Coordinate 3"},
+}};
+
+/// The texts of a frame from its top down.
+std::vector<std::string> TextsDownIn(QWidget& frame) {
+    std::map<int, std::string> byHeight;
+    for (const auto* const label : frame.findChildren<QLabel*>())
+        byHeight[label->mapTo(&frame, QPoint(0, 0)).y()] = label->text().toStdString();
+    std::vector<std::string> texts;
+    for (const auto& [y, text] : byHeight)
+        texts.push_back(text);
+    return texts;
+}
+
+/// Each shows something, and something else than the others.
+void ExpectPictures(QWidget& shown, const std::vector<const char*>& names) {
+    std::vector<QImage> pictures;
+    for (const char* const name : names) {
+        const QImage picture = Find<QWidget>(shown, name).grab().toImage();
+        QImage plain = picture;
+        plain.fill(picture.pixelColor(0, 0));
+        EXPECT_NE(picture, plain) << name;
+        EXPECT_EQ(std::find(pictures.begin(), pictures.end(), picture), pictures.end()) << name;
+        pictures.push_back(picture);
+    }
+}
+
+} // namespace
+
 TEST(ProjectionForm, OpensWithNothingChosen) {
     frmProjection form;
     ModalScript script;
@@ -18,6 +57,7 @@ TEST(ProjectionForm, OpensWithNothingChosen) {
         EXPECT_EQ(Find<QRadioButton>(shown, "rbPolar").text().toStdString(), "Polar");
         EXPECT_FALSE(Find<QRadioButton>(shown, "rbCartesian").isChecked());
         EXPECT_FALSE(Find<QRadioButton>(shown, "rbPolar").isChecked());
+        ExpectPictures(shown, {"imgCartesian", "imgPolar"});
         EXPECT_EQ(
             Find<QPlainTextEdit>(shown, "txtHelp").toPlainText().toStdString(),
             "In this step you select how the longitude / latitude or easting / northing lines are drawn on "
@@ -77,23 +117,14 @@ TEST(InfoForm, TellsHowToClickTheCorners) {
     ModalScript script;
     script.Expect(QStringLiteral("frmInfo"), [](QWidget& shown) {
         EXPECT_EQ(shown.windowTitle().toStdString(), "Wizard: How to click");
-        std::vector<std::string> texts;
-        for (const auto* const label : shown.findChildren<QLabel*>())
-            texts.push_back(label->text().toStdString());
-        EXPECT_THAT(texts,
-                    ::testing::UnorderedElementsAre(
-                        "After this dialog you will be asked to calibrate the map using 4 coordinates",
-                        "Select a coordinate to the upper left", "Select a coordinate to the lower left",
-                        "This coordinate must have the same longitude (or easting) as Coordinate 1",
-                        "Select a coordinate to the upper right",
-                        "This coordinate must have the same latitude (or northing) as Coordinate 1",
-                        "Select a coordinate to the lower right",
-                        "This coordinate must have the same latitude (or northing) as Coordinate 2",
-                        "And it must have the same longitude (or easting) as Coordinate 3", "Help"));
-        for (int number = 1; number <= 4; ++number)
-            EXPECT_EQ(
-                Find<QGroupBox>(shown, ("Frame" + std::to_string(number)).c_str()).title().toStdString(),
-                "Coordinate " + std::to_string(number));
+        EXPECT_EQ(Find<QLabel>(shown, "Label1").text().toStdString(),
+                  "After this dialog you will be asked to calibrate the map using 4 coordinates");
+        for (int number = 1; number <= 4; ++number) {
+            auto& frame = Find<QGroupBox>(shown, ("Frame" + std::to_string(number)).c_str());
+            EXPECT_EQ(frame.title().toStdString(), "Coordinate " + std::to_string(number));
+            EXPECT_EQ(TextsDownIn(frame), CornerTexts.at(static_cast<std::size_t>(number - 1)));
+        }
+        ExpectPictures(shown, {"imgCorner1", "imgCorner2", "imgCorner3", "imgCorner4"});
         Click(shown, "bNext");
     });
     form.ShowModal();

@@ -163,7 +163,10 @@ TEST_F(WizardInTheWindow, WaitsWhileTheUserPansScrollsAndZooms) {
     // What is under the pointer stays there.
     EXPECT_NEAR(mark().x(), 300 + (before.x() - 300) * std::exp(-0.1), 1);
     EXPECT_NEAR(mark().y(), 200 + (before.y() - 200) * std::exp(-0.1), 1);
+    FocusMap();
+    const int scrolled = Find<QScrollBar>(window, "vscrollMap").value();
     Press(Qt::Key_Down, Qt::ControlModifier);
+    EXPECT_GT(Find<QScrollBar>(window, "vscrollMap").value(), scrolled);
     EXPECT_EQ(Header(), "Wizard step 5: Click on a known coordinate");
     EXPECT_EQ(Viewer().Marks().size(), 1U);
 }
