@@ -5,6 +5,8 @@
 
 #include <QShowEvent>
 
+#include <limits>
+
 namespace {
 
 constexpr int PresetTile = 2; ///< "256"
@@ -19,6 +21,8 @@ frmNewMap::frmNewMap(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui
     // A wrapped text's lines depend on its width, which a layout in a frame does not always take into
     // account.
     ui_->lbWarning->setMinimumHeight(ui_->lbWarning->heightForWidth(ui_->lbWarning->minimumWidth()));
+    for (QLineEdit* const field : {ui_->tbName, ui_->tbDescription})
+        field->setMaxLength(std::numeric_limits<int>::max()); // a text that is pasted shall not be cut
     FillCombo(*ui_->ddTileWidth, TileSides);
     FillCombo(*ui_->ddTileHeight, TileSides);
     connect(ui_->btnOK, &QPushButton::clicked, this, &frmNewMap::btnOK_Click);

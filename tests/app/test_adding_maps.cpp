@@ -106,6 +106,67 @@ TEST_F(AddingMaps, IsRefusedWhileTheCurrentMapIsNotScaled) {
     EXPECT_EQ(State().objAtlavex->MapCount(), 1);
 }
 
+TEST_F(AddingMaps, IsRefusedBeforeAnythingElseIsTouched) {
+    Start();
+    ExpectMapFile(ImageNamed("a.png"));
+    ExpectSettingsAccepted();
+    Expecting().Expect(QStringLiteral("frmSelectDatumGrid"), [](QWidget& window) { Click(window, "bNext"); });
+    Expecting().Expect(QStringLiteral("frmProjection"), [](QWidget& window) {
+        QTest::keyClick(&Control<QRadioButton>(window, "rbCartesian"), Qt::Key_Space);
+        Click(window, "bNext");
+    });
+    Choose("mBitmapNew");
+    const std::string prompt = TextOf("lHeader");
+    EXPECT_NE(prompt, "");
+    Expecting().ExpectBox(NotScaledYet);
+    Choose("mBitmapNew");
+    EXPECT_EQ(TextOf("lHeader"), prompt) << "the wizard goes on";
+}
+
+TEST_F(AddingMaps, OffersTheKindsOfImagesInTheirOrder) {
+    const auto expectFilters = [this](const char* title, const QStringList& filters) {
+        Expecting().Expect(QStringLiteral("FileDialog"), [title, filters](QWidget& window) {
+            const auto& dialog = dynamic_cast<QFileDialog&>(window);
+            EXPECT_EQ(dialog.windowTitle(), QLatin1String(title));
+            const auto& kinds = Control<QComboBox>(window, "fileTypeCombo");
+            QStringList shown;
+            for (int kind = 0; kind < kinds.count(); ++kind)
+                shown.append(kinds.itemText(kind));
+            EXPECT_EQ(shown, filters);
+            EXPECT_EQ(dialog.fileMode(), QFileDialog::ExistingFile);
+            QTest::keyClick(&window, Qt::Key_Escape);
+        });
+    };
+    Start();
+    expectFilters("Open new bitmap",
+                  {"All supported formats (*.bmp; *.gif; *.jpg; *.tif; *.png)", "Bitmaps (*.bmp)",
+                   "Gif (*.gif)", "TIFF (*.tif)", "JPEG (*.jpg)", "PNG (*.png)", "All files (*.*)"});
+    Choose("mBitmapNew");
+    expectFilters("Open new icon", {"All supported formats (*.bmp; *.gif; *.jpg; *.tif)", "Bitmaps (*.bmp)",
+                                    "Gif (*.gif)", "TIFF (*.tif)", "JPEG (*.jpg)", "All files (*.*)"});
+    Choose("mIconsNewIcon");
+}
+
+TEST_F(AddingMaps, ShowsTheHourglassAndTakesNoCommandWhileTheImageIsRead) {
+    Start();
+    ExpectMapFile(ImageNamed("big.png", 1500, 1500));
+    ExpectSettingsAccepted();
+    ExpectWizardGivenUp();
+    int events = 0;
+    Probe().progressed = [&](float) {
+        ++events;
+        ASSERT_NE(QApplication::overrideCursor(), nullptr);
+        EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+        EXPECT_TRUE(State().busy);
+        EXPECT_FALSE(Window().isEnabled());
+        EXPECT_EQ(State().objAtlavex->MapCount(), 0);
+    };
+    Choose("mBitmapNew");
+    EXPECT_GT(events, 0);
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    EXPECT_EQ(State().objAtlavex->MapCount(), 1);
+}
+
 TEST_F(AddingMaps, ASecondMapComesLastAndIsCurrentAndTheMapsPageShows) {
     Start(QString::fromStdString(MakeLibrary("a.Atlavex", {{20, 20}, {30, 30}}, 1)));
     EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");

@@ -81,6 +81,18 @@ TEST_F(EditingCommands, RenamingAnIconKeepsItsOtherTexts) {
     EXPECT_EQ(TextOf("lbSize"), "Bitmap size: (20, 20)") << "the maps' page is shown";
 }
 
+TEST_F(EditingCommands, AnIconWithoutANameOfItsOwnIsRenamedFromTheOneItCameWith) {
+    StartWith({{20, 20}}, 1);
+    State().currentIcon->SetMetadata("name", "");
+    ExpectMetadata([](QWidget& window) {
+        EXPECT_EQ(Control<QLineEdit>(window, "tbMetaName").text(), QStringLiteral("icon1"));
+        Rename(window, QStringLiteral("icon1"));
+    });
+    Choose("mIconsRenameIcons");
+    EXPECT_EQ(State().currentIcon->GetMetadata("name"), "icon1");
+    EXPECT_FALSE(State().modified) << "the name shown is the same";
+}
+
 TEST_F(EditingCommands, RenamingAnIconToItsOwnNameIsNoChange) {
     StartWith({{20, 20}}, 1);
     ExpectMetadata([](QWidget& window) { Rename(window, QStringLiteral("icon1")); });
@@ -211,6 +223,33 @@ TEST_F(EditingCommands, AnOffsetIsWrittenWhenItDiffers) {
         Click(window, "bCancel");
     });
     Choose("mIconsOffset");
+}
+
+TEST_F(EditingCommands, AnOffsetNeedsAnIcon) {
+    Start();
+    // The entry is disabled without one: only who calls the handler itself sees the sentence.
+    Find<QAction>("mIconsOffset").setEnabled(true);
+    Expecting().ExpectBox(QStringLiteral("No icon selected"));
+    Find<QAction>("mIconsOffset").trigger();
+    EXPECT_FALSE(State().modified);
+    EXPECT_FALSE(IsEnabled("mIconsOffset"));
+}
+
+TEST_F(EditingCommands, AnOffsetThatIsNoNumberChangesNeitherValue) {
+    StartWith({{20, 20}}, 1);
+    ExpectOffset([this](QWidget& window) {
+        TypeInto(window, "txtX", QStringLiteral("5"));
+        for (const char* const text : {"seven", "99999999999", "1e400"}) {
+            Expecting().ExpectBox(QStringLiteral("'%1' is not a number!").arg(QLatin1String(text)));
+            TypeInto(window, "txtY", QLatin1String(text));
+            Click(window, "bOK");
+        }
+        QTest::keyClick(&window, Qt::Key_Escape);
+    });
+    Choose("mIconsOffset");
+    EXPECT_EQ(State().currentIcon->OffsetX(), 0);
+    EXPECT_EQ(State().currentIcon->OffsetY(), 0);
+    EXPECT_FALSE(State().modified);
 }
 
 TEST_F(EditingCommands, MetadataOfAMapMarksTheLibraryOnOK) {

@@ -85,6 +85,17 @@ TEST_F(NewMap, GivesBackWhatWasTypedAndChosen) {
     EXPECT_EQ(form_.TileHeight(), 64);
 }
 
+TEST_F(NewMap, CutsNoTextThatIsPasted) {
+    const QString megabyte(1 << 20, u'm');
+    Run([&megabyte](QWidget& window) {
+        Control<QLineEdit>(window, "tbName").setText(megabyte);
+        Control<QLineEdit>(window, "tbDescription").setText(megabyte);
+        Click(window, "btnOK");
+    });
+    EXPECT_TRUE(form_.Name() == megabyte);
+    EXPECT_TRUE(form_.Description() == megabyte);
+}
+
 TEST_F(NewMap, EnterIsOK) {
     Run([](QWidget& window) { QTest::keyClick(&Control<QLineEdit>(window, "tbName"), Qt::Key_Return); });
     EXPECT_TRUE(form_.OK());

@@ -96,7 +96,9 @@ TEST_F(Offset, StaysOpenWhenAFieldHoldsNoNumber) {
     ExpectRefused("txtY", QStringLiteral("12a"));
     ExpectRefused("txtX", QStringLiteral("2147483648"));
     ExpectRefused("txtY", QStringLiteral("-2147483649"));
-    ExpectRefused("txtX", QStringLiteral("inf"));
+    for (const char* const text :
+         {"inf", "nan", "1e400", "99999999999999999999", "0x10", "--5", "5 5", "1,000", " "})
+        ExpectRefused("txtX", QLatin1String(text));
     ExpectRefused("txtX", QStringLiteral("<b>1</b>"));
     EXPECT_EQ(form_.OffsetX(), 1);
     EXPECT_EQ(form_.OffsetY(), 2);
