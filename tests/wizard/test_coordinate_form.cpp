@@ -1,6 +1,4 @@
-#include "tests/support/desktop/ModalScript.h"
-#include "tests/wizard/FormDriver.h"
-#include "wizard/frmCoordinate.h"
+#include "tests/wizard/CoordinateFormTest.h"
 
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -8,32 +6,11 @@
 
 namespace {
 
-const auto Form = QStringLiteral("frmCoordinate");
 const auto Nowhere = QStringLiteral("You must enter a geografic position!");
 
-class CoordinateForm : public ::testing::Test {
-protected:
-    /// Shows the form once; the answer is whether it was confirmed.
-    bool Show(const std::function<void(QWidget&)>& act) {
-        script.Expect(Form, act);
-        return form.ShowModal();
-    }
-
-    void UseGrid() {
-        form.UseGrid = true;
-        form.UseLonLat = false;
-    }
-
-    ModalScript script;
-    frmCoordinate form;
-};
+using CoordinateForm = CoordinateFormTest;
 
 const auto Cancel = [](QWidget& shown) { Click(shown, "bCancel"); };
-
-/// Lets what a focus change put off be said.
-void Wait() {
-    QApplication::processEvents();
-}
 
 } // namespace
 
@@ -170,126 +147,9 @@ TEST_F(CoordinateForm, KeepsTheExactPositionWhenTheFormatIsSwitchedAndFieldsAreL
     EXPECT_EQ(form.Longitude, -12.987654321098);
 }
 
-TEST_F(CoordinateForm, SaysOnceWhatIsNoNumberAndKeepsTheValue) {
-    script
-        .Expect(Form,
-                [](QWidget& shown) {
-                    TypeAndLeave(shown, "txtLatDecDeg", QStringLiteral("55"));
-                    TypeAndLeave(shown, "txtLatDecDeg", QStringLiteral("12a"));
-                    Wait();
-                    EXPECT_EQ(Text(shown, "txtLatDecDeg"), "12a");
-                    EXPECT_EQ(Text(shown, "txtLatDeg"), "55");
-                    Click(shown, "bNext");
-                })
-        .ExpectBox(QStringLiteral("'12a' is not a number!"));
-    EXPECT_TRUE(form.ShowModal());
-    EXPECT_EQ(form.Latitude, 55);
-}
-
-TEST_F(CoordinateForm, StaysOpenWhenNextIsClickedStraightFromABadField) {
-    form.Latitude = 55;
-    script
-        .Expect(Form,
-                [](QWidget& shown) {
-                    Type(shown, "txtLonDecDeg", QStringLiteral("<b>x</b>"));
-                    Click(shown, "bNext");
-                    Wait();
-                    EXPECT_TRUE(shown.isVisible());
-                    EXPECT_FALSE(Find<QAbstractButton>(shown, "bNext").isDown());
-                    Click(shown, "bCancel");
-                })
-        .ExpectBox(QStringLiteral("'<b>x</b>' is not a number!"));
-    EXPECT_FALSE(form.ShowModal());
-}
-
-TEST_F(CoordinateForm, StaysOpenWhenTheBoxComesWhileNextIsStillPressed) {
-    form.Latitude = 55;
-    script
-        .Expect(Form,
-                [](QWidget& shown) {
-                    Type(shown, "txtLonDecDeg", QStringLiteral("x"));
-                    auto& next = Find<QAbstractButton>(shown, "bNext");
-                    QTest::mousePress(&next, Qt::LeftButton);
-                    Wait(); // the box comes and goes
-                    QTest::mouseRelease(&next, Qt::LeftButton);
-                    Wait();
-                    EXPECT_TRUE(shown.isVisible());
-                    Click(shown, "bCancel");
-                })
-        .ExpectBox(QStringLiteral("'x' is not a number!"));
-    EXPECT_FALSE(form.ShowModal());
-}
-
-TEST_F(CoordinateForm, StaysOpenWhenNextIsHeldDownOnAValueThatCannotBe) {
-    form.Latitude = 55;
-    EXPECT_FALSE(Show([](QWidget& shown) {
-        Type(shown, "txtLonDecDeg", QStringLiteral("361"));
-        auto& next = Find<QAbstractButton>(shown, "bNext");
-        QTest::mousePress(&next, Qt::LeftButton);
-        Wait();
-        QTest::mouseRelease(&next, Qt::LeftButton);
-        EXPECT_TRUE(shown.isVisible());
-        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "0");
-        Click(shown, "bCancel");
-    }));
-}
-
-TEST_F(CoordinateForm, ChecksTheFieldWhenEnterIsPressedInIt) {
-    script
-        .Expect(Form,
-                [](QWidget& shown) {
-                    Type(shown, "txtLonDecDeg", QStringLiteral("1x"));
-                    QTest::keyClick(&Find<QLineEdit>(shown, "txtLonDecDeg"), Qt::Key_Return);
-                    Wait();
-                    EXPECT_TRUE(shown.isVisible());
-                    Type(shown, "txtLonDecDeg", QStringLiteral("12"));
-                    QTest::keyClick(&Find<QLineEdit>(shown, "txtLonDecDeg"), Qt::Key_Return);
-                })
-        .ExpectBox(QStringLiteral("'1x' is not a number!"));
-    EXPECT_TRUE(form.ShowModal());
-    EXPECT_EQ(form.Longitude, 12);
-}
-
-TEST_F(CoordinateForm, LeavesWithoutAWordByEscapeFromABadField) {
-    EXPECT_FALSE(Show([](QWidget& shown) {
-        Type(shown, "txtLonDecDeg", QStringLiteral("1x"));
-        QTest::keyClick(&Find<QLineEdit>(shown, "txtLonDecDeg"), Qt::Key_Escape);
-        Wait();
-    }));
-    EXPECT_TRUE(Show([](QWidget& shown) {
-        Type(shown, "txtLonDecDeg", QStringLiteral("1"));
-        Click(shown, "bNext");
-    }));
-}
-
-TEST_F(CoordinateForm, ReadsAnEmptyFieldAsZero) {
-    form.Latitude = 55;
-    form.Longitude = 12;
-    EXPECT_TRUE(Show([](QWidget& shown) {
-        TypeAndLeave(shown, "txtLonDecDeg", QString());
-        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "0");
-        Click(shown, "bNext");
-    }));
-    EXPECT_EQ(form.Longitude, 0);
-}
-
-TEST_F(CoordinateForm, PutsBackWhatNoPositionCanBe) {
-    form.Latitude = 55;
-    EXPECT_FALSE(Show([](QWidget& shown) {
-        TypeAndLeave(shown, "txtLatDecDeg", QStringLiteral("91"));
-        EXPECT_EQ(Text(shown, "txtLatDecDeg"), "55");
-        Type(shown, "txtLonDecDeg", QStringLiteral("361"));
-        Click(shown, "bNext");
-        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "0");
-        TypeAndLeave(shown, "txtX", QStringLiteral("3e9"));
-        EXPECT_EQ(Text(shown, "txtX"), "0");
-        Click(shown, "bCancel");
-    }));
-}
-
 TEST_F(CoordinateForm, RefusesThePlaceWhereBothAreZero) {
     script
-        .Expect(Form,
+        .Expect(Name(),
                 [](QWidget& shown) {
                     Click(shown, "bNext");
                     EXPECT_TRUE(shown.isVisible());
@@ -300,7 +160,7 @@ TEST_F(CoordinateForm, RefusesThePlaceWhereBothAreZero) {
     EXPECT_TRUE(form.ShowModal());
     UseGrid();
     script
-        .Expect(Form,
+        .Expect(Name(),
                 [](QWidget& shown) {
                     Click(shown, "bNext");
                     EXPECT_TRUE(shown.isVisible());
@@ -311,17 +171,6 @@ TEST_F(CoordinateForm, RefusesThePlaceWhereBothAreZero) {
     EXPECT_TRUE(form.ShowModal());
     EXPECT_EQ(form.Easting, 0);
     EXPECT_EQ(form.Northing, -1);
-}
-
-TEST_F(CoordinateForm, RoundsTypedPixelsDown) {
-    form.Latitude = 1;
-    EXPECT_TRUE(Show([](QWidget& shown) {
-        TypeAndLeave(shown, "txtX", QStringLiteral("12.9"));
-        Type(shown, "txtY", QStringLiteral("-0.5"));
-        Click(shown, "bNext");
-    }));
-    EXPECT_EQ(form.PixelX, 12);
-    EXPECT_EQ(form.PixelY, -1);
 }
 
 TEST_F(CoordinateForm, ConvertsLengthsAndRemembersTheUnit) {
@@ -389,7 +238,7 @@ TEST_F(CoordinateForm, RefusesTheLastCornerAtZeroThoughNothingCanBeEdited) {
     form.LockX = true;
     form.LockY = true;
     script
-        .Expect(Form,
+        .Expect(Name(),
                 [](QWidget& shown) {
                     Click(shown, "bNext");
                     EXPECT_TRUE(shown.isVisible());
@@ -400,45 +249,6 @@ TEST_F(CoordinateForm, RefusesTheLastCornerAtZeroThoughNothingCanBeEdited) {
     form.Longitude = 1e-9; // shown as 0, but it is not
     EXPECT_TRUE(Show([](QWidget& shown) { Click(shown, "bNext"); }));
     EXPECT_EQ(form.Longitude, 1e-9);
-}
-
-TEST_F(CoordinateForm, IsLeftAloneWhileItsWindowOrAMenuHasTheFocus) {
-    Show([](QWidget& shown) {
-        Type(shown, "txtLonDecDeg", QStringLiteral("1x"));
-        auto& field = Find<QLineEdit>(shown, "txtLonDecDeg");
-        for (const Qt::FocusReason reason :
-             {Qt::ActiveWindowFocusReason, Qt::PopupFocusReason, Qt::MenuBarFocusReason}) {
-            QFocusEvent out(QEvent::FocusOut, reason);
-            QApplication::sendEvent(&field, &out);
-            Wait(); // a box would be one that nobody expects
-            QFocusEvent in(QEvent::FocusIn, reason);
-            QApplication::sendEvent(&field, &in);
-        }
-        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "1x");
-        QTest::keyClick(&shown, Qt::Key_Escape);
-    });
-}
-
-TEST_F(CoordinateForm, SaysWhatIsWrongOfEachFieldThatIsLeft) {
-    script
-        .Expect(Form,
-                [](QWidget& shown) {
-                    TypeAndLeave(shown, "txtX", QStringLiteral("a"));
-                    Wait();
-                    TypeAndLeave(shown, "txtY", QStringLiteral("1,5"));
-                    Wait();
-                    Click(shown, "rbDMS");
-                    TypeAndLeave(shown, "txtLatDeg", QStringLiteral("5 5"));
-                    Wait();
-                    TypeAndLeave(shown, "txtLonSec", QStringLiteral("inf"));
-                    Wait();
-                    Click(shown, "bCancel");
-                })
-        .ExpectBox(QStringLiteral("'a' is not a number!"))
-        .ExpectBox(QStringLiteral("'1,5' is not a number!"))
-        .ExpectBox(QStringLiteral("'5 5' is not a number!"))
-        .ExpectBox(QStringLiteral("'inf' is not a number!"));
-    EXPECT_FALSE(form.ShowModal());
 }
 
 TEST_F(CoordinateForm, TakesALengthInTheUnitInWhichItWasTyped) {
@@ -455,71 +265,6 @@ TEST_F(CoordinateForm, TakesALengthInTheUnitInWhichItWasTyped) {
     }));
     EXPECT_EQ(form.Easting, 100);
     EXPECT_DOUBLE_EQ(form.Northing, 304.8);
-}
-
-TEST_F(CoordinateForm, SelectsTheWholeTextOfAFieldThatIsEntered) {
-    form.PixelX = 1234;
-    Show([](QWidget& shown) {
-        for (const char* const name : {"txtX", "txtLatDecDeg"}) {
-            auto& field = Find<QLineEdit>(shown, name);
-            Click(shown, name);
-            EXPECT_EQ(field.selectedText(), field.text()) << name;
-            QTest::keyClick(&field, Qt::Key_Tab);
-        }
-        auto* const entered = qobject_cast<QLineEdit*>(QApplication::focusWidget());
-        ASSERT_NE(entered, nullptr);
-        EXPECT_EQ(entered->selectedText(), entered->text());
-        Click(shown, "bCancel");
-    });
-}
-
-TEST_F(CoordinateForm, TakesAWholeCoordinateThatIsPasted) {
-    EXPECT_TRUE(Show([](QWidget& shown) {
-        Paste(shown, "txtLonDecDeg", QStringLiteral("55°40'34\"N 12°34'08\"E"));
-        EXPECT_EQ(Text(shown, "txtLatDecDeg"), "55.6761111");
-        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "12.5688889");
-        Click(shown, "rbDMS");
-        Paste(shown, "txtLatSec", QStringLiteral("-55.5 12.25"));
-        EXPECT_EQ(Text(shown, "txtLatMin"), "30");
-        EXPECT_EQ(Text(shown, "txtLonMin"), "15");
-        Click(shown, "bNext");
-    }));
-    EXPECT_EQ(form.Latitude, -55.5);
-    EXPECT_EQ(form.Longitude, 12.25);
-    UseGrid();
-    EXPECT_TRUE(Show([](QWidget& shown) {
-        Paste(shown, "txtNorthing", QStringLiteral("32633 6173000"));
-        EXPECT_EQ(Text(shown, "txtEasting"), "32633");
-        EXPECT_EQ(Text(shown, "txtNorthing"), "6173000");
-        Click(shown, "bNext");
-    }));
-    EXPECT_EQ(form.Easting, 32633);
-    EXPECT_EQ(form.Northing, 6173000);
-}
-
-TEST_F(CoordinateForm, PastesIntoUnlockedFieldsOnlyAndOtherTextsAsTheyAre) {
-    form.LockX = true;
-    form.Longitude = 9;
-    script
-        .Expect(Form,
-                [](QWidget& shown) {
-                    Paste(shown, "txtLatDecDeg", QStringLiteral("55.5 12.5"));
-                    EXPECT_EQ(Text(shown, "txtLatDecDeg"), "55.5");
-                    EXPECT_EQ(Text(shown, "txtLonDecDeg"), "9");
-                    Paste(shown, "txtLatDecDeg", QStringLiteral("91 12.5"));
-                    EXPECT_EQ(Text(shown, "txtLatDecDeg"), "91 12.5");
-                    Click(shown, "bNext");
-                    Wait();
-                    // What is typed key by key is never taken for a pair.
-                    Type(shown, "txtLatDecDeg", QStringLiteral("44 1"));
-                    EXPECT_EQ(Text(shown, "txtLatDecDeg"), "44 1");
-                    Paste(shown, "txtLatDecDeg", QStringLiteral("44.25"));
-                    Click(shown, "bNext");
-                })
-        .ExpectBox(QStringLiteral("'91 12.5' is not a number!"));
-    EXPECT_TRUE(form.ShowModal());
-    EXPECT_EQ(form.Latitude, 44.25);
-    EXPECT_EQ(form.Longitude, 9);
 }
 
 TEST_F(CoordinateForm, SwitchesFieldsBetweenEntriesWithoutCarryingOldTextsOver) {

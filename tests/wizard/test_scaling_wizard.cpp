@@ -1,6 +1,5 @@
 #include "base/ComponentError.h"
 #include "component/AtlavexLibrary.h"
-#include "tests/support/RunProgram.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/desktop/ModalScript.h"
 #include "tests/wizard/FormDriver.h"
@@ -9,8 +8,6 @@
 
 #include <QImage>
 #include <QLabel>
-
-#include <sstream>
 
 namespace {
 
@@ -288,83 +285,7 @@ protected:
     std::shared_ptr<AtlavexMap> sheet;
 };
 
-struct GridSheet {
-    const char* country;
-    const char* grid;
-    const char* zone;
-    const char* epsg;
-    double easting; ///< of pixel (0, 0), in the unit
-    double northing;
-    const char* unit;
-    double metres; ///< a unit of `unit`
-};
-
-/// Longitude and latitude on the grid's own datum, as PROJ computes them from the published definition.
-std::pair<double, double> ProjLonLat(const std::string& epsg, double easting, double northing) {
-    const std::string program =
-        "import sys, pyproj\n"
-        "crs = pyproj.CRS.from_epsg(int(sys.argv[1]))\n"
-        "t = pyproj.Transformer.from_crs(crs, crs.geodetic_crs, always_xy=True)\n"
-        "f = crs.axis_info[0].unit_conversion_factor\n"
-        "print('%.12f %.12f' % t.transform(float(sys.argv[2]) / f, float(sys.argv[3]) / f))\n";
-    std::ostringstream east;
-    std::ostringstream north;
-    east.precision(17);
-    north.precision(17);
-    east << easting;
-    north << northing;
-    const ProgramResult result =
-        RunProgram({"/usr/bin/python3", "-c", program, epsg, east.str(), north.str()});
-    EXPECT_EQ(result.status, 0) << result.err;
-    std::istringstream words(result.out);
-    std::pair<double, double> place;
-    words >> place.first >> place.second;
-    return place;
-}
-
 } // namespace
-
-TEST_F(ScaledSheet, ReadsOutWhatWasTypedAndWhatProjMakesOfIt) {
-    const std::vector<GridSheet> sheets{
-        {"International", "UTM North (wgs84)", "32", "32632", 500000, 6200000, "meters", 1},
-        {"Germany", "German Grid (Potsdam)", "3", "31467", 3500000, 5600000, "yards", 0.9144},
-        {"Switzerland", "Swiss Grid (ch1903)", "", "21781", 600000, 200000, "meters", 1},
-        {"The Netherlands", "Dutch Grid (Amersfoort)", "", "28992", 155000, 463000, "Int. feet", 0.3048},
-        {"United States", "State Plane (nad83)", "0101 Alabama East", "26929", 656000, 1000000, "U.S. feet",
-         0.30480061},
-    };
-    for (const GridSheet& row : sheets) {
-        SCOPED_TRACE(row.grid);
-        clsScalingWizard run(nullptr);
-        ExpectGrid(QString::fromLatin1(row.country), QString::fromLatin1(row.grid),
-                   QString::fromLatin1(row.zone));
-        ExpectProjection("rbCartesian");
-        ASSERT_TRUE(run.DoSelectDatumGrid());
-        const double east = row.unit == std::string_view("yards") ? row.easting / row.metres : row.easting;
-        const double north = row.unit == std::string_view("yards") ? row.northing / row.metres : row.northing;
-        for (const auto& [x, y] : {std::pair{0, 0}, std::pair{399, 0}, std::pair{0, 299}}) {
-            script.Expect(PointForm, [&, x = x, y = y](QWidget& shown) {
-                Pick(shown, "ddUnit", QString::fromLatin1(row.unit));
-                Type(shown, "txtEasting", QString::number(east + 10 * x, 'f', 6));
-                Type(shown, "txtNorthing", QString::number(north - 10 * y, 'f', 6));
-                Click(shown, "bNext");
-            });
-            ASSERT_TRUE(run.DoDefineCoordinate(x, y));
-        }
-        run.ScaleMap(sheet.get());
-        ASSERT_TRUE(sheet->IsScaled());
-        EXPECT_TRUE(sheet->HasGrid());
-        const WorldPosition world = sheet->PixelToWorld({200, 150});
-        EXPECT_NEAR(world.x, (east + 2000) * row.metres, 1e-5);
-        EXPECT_NEAR(world.y, (north - 1500) * row.metres, 1e-5);
-        const Georeference& georeference = sheet->MapGeoreference();
-        const GridProjection projection(*georeference.grid, *georeference.datum);
-        const LonLat place = projection.Inverse({world.x, world.y});
-        const auto [longitude, latitude] = ProjLonLat(row.epsg, world.x, world.y);
-        EXPECT_NEAR(place.longitude, longitude, 1e-8);
-        EXPECT_NEAR(place.latitude, latitude, 1e-8);
-    }
-}
 
 TEST_F(ScaledSheet, ReadsOutTheCornersOfAPolarSheet) {
     ExpectDatum(QStringLiteral("International"), QStringLiteral("WGS84"));

@@ -1,0 +1,246 @@
+#include "tests/wizard/CoordinateFormTest.h"
+
+// What happens when a field is entered, typed into and left.
+
+namespace {
+
+using CoordinateFields = CoordinateFormTest;
+
+/// Lets what a focus change put off be said.
+void Wait() {
+    QApplication::processEvents();
+}
+
+} // namespace
+
+TEST_F(CoordinateFields, SaysOnceWhatIsNoNumberAndKeepsTheValue) {
+    script
+        .Expect(Name(),
+                [](QWidget& shown) {
+                    TypeAndLeave(shown, "txtLatDecDeg", QStringLiteral("55"));
+                    TypeAndLeave(shown, "txtLatDecDeg", QStringLiteral("12a"));
+                    Wait();
+                    EXPECT_EQ(Text(shown, "txtLatDecDeg"), "12a");
+                    EXPECT_EQ(Text(shown, "txtLatDeg"), "55");
+                    Click(shown, "bNext");
+                })
+        .ExpectBox(QStringLiteral("'12a' is not a number!"));
+    EXPECT_TRUE(form.ShowModal());
+    EXPECT_EQ(form.Latitude, 55);
+}
+
+TEST_F(CoordinateFields, StaysOpenWhenNextIsClickedStraightFromABadField) {
+    form.Latitude = 55;
+    script
+        .Expect(Name(),
+                [](QWidget& shown) {
+                    Type(shown, "txtLonDecDeg", QStringLiteral("<b>x</b>"));
+                    Click(shown, "bNext");
+                    Wait();
+                    EXPECT_TRUE(shown.isVisible());
+                    EXPECT_FALSE(Find<QAbstractButton>(shown, "bNext").isDown());
+                    Click(shown, "bCancel");
+                })
+        .ExpectBox(QStringLiteral("'<b>x</b>' is not a number!"));
+    EXPECT_FALSE(form.ShowModal());
+}
+
+TEST_F(CoordinateFields, StaysOpenWhenTheBoxComesWhileNextIsStillPressed) {
+    form.Latitude = 55;
+    script
+        .Expect(Name(),
+                [](QWidget& shown) {
+                    Type(shown, "txtLonDecDeg", QStringLiteral("x"));
+                    auto& next = Find<QAbstractButton>(shown, "bNext");
+                    QTest::mousePress(&next, Qt::LeftButton);
+                    Wait(); // the box comes and goes
+                    QTest::mouseRelease(&next, Qt::LeftButton);
+                    Wait();
+                    EXPECT_TRUE(shown.isVisible());
+                    Click(shown, "bCancel");
+                })
+        .ExpectBox(QStringLiteral("'x' is not a number!"));
+    EXPECT_FALSE(form.ShowModal());
+}
+
+TEST_F(CoordinateFields, StaysOpenWhenNextIsHeldDownOnAValueThatCannotBe) {
+    form.Latitude = 55;
+    EXPECT_FALSE(Show([](QWidget& shown) {
+        Type(shown, "txtLonDecDeg", QStringLiteral("361"));
+        auto& next = Find<QAbstractButton>(shown, "bNext");
+        QTest::mousePress(&next, Qt::LeftButton);
+        Wait();
+        QTest::mouseRelease(&next, Qt::LeftButton);
+        EXPECT_TRUE(shown.isVisible());
+        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "0");
+        Click(shown, "bCancel");
+    }));
+}
+
+TEST_F(CoordinateFields, ChecksTheFieldWhenEnterIsPressedInIt) {
+    script
+        .Expect(Name(),
+                [](QWidget& shown) {
+                    Type(shown, "txtLonDecDeg", QStringLiteral("1x"));
+                    QTest::keyClick(&Find<QLineEdit>(shown, "txtLonDecDeg"), Qt::Key_Return);
+                    Wait();
+                    EXPECT_TRUE(shown.isVisible());
+                    Type(shown, "txtLonDecDeg", QStringLiteral("12"));
+                    QTest::keyClick(&Find<QLineEdit>(shown, "txtLonDecDeg"), Qt::Key_Return);
+                })
+        .ExpectBox(QStringLiteral("'1x' is not a number!"));
+    EXPECT_TRUE(form.ShowModal());
+    EXPECT_EQ(form.Longitude, 12);
+}
+
+TEST_F(CoordinateFields, LeavesWithoutAWordByEscapeFromABadField) {
+    EXPECT_FALSE(Show([](QWidget& shown) {
+        Type(shown, "txtLonDecDeg", QStringLiteral("1x"));
+        QTest::keyClick(&Find<QLineEdit>(shown, "txtLonDecDeg"), Qt::Key_Escape);
+        Wait();
+    }));
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        Type(shown, "txtLonDecDeg", QStringLiteral("1"));
+        Click(shown, "bNext");
+    }));
+}
+
+TEST_F(CoordinateFields, ReadsAnEmptyFieldAsZero) {
+    form.Latitude = 55;
+    form.Longitude = 12;
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        TypeAndLeave(shown, "txtLonDecDeg", QString());
+        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "0");
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.Longitude, 0);
+}
+
+TEST_F(CoordinateFields, PutsBackWhatNoPositionCanBe) {
+    form.Latitude = 55;
+    EXPECT_FALSE(Show([](QWidget& shown) {
+        TypeAndLeave(shown, "txtLatDecDeg", QStringLiteral("91"));
+        EXPECT_EQ(Text(shown, "txtLatDecDeg"), "55");
+        Type(shown, "txtLonDecDeg", QStringLiteral("361"));
+        Click(shown, "bNext");
+        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "0");
+        TypeAndLeave(shown, "txtX", QStringLiteral("3e9"));
+        EXPECT_EQ(Text(shown, "txtX"), "0");
+        Click(shown, "bCancel");
+    }));
+}
+
+TEST_F(CoordinateFields, RoundsTypedPixelsDown) {
+    form.Latitude = 1;
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        TypeAndLeave(shown, "txtX", QStringLiteral("12.9"));
+        Type(shown, "txtY", QStringLiteral("-0.5"));
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.PixelX, 12);
+    EXPECT_EQ(form.PixelY, -1);
+}
+
+TEST_F(CoordinateFields, IsLeftAloneWhileItsWindowOrAMenuHasTheFocus) {
+    Show([](QWidget& shown) {
+        Type(shown, "txtLonDecDeg", QStringLiteral("1x"));
+        auto& field = Find<QLineEdit>(shown, "txtLonDecDeg");
+        for (const Qt::FocusReason reason :
+             {Qt::ActiveWindowFocusReason, Qt::PopupFocusReason, Qt::MenuBarFocusReason}) {
+            QFocusEvent out(QEvent::FocusOut, reason);
+            QApplication::sendEvent(&field, &out);
+            Wait(); // a box would be one that nobody expects
+            QFocusEvent in(QEvent::FocusIn, reason);
+            QApplication::sendEvent(&field, &in);
+        }
+        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "1x");
+        QTest::keyClick(&shown, Qt::Key_Escape);
+    });
+}
+
+TEST_F(CoordinateFields, SaysWhatIsWrongOfEachFieldThatIsLeft) {
+    script
+        .Expect(Name(),
+                [](QWidget& shown) {
+                    TypeAndLeave(shown, "txtX", QStringLiteral("a"));
+                    Wait();
+                    TypeAndLeave(shown, "txtY", QStringLiteral("1,5"));
+                    Wait();
+                    Click(shown, "rbDMS");
+                    TypeAndLeave(shown, "txtLatDeg", QStringLiteral("5 5"));
+                    Wait();
+                    TypeAndLeave(shown, "txtLonSec", QStringLiteral("inf"));
+                    Wait();
+                    Click(shown, "bCancel");
+                })
+        .ExpectBox(QStringLiteral("'a' is not a number!"))
+        .ExpectBox(QStringLiteral("'1,5' is not a number!"))
+        .ExpectBox(QStringLiteral("'5 5' is not a number!"))
+        .ExpectBox(QStringLiteral("'inf' is not a number!"));
+    EXPECT_FALSE(form.ShowModal());
+}
+
+TEST_F(CoordinateFields, SelectsTheWholeTextOfAFieldThatIsEntered) {
+    form.PixelX = 1234;
+    Show([](QWidget& shown) {
+        for (const char* const name : {"txtX", "txtLatDecDeg"}) {
+            auto& field = Find<QLineEdit>(shown, name);
+            Click(shown, name);
+            EXPECT_EQ(field.selectedText(), field.text()) << name;
+            QTest::keyClick(&field, Qt::Key_Tab);
+        }
+        auto* const entered = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+        ASSERT_NE(entered, nullptr);
+        EXPECT_EQ(entered->selectedText(), entered->text());
+        Click(shown, "bCancel");
+    });
+}
+
+TEST_F(CoordinateFields, TakesAWholeCoordinateThatIsPasted) {
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        Paste(shown, "txtLonDecDeg", QStringLiteral("55°40'34\"N 12°34'08\"E"));
+        EXPECT_EQ(Text(shown, "txtLatDecDeg"), "55.6761111");
+        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "12.5688889");
+        Click(shown, "rbDMS");
+        Paste(shown, "txtLatSec", QStringLiteral("-55.5 12.25"));
+        EXPECT_EQ(Text(shown, "txtLatMin"), "30");
+        EXPECT_EQ(Text(shown, "txtLonMin"), "15");
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.Latitude, -55.5);
+    EXPECT_EQ(form.Longitude, 12.25);
+    UseGrid();
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        Paste(shown, "txtNorthing", QStringLiteral("32633 6173000"));
+        EXPECT_EQ(Text(shown, "txtEasting"), "32633");
+        EXPECT_EQ(Text(shown, "txtNorthing"), "6173000");
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.Easting, 32633);
+    EXPECT_EQ(form.Northing, 6173000);
+}
+
+TEST_F(CoordinateFields, PastesIntoUnlockedFieldsOnlyAndOtherTextsAsTheyAre) {
+    form.LockX = true;
+    form.Longitude = 9;
+    script
+        .Expect(Name(),
+                [](QWidget& shown) {
+                    Paste(shown, "txtLatDecDeg", QStringLiteral("55.5 12.5"));
+                    EXPECT_EQ(Text(shown, "txtLatDecDeg"), "55.5");
+                    EXPECT_EQ(Text(shown, "txtLonDecDeg"), "9");
+                    Paste(shown, "txtLatDecDeg", QStringLiteral("91 12.5"));
+                    EXPECT_EQ(Text(shown, "txtLatDecDeg"), "91 12.5");
+                    Click(shown, "bNext");
+                    Wait();
+                    // What is typed key by key is never taken for a pair.
+                    Type(shown, "txtLatDecDeg", QStringLiteral("44 1"));
+                    EXPECT_EQ(Text(shown, "txtLatDecDeg"), "44 1");
+                    Paste(shown, "txtLatDecDeg", QStringLiteral("44.25"));
+                    Click(shown, "bNext");
+                })
+        .ExpectBox(QStringLiteral("'91 12.5' is not a number!"));
+    EXPECT_TRUE(form.ShowModal());
+    EXPECT_EQ(form.Latitude, 44.25);
+    EXPECT_EQ(form.Longitude, 9);
+}
