@@ -107,6 +107,7 @@ void LibraryObject::SaveHere(Progress& progress) {
 
 void LibraryObject::SaveAnew(const std::filesystem::path& target, std::shared_ptr<const Envelope> form,
                              Progress& progress) {
+    disposal_.Wait(); // the new file may need the space
     NewFileRequest request;
     request.target = target;
     request.form = form;
@@ -115,6 +116,7 @@ void LibraryObject::SaveAnew(const std::filesystem::path& target, std::shared_pt
     // Should the new file not open afterwards, the old one that is open is no longer what stands there.
     if (request.replaced != nullptr)
         request.placed = [this] { file_.reset(); };
+    request.discard = [this](std::shared_ptr<void> leftover) { disposal_.Take(std::move(leftover)); };
     request.generation = file_ ? file_->Header().generation + 1 : 1;
     std::unique_ptr<LibraryFile> saved;
     try {

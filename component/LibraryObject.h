@@ -3,6 +3,7 @@
 #include "component/AtlavexLibrary.h"
 #include "component/IconObject.h"
 #include "component/MapObject.h"
+#include "component/storage/Disposal.h"
 #include "component/storage/LibraryFile.h"
 #include "component/storage/RememberedKey.h"
 
@@ -81,4 +82,5 @@ private:
     std::unique_ptr<Transaction> direct_; ///< open while new tiles stand in the library file unsaved
     std::map<std::int64_t, std::shared_ptr<MapObject>> mapObjects_;
     std::map<std::int64_t, std::shared_ptr<IconObject>> iconObjects_;
+    Disposal disposal_;
 };

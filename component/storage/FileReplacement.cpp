@@ -4,6 +4,7 @@
 #include "component/storage/Sealing.h"
 
 #include <array>
+#include <utility>
 
 namespace {
 
@@ -104,7 +105,11 @@ void FileReplacement::Sync() {
 }
 
 FileReplacement::~FileReplacement() {
-    if (!placed_)
+    GiveUp();
+}
+
+void FileReplacement::GiveUp() noexcept {
+    if (std::exchange(isTemporary_, false))
         files_->Remove(temporary_);
 }
 
@@ -131,5 +136,5 @@ void FileReplacement::TakePlace(bool keepFormer) {
     if (keepFormer && std::filesystem::exists(std::filesystem::symlink_status(target_, ignored)))
         KeepFormer();
     files_->Replace(temporary_, target_);
-    placed_ = true;
+    isTemporary_ = false;
 }

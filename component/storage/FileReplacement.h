@@ -28,6 +28,8 @@ public:
     /// Puts the temporary in the target's place. A file that stood there is kept as NAME.bak, NAME.bak2, …
     /// when `keepFormer` says so.
     void TakePlace(bool keepFormer);
+    /// Takes the temporary's name away at once; its space stays taken as long as the object lives.
+    void GiveUp() noexcept;
 
 private:
     void KeepFormer();
@@ -38,5 +40,5 @@ private:
     std::filesystem::path target_;
     std::filesystem::path temporary_;
     std::unique_ptr<FileSystem::LockedFile> locked_;
-    bool placed_ = false;
+    bool isTemporary_ = true; ///< it has its name still
 };

@@ -51,23 +51,40 @@ std::int64_t NewFileWork(const LibraryState& state) {
     return work;
 }
 
+/// The new file while it is built under its temporary name.
+struct Filling {
+    Filling(const std::shared_ptr<FileSystem>& files, const std::filesystem::path& target)
+        : replacement(files, target) {}
+
+    FileReplacement replacement;
+    std::shared_ptr<Container> container;
+    std::unique_ptr<Transaction> transaction;
+};
+
 /// Fills the temporary and closes it again; gives the header that it has now.
-FileHeader Fill(const FileReplacement& replacement, const NewFileRequest& request,
-                LibraryWriterResult& result, const LibraryState& state, const NumberSource& numbers,
-                Progress& progress) {
-    auto database =
-        std::make_unique<Database>(replacement.Temporary(), Database::Mode::Fill, request.target.string());
+FileHeader Fill(Filling& filling, const NewFileRequest& request, LibraryWriterResult& result,
+                const LibraryState& state, const NumberSource& numbers, Progress& progress) {
+    auto database = std::make_unique<Database>(filling.replacement.Temporary(), Database::Mode::Fill,
+                                               request.target.string());
     CreateLibrarySchema(*database);
-    const auto container = std::make_shared<Container>(std::move(database), request.form);
-    LibraryWriter writer(container, {}, state);
+    filling.container = std::make_shared<Container>(std::move(database), request.form);
+    LibraryWriter writer(filling.container, {}, state);
     FileHeader header;
     header.generation = request.generation;
     header.nextNumber = numbers.Next();
-    Transaction transaction(container->File());
+    filling.transaction = std::make_unique<Transaction>(filling.container->File());
     writer.Write(header, progress);
-    transaction.Commit();
+    filling.transaction->Commit();
     result = writer.TakeResult();
+    filling.transaction.reset();
+    filling.container.reset();
     return header;
+}
+
+/// A cancelled file loses its name now; to undo and free what was written takes longer.
+void DiscardCancelled(std::shared_ptr<Filling> filling, const NewFileRequest& request) {
+    filling->replacement.GiveUp();
+    request.discard(std::move(filling));
 }
 
 /// Reads the new file back before anything is given up for it: what a full or failing disk swallowed without
@@ -110,12 +127,20 @@ std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& fi
             held = std::make_unique<Transaction>(request.replaced->File());
         request.replaced->RequireUnchanged();
     }
-    FileReplacement replacement(files, request.target);
+    auto filling = std::make_shared<Filling>(files, request.target);
+    FileReplacement& replacement = filling->replacement;
     LibraryWriterResult result;
-    const FileHeader header = Fill(replacement, request, result, state, numbers, progress);
-    replacement.Sync();
-    ReadBack(replacement, request, progress);
-    progress.ThrowIfCancelled();
+    FileHeader header;
+    try {
+        header = Fill(*filling, request, result, state, numbers, progress);
+        replacement.Sync();
+        ReadBack(replacement, request, progress);
+        progress.ThrowIfCancelled();
+    } catch (const ComponentError& error) {
+        if (error.Number() == ErrorNumber::Cancelled)
+            DiscardCancelled(std::move(filling), request);
+        throw;
+    }
     if (request.replaced != nullptr && !held) {
         // All of it stands in the new file. Its journal must go first: it would be rolled into that one.
         request.begun->reset();

@@ -28,6 +28,8 @@ struct NewFileRequest {
     std::int64_t generation = 0;
     /// Called once the new file stands at the target, before it is opened there. Must not throw.
     std::function<void()> placed = [] {};
+    /// Takes what a cancelled save has written: a file without a name, perhaps large. Must not throw.
+    std::function<void(std::shared_ptr<void>)> discard = [](const std::shared_ptr<void>&) {};
 };
 
 /// Builds the file beside its target, makes it durable, reads it back and puts it in place; then the state's

@@ -226,6 +226,43 @@ TEST_F(LibraryEvents, ACancelAtAnyLaterMomentEndsWhollyBeforeOrAfter) {
     }
 }
 
+TEST_F(LibraryEvents, ACancelledSaveLeavesNoNameAtOnceAndNoOpenFileInTheEnd) {
+    // To free what was written may go on behind the call: until the next save, or the library's end.
+    const auto openFiles = [] {
+        std::vector<std::string> targets;
+        for (const auto& descriptor : std::filesystem::directory_iterator("/proc/self/fd")) {
+            std::error_code gone;
+            targets.push_back(std::filesystem::read_symlink(descriptor.path(), gone).string());
+        }
+        return std::count_if(targets.begin(), targets.end(),
+                             [](const std::string& target) { return target.ends_with(" (deleted)"); });
+    };
+    const auto deletedBefore = openFiles();
+    const auto names = Names();
+    auto library = OpenWithWork();
+    library->AddMapFromImageFile(ImageOf(MakeSheet(PixelFormat::Rgb, 2000, 1500)), "large", 64, 64);
+    const LibraryContent content = ContentOf(*library);
+    for (int moment = 2; moment < 12; ++moment) {
+        int seen = 0;
+        library->OnProgress = [&](float) {
+            if (++seen == moment)
+                library->CancelOperation();
+        };
+        const Outcome outcome = OutcomeOf([&] { library->SaveToFile(PathOf("copy.Atlavex"), "new"); });
+        library->OnProgress = nullptr;
+        EXPECT_EQ(outcome.code == 0, std::filesystem::exists(PathOf("copy.Atlavex")));
+        std::filesystem::remove(PathOf("copy.Atlavex"));
+        EXPECT_EQ(Names(), names);
+        EXPECT_EQ(ContentOf(*library), content);
+        if (outcome.code == 0)
+            break;
+    }
+    library->SaveToFile(PathOf("other.Atlavex"), "new");
+    ExpectHolds(PathOf("other.Atlavex"), "new", content);
+    library.reset();
+    EXPECT_EQ(openFiles(), deletedBefore);
+}
+
 TEST_F(LibraryEvents, ACancelledDirectAddLeavesNothingInTheFile) {
     const LibraryContent content = ContentOf(*Open(file_, "key"));
     const auto library = OpenDirectly(file_, "key");
