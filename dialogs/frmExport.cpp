@@ -1,6 +1,5 @@
 #include "dialogs/frmExport.h"
 
-#include "base/ComponentError.h"
 #include "component/AtlavexMap.h"
 #include "dialogs/ExportNames.h"
 #include "platform/modBrowseFolder.h"
@@ -12,6 +11,8 @@
 
 #include <QScopedValueRollback>
 #include <QShowEvent>
+
+#include <exception>
 
 namespace {
 
@@ -87,11 +88,11 @@ void frmExport::btnExport_Click() {
         ui_->btnCancel->setEnabled(false);
         ui_->btnExport->setEnabled(false);
         ExportTiles(folder);
-    } catch (const ComponentError& error) {
+    } catch (const std::exception& error) {
         ui_->btnCancel->setEnabled(true);
         ui_->btnExport->setEnabled(true);
         ui_->btnExport->setFocus();
-        ShowMessage(this, QString::fromStdString(error.Description()));
+        ShowMessage(this, QString::fromUtf8(error.what()));
         return;
     }
     ShowMessage(this, QStringLiteral("Tile Image Export completed!"));

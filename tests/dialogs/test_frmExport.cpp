@@ -223,6 +223,11 @@ TEST_F(Export, CancelledIsAFailureWithItsOwnSentence) {
     ExpectFailure(Output(), QStringLiteral("The operation was cancelled."));
 }
 
+TEST_F(Export, SaysWhateverElseWentWrong) {
+    form_.AroundExport = [](const std::function<void()>&) { throw std::runtime_error("Out of order."); };
+    ExpectFailure(Output(), QStringLiteral("Out of order."));
+}
+
 TEST_F(Export, RunsInsideWhatItsOwnerPutsAround) {
     QStringList order;
     form_.AroundExport = [&order](const std::function<void()>& work) {
