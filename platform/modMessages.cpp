@@ -8,6 +8,8 @@
 #include <QRegularExpression>
 #include <QVBoxLayout>
 
+#include <limits>
+
 namespace {
 
 const auto Title = QStringLiteral("Quorvant Studio");
@@ -95,6 +97,7 @@ std::optional<QString> AskText(QWidget* parent, const QString& prompt) {
     label->setTextFormat(Qt::PlainText);
     auto* const field = new QLineEdit(&box);
     field->setObjectName(QStringLiteral("txtInput"));
+    field->setMaxLength(std::numeric_limits<int>::max()); // a text that is pasted shall not be cut
     label->setBuddy(field);
     auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &box);
     QObject::connect(buttons, &QDialogButtonBox::accepted, &box, &QDialog::accept);

@@ -78,6 +78,12 @@ TEST(InputBoxes, GiveWhatWasTypedAndNothingWhenCancelled) {
     ModalScript script;
     script.ExpectInput(QStringLiteral("Key:"), QStringLiteral(" a b "));
     EXPECT_EQ(AskText(nullptr, QStringLiteral("Key:")), QStringLiteral(" a b "));
+    const QString megabyte(1 << 20, u'm');
+    script.Expect(QStringLiteral("InputBox"), [&megabyte](QWidget& box) {
+        box.findChild<QLineEdit*>(QStringLiteral("txtInput"))->setText(megabyte);
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
+    EXPECT_TRUE(AskText(nullptr, QStringLiteral("Key:")) == megabyte) << "whole";
     script.ExpectInput(QStringLiteral("Key:"), std::nullopt);
     EXPECT_EQ(AskText(nullptr, QStringLiteral("Key:")), std::nullopt);
 }
