@@ -125,6 +125,20 @@ TEST_F(BadImages, AreRefusedAsIconsWithTheirNumberAndName) {
     ExpectEachRefused("mIconsNewIcon", QStringLiteral("Open new icon"));
 }
 
+TEST_F(BadImages, GoneBeforeTheirSettingsAreAcceptedAreRefused) {
+    Start();
+    const std::string file = ImageNamed("gone.png");
+    ExpectMapFile(file);
+    ExpectSettings([file](QWidget& window) {
+        std::filesystem::remove(file);
+        Click(window, "btnOK");
+    });
+    Expecting().ExpectBox(
+        QString::fromStdString("20: The image '" + file + "' could not be read: there is no such file."));
+    Choose("mBitmapNew");
+    EXPECT_EQ(State().objAtlavex->MapCount(), 0);
+}
+
 TEST_F(BadTexts, AsNamesAreKeptShownAndMadeFoldersOf) {
     const std::vector<std::pair<QString, std::string>> names{
         {QStringLiteral(""), ""},
