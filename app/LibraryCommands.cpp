@@ -131,7 +131,6 @@ bool LibraryCommands::SaveLibraryAs() {
     if (!fileName)
         return false;
     SaveTo(*fileName);
-    window_.SetTitle(*fileName);
     return true;
 }
 
@@ -146,6 +145,7 @@ void LibraryCommands::SaveTo(const QString& fileName) {
     }
     state_.modified = false;
     state_.fileName = fileName;
+    window_.SetTitle(fileName); // before what may still fail: it is saved
     SelectAgain(map, icon);
 }
 

@@ -77,3 +77,24 @@ TEST_F(Closing, TheCloseButtonAndCancelStaysWithoutLimitsForGood) {
     Window().close();
     EXPECT_EQ(Window().minimumSize(), QSize(0, 0));
 }
+
+TEST_F(Closing, IsRefusedWhileADialogIsOpen) {
+    StartWithEdit();
+    for (const auto& [entry, form] :
+         {std::pair("mFilePreferences", "frmPreferences"), std::pair("mIconsOffset", "frmOffset"),
+          std::pair("mnuMapMetaData", "frmMetadata"), std::pair("mHelpAbout", "frmAbout")}) {
+        Expecting().Expect(QLatin1String(form), [this](QWidget& dialog) {
+            Window().close();
+            Find<QAction>("mFileExit").trigger();
+            EXPECT_TRUE(Window().isVisible());
+            EXPECT_TRUE(dialog.isVisible());
+            EXPECT_EQ(Window().minimumSize(), QSize(640, 400));
+            QTest::keyClick(&dialog, Qt::Key_Escape);
+        });
+        Choose(entry);
+    }
+    EXPECT_TRUE(Window().isVisible());
+    ExpectSaveQuestion(QMessageBox::No);
+    Window().close();
+    EXPECT_FALSE(Window().isVisible());
+}
