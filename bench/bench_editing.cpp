@@ -88,7 +88,7 @@ public:
                 dialog.findChild<QPushButton*>(QStringLiteral("btnCancel"))->click();
             }));
         }
-        for (int round = 0; round < std::min(Rounds, count / 4); ++round)
+        for (int round = 0; round < std::clamp(count / 4, 1, Rounds); ++round)
             deleting.Add(InDialog(remove, [](QWidget& dialog) {
                 dynamic_cast<QMessageBox&>(dialog).button(QMessageBox::Yes)->click();
             }));
