@@ -182,6 +182,28 @@ def tell_two_programs_with_one_library(screen, folder, pictures):
     assert offset_of(mine) == (7, 0), offset_of(mine)
 
 
+def tell_cancel_a_load(screen, folder, pictures):
+    """Opening from a slow disk: Escape and the close button do nothing, Cancel ends it and nothing is loaded."""
+    library = make_library(folder)
+    editor = screen.start("strace", "-f", "-qq", "-o", "/dev/null", "-P", library, "-e", "trace=pread64",
+                          "-e", "inject=pread64:delay_enter=400000", EDITOR)
+    screen.wait_for_active("Quorvant Studio v2.31")
+    screen.key("ctrl+o")
+    screen.wait_for_active("Open Atlavex")
+    screen.type(str(library))
+    screen.key("Return")
+    screen.wait_for_active("Loading raster map...")
+    screen.picture(pictures / "loading.png")
+    screen.key("Escape", "alt+F4")
+    assert "Loading raster map..." in screen.windows(), screen.windows()
+    screen.key("space")
+    screen.wait_for_active("Quorvant Studio")
+    screen.picture(pictures / "cancelled.png")
+    screen.key("Return")
+    screen.wait_for_active("Quorvant Studio v2.31")
+    quit_editor(screen, editor)
+
+
 def tell_ask_for_the_guide(screen, folder, pictures):
     """F1 hands the guide's address to the user's browser."""
     asked = folder / "asked"
