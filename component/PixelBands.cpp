@@ -1,12 +1,10 @@
 #include "component/PixelBands.h"
 
 #include "base/ComponentError.h"
+#include "component/render/ShortThreads.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstring>
-#include <exception>
-#include <thread>
 
 namespace {
 
@@ -15,36 +13,11 @@ std::uint32_t ColourKey(std::uint8_t red, std::uint8_t green, std::uint8_t blue,
            std::uint32_t{alpha} << 24;
 }
 
-/// Calls the function for the items 0 … count-1 on several threads that end with the call; it is told which
-/// thread calls.
-void InParallel(std::size_t count, int threads,
-                const std::function<void(std::size_t thread, std::size_t item)>& function) {
-    std::atomic<std::size_t> next{0};
-    std::vector<std::exception_ptr> failures(static_cast<std::size_t>(threads));
-    {
-        std::vector<std::jthread> workers;
-        workers.reserve(failures.size());
-        for (int i = 0; i < threads; ++i)
-            workers.emplace_back([&, i] {
-                try {
-                    for (std::size_t item = next++; item < count; item = next++)
-                        function(static_cast<std::size_t>(i), item);
-                } catch (...) {
-                    failures[static_cast<std::size_t>(i)] = std::current_exception(); // rethrown below
-                }
-            });
-    }
-    for (const std::exception_ptr& failure : failures)
-        if (failure)
-            std::rethrow_exception(failure);
-}
-
 } // namespace
 
 PixelBands::PixelBands(const PyramidLayout& layout, PixelFormat format, const Palette& palette,
                        TileSource& source, int threads)
-    : layout_(layout), format_(format), source_(source),
-      threads_(threads > 0 ? threads : std::max(1, static_cast<int>(std::thread::hardware_concurrency()))) {
+    : layout_(layout), format_(format), source_(source), threads_(ThreadCount(threads)) {
     for (std::size_t i = 0; i < palette.size(); ++i)
         indexOf_.emplace(ColourKey(palette[i].red, palette[i].green, palette[i].blue, palette[i].alpha),
                          static_cast<std::uint8_t>(i));
@@ -62,14 +35,12 @@ std::span<const std::uint8_t> PixelBands::Read(std::int32_t band, const std::fun
     const std::int32_t columns = layout_.Level(0).columns;
     const std::int32_t atOnce = std::max(16, 4 * threads_);
     for (std::int32_t first = 0; first < columns; first += atOnce) {
-        // Read here, decoded on all cores: the source takes one thread at a time.
-        std::vector<std::vector<std::uint8_t>> tiles;
-        for (std::int32_t column = first; column < std::min(columns, first + atOnce); ++column)
-            tiles.push_back(source_.ReadTile(0, band, column));
-        InParallel(tiles.size(), std::min(threads_, static_cast<int>(tiles.size())),
-                   [&](std::size_t thread, std::size_t item) {
-                       Place(band, first + static_cast<std::int32_t>(item), tiles[item], benches_[thread]);
-                   });
+        const auto count = static_cast<std::size_t>(std::min(columns - first, atOnce));
+        ForEachOnThreads(count, threads_, [&](int thread, std::size_t item) {
+            const std::int32_t column = first + static_cast<std::int32_t>(item);
+            Place(band, column, source_.ReadTile(0, band, column),
+                  benches_[static_cast<std::size_t>(thread)]);
+        });
         step();
     }
     return std::span(rows_).first(static_cast<std::size_t>(RowsOf(band)) *

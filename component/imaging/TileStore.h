@@ -19,6 +19,7 @@ class TileSource {
 public:
     virtual ~TileSource() = default;
     /// The encoded tile, checked against its digest. Throws FileDamaged, naming map and tile, when it does
-    /// not match; FileNotReadable on an I/O error. Called by one thread at a time.
+    /// not match; FileNotReadable on an I/O error. May be called by several
+    /// threads at once.
     virtual std::vector<std::uint8_t> ReadTile(int level, std::int32_t row, std::int32_t column) = 0;
 };

@@ -1,6 +1,7 @@
 #include "component/render/ShortThreads.h"
 
 #include <algorithm>
+#include <atomic>
 #include <exception>
 #include <mutex>
 #include <system_error>
@@ -38,4 +39,13 @@ void RunOnThreads(int count, const std::function<void(int)>& work) {
     }
     if (fault)
         std::rethrow_exception(fault);
+}
+
+void ForEachOnThreads(std::size_t count, int threads,
+                      const std::function<void(int thread, std::size_t item)>& work) {
+    std::atomic<std::size_t> next{0};
+    RunOnThreads(static_cast<int>(std::min(static_cast<std::size_t>(threads), count)), [&](int thread) {
+        for (std::size_t item = next++; item < count; item = next++)
+            work(thread, item);
+    });
 }

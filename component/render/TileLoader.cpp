@@ -4,9 +4,7 @@
 #include "component/render/ShortThreads.h"
 
 #include <algorithm>
-#include <condition_variable>
-#include <deque>
-#include <mutex>
+#include <atomic>
 #include <optional>
 #include <utility>
 
@@ -18,9 +16,6 @@ constexpr std::size_t UsualCacheBytes = std::size_t{128} << 20;
 /// Decoded tiles of one block. A view of 3840×2160 fits at any zoom and tile size, so that it is not decoded
 /// again with each step of the mouse; larger views are drawn in several blocks.
 constexpr std::size_t LargestBlockBytes = std::size_t{256} << 20;
-
-/// Encoded tiles that may wait for a decoder, for each thread.
-constexpr std::size_t WaitingTiles = 8;
 
 constexpr std::uint32_t HatchGround = 0xFFE4E4E4;
 constexpr std::uint32_t HatchLine = 0xFFB04040;
@@ -47,51 +42,6 @@ TilePixels MakeHatchedTile(const PyramidLayout& layout) {
 struct TileLoader::Missing {
     std::size_t place = 0; ///< in the block
     std::int32_t row = 0, column = 0;
-};
-
-/// Encoded tiles on their way to the decoders.
-class TileLoader::Work {
-public:
-    struct Job {
-        std::size_t place = 0;
-        std::vector<std::uint8_t> encoded;
-    };
-
-    explicit Work(std::size_t bound) : bound_(bound) {}
-
-    /// False when so many wait that the caller should rather decode one itself.
-    bool Push(Job& job) {
-        const std::lock_guard lock(mutex_);
-        if (jobs_.size() >= bound_)
-            return false;
-        jobs_.push_back(std::move(job));
-        arrived_.notify_one();
-        return true;
-    }
-
-    void Finish() {
-        const std::lock_guard lock(mutex_);
-        finished_ = true;
-        arrived_.notify_all();
-    }
-
-    /// The next job; nothing when there will be no more.
-    std::optional<Job> Pop() {
-        std::unique_lock lock(mutex_);
-        arrived_.wait(lock, [this] { return finished_ || !jobs_.empty(); });
-        if (jobs_.empty())
-            return std::nullopt;
-        Job job = std::move(jobs_.front());
-        jobs_.pop_front();
-        return job;
-    }
-
-private:
-    std::size_t bound_;
-    std::mutex mutex_;
-    std::condition_variable arrived_;
-    std::deque<Job> jobs_;
-    bool finished_ = false;
 };
 
 TileLoader::TileLoader(const PyramidLayout& layout, TileSource& source, ViewMemory& memory, std::uint64_t map)
@@ -139,53 +89,26 @@ std::vector<TileLoader::Missing> TileLoader::TakeFromCache(TileBlock& block) {
 bool TileLoader::LoadMissing(TileBlock& block, const std::vector<Missing>& missing,
                              std::optional<Time> deadline) {
     std::vector<TileDecoder>& decoders = memory_.Decoders();
-    const std::size_t threads = std::min(decoders.size(), missing.size());
-    Work work(WaitingTiles * threads);
-    const auto decodeRest = [&](std::size_t thread) {
-        while (auto job = work.Pop())
-            block.tiles[job->place] = Decode(decoders[thread], job->encoded);
-    };
-    bool whole = true;
-    const auto readAll = [&] {
-        for (const Missing& tile : missing) {
-            const bool some = &tile - missing.data() >= static_cast<std::ptrdiff_t>(threads);
-            if (deadline && some && std::chrono::steady_clock::now() >= *deadline) {
-                whole = false;
-                return;
-            }
-            Work::Job job{tile.place, {}};
-            try {
-                job.encoded = source_.ReadTile(block.level, tile.row, tile.column);
-            } catch (const ComponentError&) {
-                block.tiles[tile.place] =
-                    MakeHatchedTile(layout_); // the rest of the view is still worth seeing
-                continue;
-            }
-            if (!work.Push(job))
-                block.tiles[tile.place] = Decode(decoders[0], job.encoded);
-        }
-    };
-    RunOnThreads(static_cast<int>(threads), [&](int thread) {
-        if (thread == 0) {
-            // Whatever ends the reading, the helpers must not wait for more.
-            struct AtEnd {
-                Work& work;
-                ~AtEnd() { work.Finish(); }
-            } const atEnd{work};
-            readAll();
-        }
-        decodeRest(static_cast<std::size_t>(thread));
+    std::atomic<bool> whole{true};
+    ForEachOnThreads(missing.size(), static_cast<int>(decoders.size()), [&](int thread, std::size_t item) {
+        const bool someAreThere = item >= decoders.size();
+        if (deadline && someAreThere && std::chrono::steady_clock::now() >= *deadline)
+            whole = false;
+        else
+            block.tiles[missing[item].place] =
+                LoadTile(decoders[static_cast<std::size_t>(thread)], block.level, missing[item]);
     });
     return whole;
 }
 
-TilePixels TileLoader::Decode(TileDecoder& decoder, const std::vector<std::uint8_t>& encoded) const {
-    auto tile = NewTile(layout_);
+TilePixels TileLoader::LoadTile(TileDecoder& decoder, int level, const Missing& place) {
     try {
+        const std::vector<std::uint8_t> encoded = source_.ReadTile(level, place.row, place.column);
+        auto tile = NewTile(layout_);
         decoder.DecodeToScreen(encoded, layout_.TileWidth(), layout_.TileHeight(), tile.get(),
                                layout_.TileWidth());
+        return tile;
     } catch (const ComponentError&) {
-        return MakeHatchedTile(layout_);
+        return MakeHatchedTile(layout_); // the rest of the view is still worth seeing
     }
-    return tile;
 }

@@ -25,8 +25,8 @@ struct TileBlock {
     }
 };
 
-/// Brings decoded tiles from the cache or the source. Encoded tiles are read on the calling thread and
-/// decoded by short-lived helpers beside it. A tile that cannot be read or decoded is hatched, and remembered
+/// Brings decoded tiles from the cache or the source; short-lived helpers read and decode beside the calling
+/// thread. A tile that cannot be read or decoded is hatched, and remembered
 /// as such as long as it stays in the cache.
 class TileLoader {
 public:
@@ -47,9 +47,8 @@ public:
 
 private:
     struct Missing;
-    class Work;
 
-    TilePixels Decode(TileDecoder& decoder, const std::vector<std::uint8_t>& encoded) const;
+    TilePixels LoadTile(TileDecoder& decoder, int level, const Missing& place);
     std::vector<Missing> TakeFromCache(TileBlock& block);
     bool LoadMissing(TileBlock& block, const std::vector<Missing>& missing, std::optional<Time> deadline);
 

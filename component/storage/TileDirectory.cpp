@@ -25,7 +25,7 @@ PageRef WritePage(Container& container, std::int64_t number, std::span<const Blo
 TileReader::TileReader(std::shared_ptr<Container> container, PyramidLayout layout, std::vector<PageRef> pages,
                        std::string mapName)
     : container_(std::move(container)), layout_(std::move(layout)), pages_(std::move(pages)),
-      mapName_(std::move(mapName)) {}
+      mapName_(std::move(mapName)), mutex_(std::make_unique<std::mutex>()) {}
 
 std::string TileReader::Place(std::int64_t entry) const {
     int level = 0;
@@ -74,11 +74,15 @@ const std::vector<BlobRef>& TileReader::Page(std::int64_t index) {
 }
 
 BlobRef TileReader::Entry(std::int64_t entry) {
+    const std::scoped_lock lock(*mutex_);
     return Page(entry / EntriesPerPage).at(static_cast<std::size_t>(entry % EntriesPerPage));
 }
 
 Bytes TileReader::ReadStored(std::int64_t entry) {
-    const BlobRef ref = Entry(entry);
+    return ReadStored(entry, Entry(entry));
+}
+
+Bytes TileReader::ReadStored(std::int64_t entry, const BlobRef& ref) {
     std::optional<Bytes> stored = container_->GetStored(BlobKind::Tile, ref.number);
     if (!stored)
         Damaged(Place(entry) + ", is missing");
@@ -88,10 +92,10 @@ Bytes TileReader::ReadStored(std::int64_t entry) {
 }
 
 Bytes TileReader::ReadEntry(std::int64_t entry) {
-    Bytes stored = ReadStored(entry);
+    const BlobRef ref = Entry(entry);
+    Bytes stored = ReadStored(entry, ref);
     if (!container_->Form().IsSealed())
         return stored;
-    const BlobRef ref = Entry(entry);
     Bytes plain;
     if (!container_->Form().Open(BlobKind::Tile, ref.number, stored, ref.digest, plain))
         Damaged(Place(entry) + ", does not match its digest");

@@ -7,10 +7,11 @@
 
 #include <list>
 #include <map>
+#include <mutex>
 #include <unordered_map>
 
 /// Reads a map's tiles through its directory. A look at the map reads few pages; the last ones used are
-/// kept. One thread at a time.
+/// kept. May be used by several threads at once.
 class TileReader : public TileSource {
 public:
     /// `mapName` is the name that error sentences give.
@@ -29,6 +30,7 @@ public:
     std::string Place(std::int64_t entry) const;
 
 private:
+    Bytes ReadStored(std::int64_t entry, const BlobRef& ref);
     const std::vector<BlobRef>& Page(std::int64_t index);
     std::vector<BlobRef> LoadPage(std::int64_t index);
     [[noreturn]] void Damaged(const std::string& what) const;
@@ -37,6 +39,7 @@ private:
     PyramidLayout layout_;
     std::vector<PageRef> pages_;
     std::string mapName_;
+    std::unique_ptr<std::mutex> mutex_;                             ///< of the pages kept
     std::list<std::pair<std::int64_t, std::vector<BlobRef>>> kept_; ///< last used first
 };
 

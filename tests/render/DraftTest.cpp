@@ -22,17 +22,24 @@ public:
     std::vector<std::uint8_t> ReadTile(int level, std::int32_t row, std::int32_t column) override {
         if (slow)
             std::this_thread::sleep_for(2 * Patience);
-        levels.insert(level);
+        {
+            const std::scoped_lock lock(mutex_);
+            levels.insert(level);
+        }
         return DrawnMap::ReadTile(level, row, column);
     }
 
     bool slow = true;
     std::set<int> levels; ///< those of which a tile was read
+
+private:
+    std::mutex mutex_;
 };
 
-SlowMap MakeMap() {
-    return {SpeckledPicture(1200, 1000), 64, 64, PixelFormat::Rgb};
-}
+class DraftView : public testing::Test {
+protected:
+    SlowMap map{SpeckledPicture(1200, 1000), 64, 64, PixelFormat::Rgb};
+};
 
 Bitmap Final(SlowMap& map, const ViewRequest& request) {
     std::shared_ptr<const Bitmap> view;
@@ -53,9 +60,10 @@ int Finish(ViewRenderer& renderer, const ViewRequest& request, std::shared_ptr<c
 
 } // namespace
 
-TEST(DraftView, ShowsACoarserLevelFirstAndThenTheZoomsOwn) {
+TEST_F(DraftView, ShowsACoarserLevelFirstAndThenTheZoomsOwn) {
     for (const double zoom : {0.3, 0.7, 1.0, 1.9}) {
-        SlowMap map = MakeMap();
+        map.slow = true;
+        map.levels.clear();
         ViewRenderer renderer(map.Layout(), map, std::make_shared<ViewMemory>(2, Patience));
         const ViewRequest request{10, 20, 300, 250, zoom};
         std::shared_ptr<const Bitmap> view;
@@ -78,8 +86,7 @@ TEST(DraftView, ShowsACoarserLevelFirstAndThenTheZoomsOwn) {
     }
 }
 
-TEST(DraftView, TakesTheNextLevelWhenThatIsAtHand) {
-    SlowMap map = MakeMap();
+TEST_F(DraftView, TakesTheNextLevelWhenThatIsAtHand) {
     ViewRenderer renderer(map.Layout(), map, std::make_shared<ViewMemory>(2, Patience));
     std::shared_ptr<const Bitmap> view;
     renderer.Render({0, 0, 300, 250, 0.5}, view);
@@ -89,8 +96,7 @@ TEST(DraftView, TakesTheNextLevelWhenThatIsAtHand) {
     EXPECT_EQ(view->Row(200)[160], map.Level(1).Row(125)[100]);
 }
 
-TEST(DraftView, ScrolledBeforeItIsFinalEndsAsOneDrawnAnew) {
-    SlowMap map = MakeMap();
+TEST_F(DraftView, ScrolledBeforeItIsFinalEndsAsOneDrawnAnew) {
     ViewRenderer renderer(map.Layout(), map, std::make_shared<ViewMemory>(2, Patience));
     ViewRequest request{10, 20, 300, 250, 0.7};
     std::shared_ptr<const Bitmap> view;
@@ -104,8 +110,7 @@ TEST(DraftView, ScrolledBeforeItIsFinalEndsAsOneDrawnAnew) {
     EXPECT_EQ(view->pixels, Final(map, request).pixels);
 }
 
-TEST(DraftView, KeepsWhatAFinalViewShowedWhenItIsScrolled) {
-    SlowMap map = MakeMap();
+TEST_F(DraftView, KeepsWhatAFinalViewShowedWhenItIsScrolled) {
     ViewRenderer renderer(map.Layout(), map, std::make_shared<ViewMemory>(2, Patience));
     std::shared_ptr<const Bitmap> view, draft;
     renderer.Render({0, 0, 300, 250, 1}, view);
@@ -116,8 +121,7 @@ TEST(DraftView, KeepsWhatAFinalViewShowedWhenItIsScrolled) {
     EXPECT_FALSE(std::equal(map.Level(0).Row(300), map.Level(0).Row(300) + 300, draft->Row(150)));
 }
 
-TEST(DraftView, IsNeverShownWithoutAPatienceOrACoarserLevel) {
-    SlowMap map = MakeMap();
+TEST_F(DraftView, IsNeverShownWithoutAPatienceOrACoarserLevel) {
     std::shared_ptr<const Bitmap> view;
     ViewRenderer patient(map.Layout(), map, std::make_shared<ViewMemory>(2));
     patient.Render({0, 0, 300, 250, 1}, view);

@@ -63,6 +63,7 @@ DrawnMap::DrawnMap(const Bitmap& picture, std::int32_t tileWidth, std::int32_t t
 }
 
 std::vector<std::uint8_t> DrawnMap::ReadTile(int level, std::int32_t row, std::int32_t column) {
+    const std::scoped_lock lock(mutex_); // one encoder for all
     ++reads_;
     const std::int64_t entry = layout_.Entry(level, row, column);
     if (damaged_.contains(entry))

@@ -5,6 +5,7 @@
 #include "component/imaging/TileCodec.h"
 #include "component/imaging/TileStore.h"
 
+#include <mutex>
 #include <set>
 #include <string>
 #include <utility>
@@ -40,6 +41,7 @@ private:
     TileEncoder encoder_;
     std::set<std::int64_t> damaged_;
     std::set<std::int64_t> garbled_;
+    std::mutex mutex_;
     int reads_ = 0;
 };
 

@@ -83,6 +83,23 @@ TEST_P(TileDirectory, GivesBackEveryTileThroughPagesOfAThousand) {
     ExpectReads(container, pages);
 }
 
+TEST_P(TileDirectory, IsReadBySeveralThreadsAtOnce) {
+    const auto container = NewContainer("a", NewForm());
+    const std::vector<PageRef> pages = Write(*container);
+    TileReader reader(container, layout_, pages, "North");
+    std::atomic<int> wrong{0};
+    {
+        std::vector<std::jthread> threads;
+        for (int i = 0; i < 4; ++i)
+            threads.emplace_back([&] {
+                ForEveryTile([&](int level, std::int32_t row, std::int32_t column) {
+                    wrong += reader.ReadTile(level, row, column) != TileOf(level, row, column);
+                });
+            });
+    }
+    EXPECT_EQ(wrong, 0);
+}
+
 TEST_P(TileDirectory, KeepsIdenticalTilesOnce) {
     const auto container = NewContainer("a", NewForm());
     const std::vector<PageRef> pages = Write(*container);
