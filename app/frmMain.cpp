@@ -29,12 +29,11 @@ constexpr int ViewPatience = 20;
 } // namespace
 
 frmMain::frmMain(bool diagnosticMode, LibraryMaker makeLibrary)
-    : makeLibrary_(std::move(makeLibrary)), ui_(std::make_unique<Ui::frmMain>()) {
+    : makeLibrary_(std::move(makeLibrary)), ui_(std::make_unique<Ui::frmMain>()),
+      fileDialog_(new QFileDialog(this)), preferences_(new frmPreferences(this)) {
     state_.diagnosticMode = diagnosticMode;
     ui_->setupUi(this);
-    fileDialog_ = new QFileDialog(this);
     fileDialog_->setObjectName(QStringLiteral("FileDialog"));
-    preferences_ = new frmPreferences(this);
     progress_ = std::make_unique<ProgressDisplay>(*this, state_);
     lists_ = std::make_unique<EntryLists>(state_, *ui_->ddMaps, *ui_->ddIcons, mapView_, iconView_);
     zoom_ = std::make_unique<MapZoom>(*ui_->sldZoom, *ui_->lbZoomPercentage, mapView_);

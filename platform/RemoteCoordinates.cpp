@@ -90,7 +90,7 @@ std::optional<QVariantList> Ask(QWidget& form, const QString& method, QLatin1Str
 /// The array of exactly so many finite numbers, or nothing.
 template <std::size_t Count>
 std::optional<std::array<double, Count>> Numbers(const QVariant& value) {
-    const QList<double> list = qdbus_cast<QList<double>>(value);
+    const auto list = qdbus_cast<QList<double>>(value);
     if (list.size() != static_cast<qsizetype>(Count) ||
         !std::ranges::all_of(list, [](double number) { return std::isfinite(number); }))
         return std::nullopt;

@@ -139,8 +139,8 @@ void clsBitmapView::SetBusy(bool busy) {
 }
 
 ImagePixel clsBitmapView::PixelAt(const QPoint& viewerPosition) const {
-    const std::int32_t x = CheckedAdd<std::int32_t>(viewerPosition.x(), HorizontalOffset());
-    const std::int32_t y = CheckedAdd<std::int32_t>(viewerPosition.y(), VerticalOffset());
+    const auto x = CheckedAdd<std::int32_t>(viewerPosition.x(), HorizontalOffset());
+    const auto y = CheckedAdd<std::int32_t>(viewerPosition.y(), VerticalOffset());
     return {CheckedRound<std::int32_t>(x / zoom_), CheckedRound<std::int32_t>(y / zoom_)};
 }
 

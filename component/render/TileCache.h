@@ -1,11 +1,11 @@
 #pragma once
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <list>
 #include <map>
 #include <memory>
+#include <tuple>
 
 /// Screen pixels of one decoded tile (see Bitmap), shared by the cache and the view being drawn.
 using TilePixels = std::shared_ptr<const std::uint32_t[]>;
@@ -17,7 +17,9 @@ public:
     struct Key {
         std::uint64_t map = 0;  ///< a number that the maps' renderers agree on
         std::int64_t entry = 0; ///< the tile's number in PyramidLayout's count
-        auto operator<=>(const Key&) const = default;
+        bool operator<(const Key& other) const {
+            return std::tie(map, entry) < std::tie(other.map, other.entry);
+        }
     };
 
     explicit TileCache(std::size_t capacity) : capacity_(capacity) {}
