@@ -206,8 +206,13 @@ void LibraryObject::GiveUpDirectWork() {
 }
 
 void LibraryObject::FollowTiles() {
+    auto former = std::make_shared<std::vector<std::shared_ptr<Container>>>();
     for (const auto& [id, object] : mapObjects_)
-        object->FollowTiles();
+        if (std::shared_ptr<Container> left = object->FollowTiles())
+            former->push_back(std::move(left));
+    // The last to hold a file that has no name any more takes as long as the system to free it.
+    if (!former->empty())
+        disposal_.Take(std::move(former));
 }
 
 void LibraryObject::Replace(LibraryState state) {

@@ -6,6 +6,7 @@
 #include "component/render/TileExport.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -123,13 +124,13 @@ TileReader MapObject::NewReader() const {
     return {Held().container, layout_, Held().record.pages, Name()};
 }
 
-void MapObject::FollowTiles() {
+std::shared_ptr<Container> MapObject::FollowTiles() {
     if (shown_ == Held().container)
-        return;
+        return nullptr;
     // The pixels are the same, so the renderer keeps what it has.
     if (reader_)
         *reader_ = NewReader();
-    shown_ = reader_ ? Held().container : nullptr;
+    return std::exchange(shown_, reader_ ? Held().container : nullptr);
 }
 
 void MapObject::Detach() {

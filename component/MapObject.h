@@ -51,8 +51,8 @@ public:
         const std::function<void(std::span<const std::uint8_t> rows, std::int32_t count)>& band) override;
     void ExportTiles(const std::string& folder, const std::string& extension) override;
 
-    /// Lets go of the file that the map's tiles lay in before they were saved elsewhere.
-    void FollowTiles();
+    /// Looks at the tiles where they lie now; gives the file that they lay in before, if that is another.
+    std::shared_ptr<Container> FollowTiles();
     /// The library holds the map no more, and the map no file.
     void Detach();
 
