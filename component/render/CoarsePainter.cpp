@@ -43,14 +43,14 @@ public:
     CoarsePainter(const ViewRequest& request, const PyramidLayout& layout, int level, double step,
                   ScreenRange columns, ScreenRange rows)
         : ViewPainter(level, columns, rows), left_(request.left), top_(request.top),
-          width_(layout.Level(level).width), height_(layout.Level(level).height), step_(step) {}
+          columns_(level, layout.Level(level).width, step), rows_(level, layout.Level(level).height, step) {}
 
     LevelSpan LevelColumns() const override {
-        return {SpanOf(ColumnCoverage(Columns().first), width_).first,
-                SpanOf(ColumnCoverage(Columns().end - 1), width_).last};
+        return {SpanOf(ColumnCoverage(Columns().first), columns_.size).first,
+                SpanOf(ColumnCoverage(Columns().end - 1), columns_.size).last};
     }
     LevelSpan LevelRows(std::int32_t screenRow) const override {
-        return SpanOf(RowCoverage(screenRow), height_);
+        return SpanOf(RowCoverage(screenRow), rows_.size);
     }
 
     void Paint(const TileBlock& block, ScreenRange screenRows, Bitmap& view) const override {
@@ -61,14 +61,12 @@ public:
 
 private:
     Coverage ColumnCoverage(std::int32_t column) const {
-        return CoverageOf(std::int64_t{left_} + column, width_, step_);
+        return CoverageOf(std::int64_t{left_} + column, columns_);
     }
-    Coverage RowCoverage(std::int32_t row) const {
-        return CoverageOf(std::int64_t{top_} + row, height_, step_);
-    }
+    Coverage RowCoverage(std::int32_t row) const { return CoverageOf(std::int64_t{top_} + row, rows_); }
 
     std::uint32_t MeanOf(const TileBlock& block, const Coverage& across, const Coverage& down) const {
-        const LevelSpan columns = SpanOf(across, width_), rows = SpanOf(down, height_);
+        const LevelSpan columns = SpanOf(across, columns_.size), rows = SpanOf(down, rows_.size);
         ChannelSums sums;
         for (std::int32_t y = rows.first; y <= rows.last; ++y)
             for (std::int32_t x = columns.first; x <= columns.last; ++x)
@@ -78,8 +76,7 @@ private:
     }
 
     std::int32_t left_, top_;
-    std::int32_t width_, height_;
-    double step_;
+    LevelAxis columns_, rows_;
 };
 
 } // namespace

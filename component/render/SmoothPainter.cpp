@@ -57,8 +57,8 @@ public:
     SmoothPainter(const ViewRequest& request, const PyramidLayout& layout, int level, double step,
                   ScreenRange columns, ScreenRange rows)
         : ViewPainter(level, columns, rows),
-          columnTaps_(CoveredPixels(columns, request.left, layout.Level(level).width, step)),
-          rowTaps_(CoveredPixels(rows, request.top, layout.Level(level).height, step)),
+          columnTaps_(CoveredPixels(columns, request.left, {level, layout.Level(level).width, step})),
+          rowTaps_(CoveredPixels(rows, request.top, {level, layout.Level(level).height, step})),
           firstColumn_(columnTaps_.front().first), lastColumn_(LastOf(columnTaps_.back())) {}
 
     LevelSpan LevelColumns() const override { return {firstColumn_, lastColumn_}; }

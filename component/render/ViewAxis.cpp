@@ -25,21 +25,25 @@ std::vector<std::int32_t> PixelsUnder(ScreenRange range, std::int32_t offset, st
     return pixels;
 }
 
-Coverage CoverageOf(std::int64_t position, std::int32_t levelSize, double step) {
-    const double size = levelSize, at = static_cast<double>(position);
-    // A step beyond the level covers all of it at once; an infinite one (of the smallest zooms) times 0 is no
-    // number.
-    const double bounded = std::min(step, size);
-    return {std::min(at * bounded, size), std::min((at + 1) * bounded, size)};
+LevelAxis::LevelAxis(int level, std::int32_t levelSize, double levelStep)
+    : size(levelSize), step(levelStep), half(std::ldexp(0.5, -level)) {}
+
+Coverage CoverageOf(std::int64_t position, const LevelAxis& axis) {
+    const double size = axis.size, at = static_cast<double>(position);
+    // From a step of twice the level on the first position covers all of it; an infinite one (of the smallest
+    // zooms) times 0 is no number.
+    const double step = std::min(axis.step, 2 * size);
+    return {std::clamp((at - 0.5) * step + axis.half, 0.0, size),
+            std::clamp((at + 0.5) * step + axis.half, 0.0, size)};
 }
 
-std::vector<Taps> CoveredPixels(ScreenRange range, std::int32_t offset, std::int32_t levelSize, double step) {
+std::vector<Taps> CoveredPixels(ScreenRange range, std::int32_t offset, const LevelAxis& axis) {
     std::vector<Taps> taps(static_cast<std::size_t>(range.Count()));
     std::int64_t position = std::int64_t{offset} + range.first;
     for (Taps& tap : taps) {
-        const Coverage covered = CoverageOf(position++, levelSize, step);
+        const Coverage covered = CoverageOf(position++, axis);
         // Rounding may put the last position's start on the very end of the level.
-        tap.first = std::min(static_cast<std::int32_t>(covered.from), levelSize - 1);
+        tap.first = std::min(static_cast<std::int32_t>(covered.from), axis.size - 1);
         const double length = covered.to - covered.from;
         long given = 0;
         for (std::size_t i = 0; i < tap.weights.size(); ++i) {

@@ -32,17 +32,29 @@ struct Taps {
     std::array<std::uint16_t, 3> weights{};
 };
 
-/// For every screen pixel of the range the pixels of a level that it covers, weighted by how much of each it
-/// covers: position p covers from p · step to (p + 1) · step, where pixel i of the level reaches from i to
-/// i + 1. The map pixel that a click hits lies in or on the edge of the part covered. `step` is at most 2.
-std::vector<Taps> CoveredPixels(ScreenRange range, std::int32_t offset, std::int32_t levelSize, double step);
+/// One axis of a level under a view.
+struct LevelAxis {
+    LevelAxis(int level, std::int32_t levelSize, double levelStep);
 
-/// From where to where a screen pixel reaches on a level, cut to the level.
+    std::int32_t size; ///< pixels of the level
+    double step;       ///< pixels of the level for each screen pixel
+    double half;       ///< half a pixel of the map, in pixels of the level
+};
+
+/// From where to where a screen pixel reaches on a level, cut to the level. Pixel i of the level reaches from
+/// i to i + 1.
 struct Coverage {
     double from = 0;
     double to = 0;
 };
-Coverage CoverageOf(std::int64_t position, std::int32_t levelSize, double step);
+
+/// Position p covers half a screen pixel to each side of the middle of the map pixel that a click hits there,
+/// so that a click means what is seen. The middle of map pixel p / zoom lies `half` behind its beginning.
+Coverage CoverageOf(std::int64_t position, const LevelAxis& axis);
+
+/// For every screen pixel of the range the pixels of a level that it covers, weighted by how much of each it
+/// covers. The step is at most 2.
+std::vector<Taps> CoveredPixels(ScreenRange range, std::int32_t offset, const LevelAxis& axis);
 
 /// Neighbouring screen pixels whose map pixels lie in one column of tiles.
 struct TileRun {

@@ -45,7 +45,7 @@ private:
 std::unique_ptr<ViewPainter> MakePainter(const ViewRequest& request, const PyramidLayout& layout,
                                          ScreenRange columns, ScreenRange rows);
 
-/// The same part from a level above the one that the zoom asks for: fewer tiles and larger dots.
+/// The same part from a level above the one that the zoom asks for: fewer tiles, less detail.
 std::unique_ptr<ViewPainter> MakeDraftPainter(const ViewRequest& request, const PyramidLayout& layout,
                                               int level, ScreenRange columns, ScreenRange rows);
 
@@ -57,7 +57,7 @@ std::unique_ptr<ViewPainter> MakeNearestPainter(const ViewRequest& request, cons
                                                 int level, double zoom, ScreenRange columns,
                                                 ScreenRange rows);
 
-/// One screen pixel from `step` by `step` pixels of the level, `step` from 1 to 2.
+/// One screen pixel from `step` by `step` pixels of the level, `step` up to 2.
 std::unique_ptr<ViewPainter> MakeSmoothPainter(const ViewRequest& request, const PyramidLayout& layout,
                                                int level, double step, ScreenRange columns, ScreenRange rows);
 

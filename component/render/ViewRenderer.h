@@ -13,9 +13,9 @@
 ///
 /// From zoom 1 upwards a screen pixel shows the map pixel that a click on it hits: p / zoom rounded half to
 /// even (so that the first pixel is half as wide as the others), where positions that round to just beyond
-/// the last pixel show the last one. Below, it shows the mean of what it covers, from p / zoom to (p + 1) /
-/// zoom, taken from the pyramid level next above the zoom; the pixel that a click hits lies in or at the edge
-/// of that part, less than half a screen pixel from its middle.
+/// the last pixel show the last one. Below, it shows the mean of what lies within half a screen pixel of the
+/// map pixel p / zoom, taken from the pyramid level next above the zoom; at a level's own zoom the level as
+/// it is, whose pixels lie up to half a screen pixel aside.
 ///
 /// Decoded tiles are kept in a cache of 128 MiB, least recently used out first; while a view needs more, up
 /// to 256 MiB. A larger view is drawn in blocks of that size. Of a view that was only scrolled, or whose size

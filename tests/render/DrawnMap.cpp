@@ -106,3 +106,24 @@ Bitmap SlopingPicture(std::int32_t width, std::int32_t height) {
                                 static_cast<std::uint32_t>(y * 255 / height) << 8;
     return picture;
 }
+
+double MeanOver(const Bitmap& level, int shift, double x0, double x1, double y0, double y1) {
+    x0 = std::max(x0, 0.0), y0 = std::max(y0, 0.0);
+    x1 = std::min<double>(x1, level.width);
+    y1 = std::min<double>(y1, level.height);
+    double sum = 0, weight = 0;
+    for (int y = static_cast<int>(y0); y < y1; ++y)
+        for (int x = static_cast<int>(x0); x < x1; ++x) {
+            const double part = (std::min(x1, x + 1.0) - std::max(x0, double(x))) *
+                                (std::min(y1, y + 1.0) - std::max(y0, double(y)));
+            sum += part * (level.Row(y)[x] >> shift & 0xFF);
+            weight += part;
+        }
+    return sum / weight;
+}
+
+double MeanAround(const Bitmap& level, int number, int shift, double x, double y, double zoom) {
+    const double size = 1 << number, half = 0.5 / zoom;
+    return MeanOver(level, shift, (x + 0.5 - half) / size, (x + 0.5 + half) / size, (y + 0.5 - half) / size,
+                    (y + 0.5 + half) / size);
+}

@@ -49,3 +49,10 @@ private:
 Bitmap SpeckledPicture(std::int32_t width, std::int32_t height);
 /// A picture whose red grows to the right and whose green grows downwards.
 Bitmap SlopingPicture(std::int32_t width, std::int32_t height);
+
+/// Mean of a channel (by its shift) over the part of a level, where pixel i reaches from i to i + 1; cut to
+/// it.
+double MeanOver(const Bitmap& level, int shift, double x0, double x1, double y0, double y1);
+/// The same over half a screen pixel to each side of a place on the map, whose whole numbers are the middles
+/// of pixels; `number` is the level's.
+double MeanAround(const Bitmap& level, int number, int shift, double x, double y, double zoom);
