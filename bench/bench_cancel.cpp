@@ -316,6 +316,10 @@ private:
 int main(int argc, char** argv) {
     const QStringList arguments(argv + 1, argv + argc);
     const int megapixels = arguments.isEmpty() ? 268 : arguments[0].toInt();
+    if (megapixels <= 0 || arguments.size() > 2) {
+        std::fputs("usage: bench_cancel [MEGAPIXELS [FOLDER]]\n", stderr);
+        return 2;
+    }
     const QTemporaryDir folder((arguments.size() > 1 ? arguments[1] : QStringLiteral("/var/tmp")) +
                                QStringLiteral("/quorvant-cancel-XXXXXX"));
     for (const char* const name : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"})
