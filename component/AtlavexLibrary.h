@@ -80,7 +80,7 @@ public:
     virtual bool KeyFitted() const = 0;
 
     /// Ends the operation that is running (to be called from inside an event). Takes effect within 50 ms; the
-    /// derivation of a key from its text (about 0.4 s) and the wait for the disk at the end of a save are
+    /// derivation of a key from its text (some 0.6 s) and the wait for the disk at the end of a save are
     /// finished first. What a cancelled save has written to a new file is freed behind the call: by the next
     /// save or the library's end at the latest.
     virtual void CancelOperation() = 0;

@@ -6,7 +6,6 @@
 #include "component/render/ViewPainter.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 #include <new>
 #include <optional>
@@ -56,14 +55,10 @@ void PaintOnThreads(const ViewPainter& painter, const TileBlock& block, ScreenRa
                     Bitmap& view) {
     const std::int64_t pixels = std::int64_t{rows.Count()} * painter.Columns().Count();
     const auto worth = static_cast<int>(std::min<std::int64_t>(threads, 1 + pixels / PixelsWorthAThread));
-    std::atomic<std::int32_t> next{rows.first};
-    RunOnThreads(worth, [&](int) {
-        for (;;) {
-            const std::int32_t first = next.fetch_add(RowsAtOnce);
-            if (first >= rows.end)
-                return;
-            painter.Paint(block, {first, std::min(first + RowsAtOnce, rows.end)}, view);
-        }
+    const auto bands = static_cast<std::size_t>((rows.Count() + RowsAtOnce - 1) / RowsAtOnce);
+    ForEachOnThreads(bands, worth, [&](int, std::size_t band) {
+        const std::int32_t first = rows.first + static_cast<std::int32_t>(band) * RowsAtOnce;
+        painter.Paint(block, {first, std::min(first + RowsAtOnce, rows.end)}, view);
     });
 }
 
@@ -185,13 +180,13 @@ bool ViewRenderer::IsDraft() const {
 
 bool ViewRenderer::Render(const ViewRequest& request, std::shared_ptr<const Bitmap>& view) {
     CheckRequest(request);
-    if (state_->last == request &&
-        (!state_->draft || !state_->LoadInTime(request, {ShownPart(request, state_->layout)})))
-        return false;
-    state_->last.reset();
-    state_->draft = false;
     ViewMemory& memory = *state_->memory;
     try {
+        if (state_->last == request &&
+            (!state_->draft || !state_->LoadInTime(request, {ShownPart(request, state_->layout)})))
+            return false;
+        state_->last.reset();
+        state_->draft = false;
         ViewMemory::Picture& picture = memory.Next();
         state_->draft = !state_->Draw(request, *picture.bitmap);
         // What is not final is nothing to take over.
