@@ -7,6 +7,7 @@
 #include "component/storage/Verification.h"
 #include "platform/modGUID.h"
 
+#include <algorithm>
 #include <optional>
 #include <set>
 
@@ -20,6 +21,16 @@ void IgnoringCancel(const std::function<void()>& operation) {
         if (error.Number() != ErrorNumber::Cancelled)
             throw;
     }
+}
+
+/// The names in a row; a sentence has room for so many only.
+std::string ListOf(const std::vector<std::string>& names) {
+    constexpr std::size_t MostNames = 20;
+    std::string list;
+    for (std::size_t i = 0; i < std::min(names.size(), MostNames); ++i)
+        list += (i > 0 ? ", " : "") + names[i];
+    return names.size() <= MostNames ? list
+                                     : list + " and " + std::to_string(names.size() - MostNames) + " more";
 }
 
 } // namespace
@@ -121,15 +132,30 @@ void LibraryObject::SaveAnew(const std::filesystem::path& target, std::shared_pt
     std::unique_ptr<LibraryFile> saved;
     try {
         saved = SaveAsNewFile(files_, request, state_, numbers_, progress);
-    } catch (const ComponentError&) {
+    } catch (const ComponentError& error) {
         if (!direct_)
             GiveUpDirectWork();
+        if (error.Number() == ErrorNumber::FileDamaged)
+            TellRemovedPixels(progress);
         throw;
     }
     direct_.reset();
     file_ = std::move(saved);
     form_ = std::move(form);
     scratch_.reset();
+}
+
+void LibraryObject::TellRemovedPixels(Progress& progress) const {
+    if (!file_ || file_->IsUnchanged())
+        return;
+    progress.Expect(VerifyWork(state_));
+    const std::vector<std::string> gone = ObjectsWithoutPixels(state_, *file_->Tiles(), progress);
+    if (!gone.empty())
+        throw ComponentError(ErrorNumber::FileChanged,
+                             "The file '" + file_->Path().string() +
+                                 "' was changed by another program since it was opened, and these have no "
+                                 "pixels in it any more: " +
+                                 ListOf(gone) + ". Delete them, then the rest can be saved.");
 }
 
 void LibraryObject::Compact() {

@@ -59,6 +59,9 @@ private:
     void SaveHere(Progress& progress);
     void SaveAnew(const std::filesystem::path& target, std::shared_ptr<const Envelope> form,
                   Progress& progress);
+    /// Another program that changed the open file may have removed tiles and pictures that are still wanted
+    /// here: throws FileChanged, naming what they belong to. Returns where that is not so.
+    void TellRemovedPixels(Progress& progress) const;
     void Shrink(Progress& progress);
     void FollowTiles();
     bool IsUnsavedInFile(const std::shared_ptr<Container>& container, const RecordKey& key) const;

@@ -211,8 +211,12 @@ LibraryState LibraryFile::ReadState() {
     return state;
 }
 
+bool LibraryFile::IsUnchanged() const {
+    return !File().HasMoved() && ReadHeaderRow(File()) == row_;
+}
+
 void LibraryFile::RequireUnchanged() const {
-    if (File().HasMoved() || ReadHeaderRow(File()) != row_)
+    if (!IsUnchanged())
         throw ComponentError(ErrorNumber::FileChanged,
                              "The file '" + File().ShownName() +
                                  "' was changed by another program since it was opened. Use Save As to keep "

@@ -30,8 +30,9 @@ public:
     /// The maps and icons as stored; each call gives fresh copies.
     LibraryState ReadState();
 
-    /// Throws FileChanged unless the path still names this file and its header is the one that was read or
-    /// last saved. To be called while the write lock is held.
+    /// Whether the path still names this file and its header is the one that was read or last saved.
+    bool IsUnchanged() const;
+    /// Throws FileChanged unless it is so. To be called while the write lock is held.
     void RequireUnchanged() const;
     /// Whether this header is the one that stands in the file now.
     bool Holds(const FileHeader& header) const;

@@ -3,6 +3,7 @@
 #include "component/storage/TileDirectory.h"
 
 #include <unordered_set>
+#include <utility>
 
 namespace {
 
@@ -100,6 +101,29 @@ void VerifyTiles(const LibraryState& state, Progress& progress, const DamageRepo
         progress.ThrowIfCancelled();
         VerifyIcon(*icon, report);
     }
+}
+
+std::vector<std::string> ObjectsWithoutPixels(const LibraryState& state, const Container& container,
+                                              Progress& progress) {
+    std::vector<std::string> objects;
+    bool whole = true;
+    const auto notice = [&whole](const std::string&, const std::string&) { whole = false; };
+    const auto note = [&](const std::string& object) {
+        if (!std::exchange(whole, true))
+            objects.push_back(object);
+    };
+    for (const auto& map : state.maps) {
+        if (map->container.get() == &container)
+            VerifyMap(*map, progress, notice);
+        note("map '" + map->Name() + "'");
+    }
+    for (const auto& icon : state.icons) {
+        progress.ThrowIfCancelled();
+        if (icon->container.get() == &container)
+            VerifyIcon(*icon, notice);
+        note("icon '" + icon->Name() + "'");
+    }
+    return objects;
 }
 
 void VerifyStructure(LibraryFile& file, const LibraryState& state, const DamageReport& report) {

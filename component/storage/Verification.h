@@ -4,6 +4,8 @@
 #include "component/storage/LibraryFile.h"
 
 #include <functional>
+#include <string>
+#include <vector>
 
 /// Told of one thing that is damaged: what it is, and one sentence why.
 using DamageReport = std::function<void(const std::string& object, const std::string& reason)>;
@@ -13,6 +15,10 @@ std::int64_t VerifyWork(const LibraryState& state);
 
 /// Reads every directory page, tile and icon picture of the state and compares each with its digest.
 void VerifyTiles(const LibraryState& state, Progress& progress, const DamageReport& report);
+
+/// The maps and icons of the state that lie in this container and are not whole there, as "map 'North'".
+std::vector<std::string> ObjectsWithoutPixels(const LibraryState& state, const Container& container,
+                                              Progress& progress);
 
 /// Looks for what belongs to no map or icon, and lets SQLite check its own structures.
 void VerifyStructure(LibraryFile& file, const LibraryState& state, const DamageReport& report);

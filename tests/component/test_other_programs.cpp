@@ -28,6 +28,14 @@ protected:
         EXPECT_EQ(library.FileName(), other);
     }
 
+    /// So large a map that the file is not written anew when another goes.
+    void SaveWithALargeMap(const std::string& key) {
+        const auto library = NewLibrary();
+        FillRichly(*library);
+        AddMap(*library, MakeSheet(PixelFormat::Rgb, 1200, 900), "large");
+        library->SaveToFile(file_, key);
+    }
+
     std::string file_ = PathOf("lib.Atlavex");
 };
 
@@ -157,4 +165,26 @@ TEST_F(LibraryBesideOthers, LookingAtTheOpenFileKeepsItsLock) {
     EXPECT_THROW(SaveByAnotherProgram(file_, {}, "between"), std::runtime_error);
     mine->SaveToFile(file_, {});
     ExpectHolds(file_, {}, ContentOf(*mine));
+}
+
+TEST_F(LibraryBesideOthers, WhatAnotherProgramRemovedIsNamedAndTheRestIsSavedElsewhere) {
+    for (const std::string key : {"", "key"}) {
+        std::filesystem::remove(file_);
+        std::filesystem::remove(PathOf("rest.Atlavex"));
+        SaveWithALargeMap(key);
+        const auto mine = Open(file_, key), other = Open(file_, key);
+        other->RemoveMap(other->MapIdAt(1));
+        other->RemoveIcon(other->IconIdAt(1));
+        other->SaveToFile(file_, key);
+        const Outcome outcome = OutcomeOf([&] { mine->SaveToFile(PathOf("rest.Atlavex"), key); });
+        EXPECT_EQ(outcome.code, static_cast<int>(ErrorNumber::FileChanged)) << outcome.description;
+        EXPECT_NE(outcome.description.find("map 'North', icon 'Church'."), std::string::npos)
+            << outcome.description;
+        EXPECT_EQ(outcome.description.find("damaged"), std::string::npos) << outcome.description;
+        EXPECT_FALSE(std::filesystem::exists(PathOf("rest.Atlavex")));
+        mine->RemoveMap(mine->MapIdAt(1));
+        mine->RemoveIcon(mine->IconIdAt(1));
+        mine->SaveToFile(PathOf("rest.Atlavex"), key);
+        ExpectHolds(PathOf("rest.Atlavex"), key, ContentOf(*other));
+    }
 }
