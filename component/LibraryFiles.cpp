@@ -174,8 +174,9 @@ void LibraryObject::Shrink(Progress& progress) {
 bool LibraryObject::OpenOther(const std::filesystem::path& path, const std::string& key,
                               OtherLibrary& other) {
     // The open file is read through the connection that is there: a second one would stand in the way of
-    // what is being written.
-    if (IsOpenFile(path)) {
+    // what is being written. Once another program has changed it, nothing is being written to it here, and
+    // what this library knows of it is no longer what it holds.
+    if (IsOpenFile(path) && file_->IsUnchanged()) {
         if (form_->IsSealed() && !key_.Is(key))
             return false;
         other.state = file_->ReadState();

@@ -188,3 +188,26 @@ TEST_F(LibraryBesideOthers, WhatAnotherProgramRemovedIsNamedAndTheRestIsSavedEls
         ExpectHolds(PathOf("rest.Atlavex"), key, ContentOf(*other));
     }
 }
+
+TEST_F(LibraryBesideOthers, MergingTheOpenFileTakesWhatItHoldsNow) {
+    for (const std::string key : {"", "key"}) {
+        std::filesystem::remove(file_);
+        SaveWithALargeMap(key);
+        const auto mine = Open(file_, key), other = Open(file_, key);
+        AddIcon(*other, MakeSheet(PixelFormat::Rgb, 7, 7), "new");
+        other->RemoveMap(other->MapIdAt(1));
+        MapAt(*other, 1)->SetMetadata("by", "the other");
+        other->SaveToFile(file_, key);
+        const LibraryContent theirs = ContentOf(*other);
+        const auto before = mine->MapCount(), icons = mine->IconCount();
+        EXPECT_EQ(mine->IsEncrypted(file_), !key.empty());
+        mine->MergeFromFile(file_, key);
+        ASSERT_EQ(mine->MapCount(), before + 2);
+        ASSERT_EQ(mine->IconCount(), icons + 3);
+        EXPECT_EQ(MapAt(*mine, before + 1)->GetMetadata("by"), "the other");
+        EXPECT_EQ(SheetOf(*MapAt(*mine, before + 2)), theirs.maps[1].sheet);
+        EXPECT_EQ(IconAt(*mine, icons + 3)->Name(), "new");
+        EXPECT_ERROR(mine->SaveToFile(file_, key), ErrorNumber::FileChanged);
+        ExpectHolds(file_, key, theirs);
+    }
+}
