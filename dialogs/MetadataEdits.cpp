@@ -10,11 +10,12 @@ int MetadataEdits::Append(Entry entry) {
 }
 
 int MetadataEdits::Take(std::string key, std::string value) {
-    return Append({std::move(key), std::move(value)});
+    std::string read = value;
+    return Append({std::move(key), std::move(value), std::move(read)});
 }
 
 int MetadataEdits::Add(std::string key) {
-    const int entry = Append({std::move(key), {}, true});
+    const int entry = Append({std::move(key), {}, {}, true});
     added_.push_back(entry);
     return entry;
 }

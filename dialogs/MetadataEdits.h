@@ -14,6 +14,8 @@ public:
     /// An entry that the user adds, with an empty value.
     int Add(std::string key);
     void Change(int entry, std::string value);
+    /// The value that the entry had in the object; empty for one that the user added.
+    const std::string& ReadValue(int entry) const { return EntryAt(entry).read; }
     /// An entry of the object is remembered as removed. For one that the user added, the entry that was added
     /// `position`th is forgotten, which is another one when entries of the object stand before it; when
     /// there are not so many, the entry itself. Meant.
@@ -26,6 +28,7 @@ private:
     struct Entry {
         std::string key;
         std::string value;
+        std::string read; ///< the value in the object
         bool isNew = false;
         bool isChanged = false;
         bool isRemoved = false;

@@ -31,6 +31,12 @@ QTreeWidgetItem* MakeItem(int entry, const std::string& key, const std::string& 
     return item;
 }
 
+/// What a field stands for: as long as it shows what was read, the very bytes. Those that are no UTF-8 are
+/// shown as replacement characters, which must not take their place.
+std::string BytesOf(const QLineEdit& field, const std::string& read) {
+    return field.text() == QString::fromStdString(read) ? read : field.text().toStdString();
+}
+
 using Pairs = std::vector<std::pair<std::string, std::string>>;
 
 Pairs PairsOf(const Metadata& object) {
@@ -51,9 +57,9 @@ void PutBack(Metadata& object, const Pairs& pairs) {
 
 frmMetadata::frmMetadata(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui::frmMetadata>()) {
     ui_->setupUi(this);
-    fixedFields_ = {{"name", ui_->tbMetaName},   {"author", ui_->tbAuthor},
-                    {"version", ui_->tbVersion}, {"lastchanged", ui_->tbLastChanged},
-                    {"created", ui_->tbCreated}, {"description", ui_->tbDescription}};
+    fixedFields_ = {{"name", ui_->tbMetaName, {}},   {"author", ui_->tbAuthor, {}},
+                    {"version", ui_->tbVersion, {}}, {"lastchanged", ui_->tbLastChanged, {}},
+                    {"created", ui_->tbCreated, {}}, {"description", ui_->tbDescription, {}}};
     for (const FixedField& fixed : fixedFields_) {
         // A field of limited length would cut what it only had to show.
         fixed.field->setMaxLength(std::numeric_limits<int>::max());
@@ -97,11 +103,15 @@ void frmMetadata::ShowIconMetaData(const std::shared_ptr<AtlavexIcon>& icon) {
     exec();
 }
 
+void frmMetadata::FillField(FixedField& fixed, const std::string& value) {
+    fixed.read = value;
+    fixed.field->setText(QString::fromStdString(value));
+}
+
 void frmMetadata::Fill(const Metadata& object, const std::string& name) {
     const QScopedValueRollback guard(filling_, true);
-    for (const FixedField& fixed : fixedFields_)
-        fixed.field->setText(QString::fromStdString(object.GetMetadata(fixed.key)));
-    ui_->tbMetaName->setText(QString::fromStdString(name));
+    for (FixedField& fixed : fixedFields_)
+        FillField(fixed, fixed.field == ui_->tbMetaName ? name : object.GetMetadata(fixed.key));
     FillCustomMetadata(object);
     ui_->btnOK->setEnabled(false);
     ui_->tbMetaName->setFocus();
@@ -162,7 +172,8 @@ void frmMetadata::tbData_Change() {
     if (filling_ || item == nullptr)
         return;
     item->setText(DataColumn, ui_->tbData->text());
-    edits_.Change(EntryOf(*item), ui_->tbData->text().toStdString());
+    const int entry = EntryOf(*item);
+    edits_.Change(entry, BytesOf(*ui_->tbData, edits_.ReadValue(entry)));
     ui_->btnOK->setEnabled(true);
 }
 
@@ -218,7 +229,7 @@ Metadata& frmMetadata::Object() const {
 
 void frmMetadata::WriteTo(Metadata& object) const {
     for (const FixedField& fixed : fixedFields_)
-        object.SetMetadata(fixed.key, fixed.field->text().toStdString());
+        object.SetMetadata(fixed.key, BytesOf(*fixed.field, fixed.read));
     edits_.WriteTo(object);
 }
 

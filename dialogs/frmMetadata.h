@@ -62,7 +62,9 @@ private:
     struct FixedField {
         const char* key;
         QLineEdit* field;
+        std::string read; ///< the bytes that the field was filled with
     };
+    static void FillField(FixedField& fixed, const std::string& value);
 
     std::unique_ptr<Ui::frmMetadata> ui_;
     std::vector<FixedField> fixedFields_;

@@ -218,3 +218,17 @@ TEST_F(CustomMetadata, CountsEntriesIn16Bits) {
     map_->SetMetadata("one more", "");
     EXPECT_ERROR(form_.ShowMapMetaData(map_), ErrorNumber::Overflow);
 }
+
+TEST_F(CustomMetadata, DataThatReadsAgainAsBeforeKeepsItsBytes) {
+    map_->SetMetadata("first", "caf\xe9");
+    Run([](QWidget& window) {
+        ShowCustomMetadata(window);
+        Select(window, 0);
+        auto& data = Control<QLineEdit>(window, "tbData");
+        QTest::keyClick(&data, Qt::Key_End);
+        QTest::keyClicks(&data, QStringLiteral("x"));
+        QTest::keyClick(&data, Qt::Key_Backspace);
+        ClickOK(window);
+    });
+    EXPECT_EQ(Custom(), (Pairs{{"first", "caf\xe9"}}));
+}

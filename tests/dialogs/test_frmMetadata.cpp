@@ -231,3 +231,42 @@ TEST_F(MetadataDialog, SaysWhyTheTextsCannotBeWrittenAndStays) {
     EXPECT_FALSE(form_.OK());
     EXPECT_TRUE(Written() == before) << "and in the same order";
 }
+
+TEST_F(MetadataDialog, ATextThatNobodyTouchedKeepsItsBytes) {
+    const std::string latin = "caf\xe9", broken = "\xff\xfe\x80 half \xc3";
+    for (const char* const key : {"name", "author", "version", "lastchanged", "created", "description"})
+        map_->SetMetadata(key, latin + key);
+    map_->SetMetadata("own " + latin, broken);
+    Run([](QWidget& window) {
+        TypeInto(window, "tbAuthor", QStringLiteral("Smith"));
+        ClickOK(window);
+    });
+    EXPECT_EQ(Written(), (Pairs{{"name", latin + "name"},
+                                {"author", "Smith"},
+                                {"version", latin + "version"},
+                                {"lastchanged", latin + "lastchanged"},
+                                {"created", latin + "created"},
+                                {"description", latin + "description"},
+                                {"own " + latin, broken}}));
+}
+
+TEST_F(MetadataDialog, RenamingKeepsTheBytesOfAllOtherTexts) {
+    map_->SetMetadata("description", "caf\xe9");
+    form_.ReduceToName();
+    Run([](QWidget& window) {
+        TypeInto(window, "tbMetaName", QStringLiteral("renamed"));
+        ClickOK(window);
+    });
+    EXPECT_EQ(map_->GetMetadata("name"), "renamed");
+    EXPECT_EQ(map_->GetMetadata("description"), "caf\xe9");
+}
+
+TEST_F(MetadataDialog, ANameThatWasNotTouchedKeepsItsBytesEvenWhereItIsTheObjectsOwn) {
+    const auto map = AddMap(*library_, MakeSheet(PixelFormat::Grey, 9, 9), "caf\xe9");
+    script_.Expect(QStringLiteral("frmMetadata"), [](QWidget& window) {
+        TypeInto(window, "tbVersion", QStringLiteral("2"));
+        ClickOK(window);
+    });
+    form_.ShowMapMetaData(map);
+    EXPECT_EQ(map->GetMetadata("name"), "caf\xe9");
+}
