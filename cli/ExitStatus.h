@@ -10,7 +10,7 @@ enum class ExitStatus : int {
     Done = 0,
     Failed = 1,           ///< anything that has no number of its own
     Usage = 2,            ///< the command line does not make sense
-    WrongKey = 3,         ///< no key, or one that does not open the file
+    WrongKey = 3,         ///< no key, one that does not open the file, or one for a plain file
     MapNotScaled = 4,     ///< coordinates were asked of a map without a scaling
     ImageNotReadable = 5, ///< the image file is no image, damaged or too large
     FileChanged = 6,      ///< another program changed the library in the meantime

@@ -1,6 +1,7 @@
 #include "cli/CommandSet.h"
 #include "cli/Interrupt.h"
 
+#include <algorithm>
 #include <filesystem>
 
 namespace {
@@ -64,8 +65,19 @@ void MergeOne(OpenedLibrary& library, const std::string& other, const MergeOptio
         ThrowWrongKey(other);
 }
 
+/// The key of the others was meant for at least one of them.
+void CheckOtherKey(AtlavexLibrary& library, const MergeOptions& options) {
+    const bool noneSealed =
+        std::none_of(options.others.begin(), options.others.end(),
+                     [&library](const std::string& other) { return library.IsEncrypted(other); });
+    if (options.otherKey.Given() && noneSealed)
+        throw CommandFailure(ExitStatus::WrongKey,
+                             "None of the other libraries is sealed, although a key was named for them.");
+}
+
 ExitStatus RunMerge(const MergeOptions& options) {
     OpenedLibrary library(options.library, Access::Write);
+    CheckOtherKey(*library, options);
     for (const std::string& other : options.others) {
         MergeOne(library, other, options);
         ThrowIfInterrupted(); // a merge that is broken off comes back without an error

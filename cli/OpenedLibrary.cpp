@@ -12,6 +12,14 @@ std::unique_ptr<AtlavexLibrary> MakeLibrary(Access access) {
     return CreateAtlavexLibrary(options);
 }
 
+/// Whoever names a key counts on a sealed file: a plain one may have been put in its place, and what is added
+/// to it would stand there for everybody to read.
+void RefuseKey(const KeyOptions& key, const std::string& plainFile) {
+    if (key.Given())
+        throw CommandFailure(ExitStatus::WrongKey,
+                             "'" + plainFile + "' is not sealed, although a key was named for it.");
+}
+
 } // namespace
 
 void ThrowWrongKey(const std::string& file) {
@@ -27,11 +35,15 @@ OpenedLibrary::OpenedLibrary(const LibraryChoice& choice, Access access)
     : OpenedLibrary(access, choice.file) {
     if (library_->IsEncrypted(file_))
         key_ = ObtainKey(choice.key, file_);
+    else
+        RefuseKey(choice.key, file_);
     ThrowIfInterrupted();
     library_->LoadFromFile(file_, key_.Text());
     ThrowIfInterrupted(); // a load that is broken off comes back without an error
     if (!library_->KeyFitted())
         ThrowWrongKey(file_);
+    if (!library_->IsSealed()) // it may have been replaced since the first look
+        RefuseKey(choice.key, file_);
 }
 
 OpenedLibrary OpenedLibrary::MakeNew() {

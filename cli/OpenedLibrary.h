@@ -20,7 +20,8 @@ enum class Access { Read, Write };
 /// ended by a signal.
 class OpenedLibrary {
 public:
-    /// Loads the file. Throws ComponentError, or CommandFailure (ExitStatus::WrongKey).
+    /// Loads the file. Throws ComponentError, or CommandFailure (ExitStatus::WrongKey), also when a key is
+    /// named for a file that is not sealed.
     OpenedLibrary(const LibraryChoice& choice, Access access);
     /// A new, empty library without a file.
     static OpenedLibrary MakeNew();

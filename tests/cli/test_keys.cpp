@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
+#include <filesystem>
 
 using testing::HasSubstr;
 using testing::Not;
@@ -110,10 +111,46 @@ TEST_F(Keys, RekeySealsChangesAndUnseals) {
     EXPECT_EQ(FileNames().size(), 5U); // no copy of the file under an earlier key stays behind
 }
 
-TEST_F(Keys, APlainLibraryStaysPlainWhateverKeyIsNamed) {
-    const std::string library = ScaledLibrary(), key = Write("key", "k");
-    Do({"set", library, "map", "1", "a=b", "--key-file", key});
-    EXPECT_EQ(DoJson({"info", library})["sealed"], false);
+TEST_F(Keys, AKeyForAPlainLibraryIsRefusedForReadingAndWriting) {
+    const std::string library = ScaledLibrary(), key = Write("key", "k"), image = Bmp("x.bmp");
+    setenv("ATLAVEX_TEST_KEY", "k", 1);
+    for (const Words& source : {Words{"--key-file", key}, Words{"--key-env", "ATLAVEX_TEST_KEY"}})
+        for (const Words& command :
+             {Words{"info", library}, Words{"verify", library}, Words{"compact", library},
+              Words{"locate", library, "1", "1", "1"}, Words{"find", library, "1", "500000", "6100000"},
+              Words{"add-map", library, image}, Words{"add-icon", library, image},
+              Words{"scale", library, "1"} + SheetScaling, Words{"set", library, "map", "1", "a=b"},
+              Words{"unset", library, "map", "1", "a"}, Words{"remove", library, "map", "1"},
+              Words{"offset", library, "1", "1,1"}, Words{"merge", library, library},
+              Words{"rekey", library, "--no-key"}, Words{"rekey", library, "--new-key-file", key},
+              Words{"extract", library, "1", "--out", In("o.png")},
+              Words{"extract-icon", library, "1", "--out", In("o.png")},
+              Words{"render", library, "1", "--zoom", "1", "--at", "0,0", "--size", "9x9", "--out",
+                    In("o.png")},
+              Words{"export-tiles", library, "1", "--to", In("t")}})
+            EXPECT_EQ(ExpectFailure(3, command + source, "is not sealed"), "");
+    unsetenv("ATLAVEX_TEST_KEY");
+}
+
+TEST_F(Keys, APlainFileInThePlaceOfASealedOneIsNotTakenForIt) {
+    const std::string library = SealedLibrary("a.Atlavex", "k"), key = Write("key", "k");
+    Do({"add-icon", library, Bmp("Hut.bmp", 16, 16), "--key-file", key});
+    std::filesystem::copy_file(ScaledLibrary("b.Atlavex"), library,
+                               std::filesystem::copy_options::overwrite_existing);
+    ExpectFailure(3, {"info", library, "--key-file", key}, "a.Atlavex");
+    ExpectFailure(3, {"add-map", library, Bmp("Secret.bmp"), "--key-file", key}, "a.Atlavex");
+}
+
+TEST_F(Keys, TheOtherKeyIsRefusedOnlyWhenNoneOfTheOthersIsSealed) {
+    const std::string a = ScaledLibrary("a.Atlavex"), b = ScaledLibrary("b.Atlavex"),
+                      c = SealedLibrary("c.Atlavex", "C");
+    const std::string keyC = Write("keyC", "C");
+    setenv("ATLAVEX_TEST_KEY", "C", 1);
+    ExpectFailure(3, {"merge", a, b, b, "--other-key-file", keyC}, "sealed");
+    ExpectFailure(3, {"merge", a, b, "--other-key-env", "ATLAVEX_TEST_KEY"}, "sealed");
+    unsetenv("ATLAVEX_TEST_KEY");
+    Do({"merge", a, b, c, "--other-key-file", keyC});
+    EXPECT_EQ(DoJson({"info", a})["maps"].size(), 2U);
 }
 
 TEST_F(Keys, ASealedLibraryIsMergedWithItsOwnOrTheNamedKey) {
