@@ -9,6 +9,7 @@ std::unique_ptr<AtlavexLibrary> MakeLibrary(Access access) {
     LibraryOptions options;
     // A command ends by saving or not at all, so new tiles need no scratch file.
     options.newTiles = access == Access::Write ? NewTiles::LibraryFile : NewTiles::Scratch;
+    options.viewTiesUp = true; // nobody clicks on a picture in a file
     return CreateAtlavexLibrary(options);
 }
 

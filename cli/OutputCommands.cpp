@@ -75,7 +75,9 @@ void AddRender(CommandSet& commands) {
          "Draw a part of a map as a picture.",
          "Draws what the editor would show: the part of the map that begins LEFT,TOP zoomed pixels from its "
          "upper left "
-         "corner, WxH pixels large. What lies outside the map is transparent; damaged tiles are hatched.",
+         "corner, WxH pixels large. What lies outside the map is transparent; damaged tiles are hatched. At "
+         "a "
+         "whole zoom all pixels but the outermost are equally wide.",
          "atlavex render alps.Atlavex 1 --zoom 0.25 --at 0,0 --size 800x600 --out overview.png"});
     AddLibrary(command, options->library);
     AddRequired(command, "MAP", options->map, "The map: position from 1, name or identifier.");

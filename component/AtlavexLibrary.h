@@ -28,6 +28,9 @@ struct LibraryOptions {
     /// Milliseconds that the tiles of a view may take before a draft is shown (see AtlavexMap::ViewIsDraft);
     /// 0: as long as they take.
     int viewPatience = 0;
+    /// From zoom 1 upwards a place half-way between two map pixels shows the even one, which a click there
+    /// means; true: the upper one, so that whole zooms show the pixels equally wide.
+    bool viewTiesUp = false;
     std::shared_ptr<FileSystem> files; ///< nothing: the operating system's
 };
 

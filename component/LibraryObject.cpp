@@ -52,7 +52,8 @@ void Forget(Objects& objects, std::int64_t id) {
 LibraryObject::LibraryObject(const LibraryOptions& options)
     : options_(options), files_(options.files ? options.files : SystemFiles()),
       operations_(std::make_shared<Operations>(*this)),
-      views_(std::make_shared<ViewMemory>(options.threads, std::chrono::milliseconds(options.viewPatience))),
+      views_(std::make_shared<ViewMemory>(options.threads, std::chrono::milliseconds(options.viewPatience),
+                                          options.viewTiesUp)),
       form_(Envelope::Plain()) {}
 
 LibraryObject::~LibraryObject() {

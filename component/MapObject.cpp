@@ -152,7 +152,7 @@ bool MapObject::RenderView(std::int32_t left, std::int32_t top, std::int32_t wid
     }
     FollowTiles();
     std::shared_ptr<const Bitmap> view;
-    if (!renderer_->Render({left, top, width, height, zoom}, view))
+    if (!renderer_->Render({left, top, width, height, zoom, views_->TiesUp()}, view))
         return false;
     image = std::make_shared<PixelImage>(std::move(view));
     return true;

@@ -9,8 +9,8 @@ public:
     NearestPainter(const ViewRequest& request, const PyramidLayout& layout, int level, double zoom,
                    ScreenRange columns, ScreenRange rows)
         : ViewPainter(level, columns, rows), copies_(zoom == 1),
-          pixelColumns_(PixelsUnder(columns, request.left, layout.Level(level).width, zoom)),
-          pixelRows_(PixelsUnder(rows, request.top, layout.Level(level).height, zoom)),
+          pixelColumns_(PixelsUnder(columns, request.left, layout.Level(level).width, zoom, request.tiesUp)),
+          pixelRows_(PixelsUnder(rows, request.top, layout.Level(level).height, zoom, request.tiesUp)),
           runs_(RunsOf(pixelColumns_, layout.TileWidth())), inTile_(pixelColumns_) {
         for (std::int32_t& column : inTile_)
             column %= layout.TileWidth();

@@ -5,6 +5,17 @@
 #include <algorithm>
 #include <cmath>
 
+namespace {
+
+double Nearest(double value, bool tiesUp) {
+    if (!tiesUp)
+        return RoundHalfEven(value);
+    const double below = std::floor(value);
+    return value - below < 0.5 ? below : below + 1;
+}
+
+} // namespace
+
 ScreenRange ShownRange(std::int32_t offset, std::int32_t size, std::int32_t mapSize, double zoom) {
     const std::int64_t begin = std::clamp<std::int64_t>(-std::int64_t{offset}, 0, size);
     // Compared as a double: at a large zoom the product is far beyond every integer.
@@ -14,12 +25,12 @@ ScreenRange ShownRange(std::int32_t offset, std::int32_t size, std::int32_t mapS
 }
 
 std::vector<std::int32_t> PixelsUnder(ScreenRange range, std::int32_t offset, std::int32_t mapSize,
-                                      double zoom) {
+                                      double zoom, bool tiesUp) {
     std::vector<std::int32_t> pixels(static_cast<std::size_t>(range.Count()));
     double position = static_cast<double>(offset) + range.first;
     const double last = mapSize - 1;
     for (std::int32_t& pixel : pixels) {
-        pixel = static_cast<std::int32_t>(std::min(RoundHalfEven(position / zoom), last));
+        pixel = static_cast<std::int32_t>(std::min(Nearest(position / zoom, tiesUp), last));
         position += 1;
     }
     return pixels;

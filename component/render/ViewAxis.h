@@ -21,10 +21,10 @@ struct ScreenRange {
 ScreenRange ShownRange(std::int32_t offset, std::int32_t size, std::int32_t mapSize, double zoom);
 
 /// The map pixel under every screen pixel of the range, by the rule for a click: position over zoom, rounded
-/// half to even. Positions that round to just beyond the last pixel show the last one, so that the drawn map
-/// is as large as its size times the zoom.
+/// half to even, or half up where asked. Positions that round to just beyond the last pixel show the last
+/// one, so that the drawn map is as large as its size times the zoom.
 std::vector<std::int32_t> PixelsUnder(ScreenRange range, std::int32_t offset, std::int32_t mapSize,
-                                      double zoom);
+                                      double zoom, bool tiesUp = false);
 
 /// Up to three neighbouring pixels and their weights, which add up to 256.
 struct Taps {

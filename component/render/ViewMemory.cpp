@@ -2,8 +2,8 @@
 
 #include "component/render/ShortThreads.h"
 
-ViewMemory::ViewMemory(int threads, std::chrono::milliseconds patience)
-    : threads_(static_cast<std::size_t>(ThreadCount(threads))), patience_(patience) {}
+ViewMemory::ViewMemory(int threads, std::chrono::milliseconds patience, bool tiesUp)
+    : threads_(static_cast<std::size_t>(ThreadCount(threads))), patience_(patience), tiesUp_(tiesUp) {}
 
 std::vector<TileDecoder>& ViewMemory::Decoders() {
     if (decoders_.empty())

@@ -26,9 +26,11 @@ public:
 
     /// Decoders for so many threads (0: one a core). When the tiles of a view take longer than the patience,
     /// a draft is drawn first; 0: never.
-    explicit ViewMemory(int threads = 0, std::chrono::milliseconds patience = {});
+    explicit ViewMemory(int threads = 0, std::chrono::milliseconds patience = {}, bool tiesUp = false);
 
     std::chrono::milliseconds Patience() const { return patience_; }
+    /// What every request of these maps says, see ViewRequest.
+    bool TiesUp() const { return tiesUp_; }
 
     /// One for each thread; made when they are first asked for.
     std::vector<TileDecoder>& Decoders();
@@ -46,6 +48,7 @@ public:
 private:
     std::size_t threads_;
     std::chrono::milliseconds patience_;
+    bool tiesUp_;
     std::vector<TileDecoder> decoders_;
     TileCache tiles_{0};
     std::array<Picture, 2> pictures_;

@@ -12,10 +12,10 @@
 /// the map shows at the positions 0 <= p < size · zoom.
 ///
 /// From zoom 1 upwards a screen pixel shows the map pixel that a click on it hits: p / zoom rounded half to
-/// even (so that the first pixel is half as wide as the others), where positions that round to just beyond
-/// the last pixel show the last one. Below, it shows the mean of what lies within half a screen pixel of the
-/// map pixel p / zoom, taken from the pyramid level next above the zoom; at a level's own zoom the level as
-/// it is, whose pixels lie up to half a screen pixel aside.
+/// even (so that the first pixel is half as wide as the others), or half up where the request says so, where
+/// positions that round to just beyond the last pixel show the last one. Below, it shows the mean of what
+/// lies within half a screen pixel of the map pixel p / zoom, taken from the pyramid level next above the
+/// zoom; at a level's own zoom the level as it is, whose pixels lie up to half a screen pixel aside.
 ///
 /// Decoded tiles are kept in a cache of 128 MiB, least recently used out first; while a view needs more, up
 /// to 256 MiB. A larger view is drawn in blocks of that size. Of a view that was only scrolled, or whose size

@@ -9,6 +9,9 @@ struct ViewRequest {
     std::int32_t width = 0;  ///< screen pixels
     std::int32_t height = 0; ///< screen pixels
     double zoom = 1.0;       ///< screen pixels per map pixel
+    /// From zoom 1 upwards: a place half-way between two map pixels shows the upper one; else the even one,
+    /// which a click there means.
+    bool tiesUp = false;
 
     bool operator==(const ViewRequest&) const = default;
 };

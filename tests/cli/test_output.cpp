@@ -77,12 +77,38 @@ sheet = np.array(Image.open('Sheet.bmp').convert('RGBA'))
 views = {name: np.array(Image.open(name + '.png')) for name in ('same', 'double', 'beyond', 'half')}
 print(all(view.shape == (70, 90, 4) for view in views.values()))
 print(np.array_equal(views['same'], sheet[30:100, 20:110]))
-# The screen pixel s shows the map pixel whose centre a click there is nearest to: s / 2, ties to even.
-rows, columns = (np.rint(np.arange(start, start + count) / 2).astype(int) for start, count in ((30, 70), (20, 90)))
+# The screen pixel s shows the map pixel whose centre is nearest to s / 2, between two the upper one.
+rows, columns = ((np.arange(start, start + count) + 1) // 2 for start, count in ((30, 70), (20, 90)))
 print(np.array_equal(views['double'], sheet[rows][:, columns]))
 print(np.array_equal(views['beyond'][5:, 10:], sheet[:65, :80]), views['beyond'][:5].any(), views['beyond'][:, :10].any())
 )"),
               "True\nTrue\nTrue\nTrue False False\n");
+}
+
+TEST_F(Output, AtAWholeZoomEveryPixelWithinIsEquallyWide) {
+    const std::string library = NewLibrary();
+    Python("import numpy as np\nfrom PIL import Image\n"
+           "y, x = np.mgrid[:12, :20]\n"
+           "Image.fromarray((x + 20 * y).astype(np.uint8)).save('ramp.png')");
+    Do({"add-map", library, In("ramp.png")});
+    for (int zoom = 1; zoom <= 9; ++zoom)
+        Do({"render", library, "1", "--zoom", std::to_string(zoom), "--at", "0,0", "--size",
+            std::to_string(20 * zoom) + "x" + std::to_string(12 * zoom), "--out",
+            In("zoom" + std::to_string(zoom) + ".png")});
+    EXPECT_EQ(Python(R"(
+import numpy as np
+from PIL import Image
+for zoom in range(1, 10):
+    seen = np.array(Image.open(f'zoom{zoom}.png'))[:, :, 0].astype(int)
+    columns, rows = seen[0] % 20, seen[:, 0] // 20
+    for name, axis, count in ('columns', columns, 20), ('rows', rows, 12):
+        widths = np.bincount(axis, minlength=count)
+        if not (widths[1:-1] == zoom).all() or widths.sum() != count * zoom:
+            print(zoom, name, widths)
+    if not np.array_equal(seen, columns + 20 * rows[:, None]):
+        print(zoom, 'is no grid of the pixels')
+)"),
+              "");
 }
 
 TEST_F(Output, AnOlderPictureIsReplacedAndNothingElseIsLeft) {
