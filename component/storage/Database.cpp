@@ -104,7 +104,7 @@ Database::Database(const std::filesystem::path& file, Mode mode, std::string sho
     : mode_(mode), writeBack_(file), shownName_(std::move(shownName)) {
     sqlite3* raw = nullptr;
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_FULLMUTEX | SQLITE_OPEN_EXRESCODE;
-    const int code = sqlite3_open_v2(file.c_str(), &raw, flags, nullptr);
+    const int code = sqlite3_open_v2(file.c_str(), &raw, flags, files_.Name());
     handle_.reset(raw);
     if (code != SQLITE_OK)
         throw ErrorOf(shownName_, code, raw != nullptr ? sqlite3_system_errno(raw) : 0);
@@ -174,6 +174,9 @@ bool Database::IsReadOnly() const {
 }
 
 void Database::Fail(int code) const {
+    if ((code & 0xff) == SQLITE_CORRUPT && !files_.Refusal().empty())
+        throw ComponentError(ErrorNumber::FileDamaged, "The file '" + shownName_ + "' is not opened: " +
+                                                           files_.Refusal() + ". Nothing was changed.");
     int systemError = sqlite3_system_errno(Handle());
     // A failed commit has been rolled back by now, which may have overwritten the reason; the file keeps its
     // own.

@@ -2,6 +2,7 @@
 
 #include "base/ComponentError.h"
 #include "component/storage/Digest.h"
+#include "component/storage/GuardedVfs.h"
 #include "component/storage/WriteBack.h"
 
 #include <filesystem>
@@ -56,6 +57,7 @@ private:
     };
     Mode mode_;
     WriteBack writeBack_; // must outlive the connection
+    GuardedVfs files_;    // likewise
     std::unique_ptr<sqlite3, Closer> handle_;
     std::string shownName_;
 };

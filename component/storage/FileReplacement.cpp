@@ -129,9 +129,9 @@ void FileReplacement::TakePlace(bool keepFormer) {
         if (std::filesystem::exists(target_.string() + sibling, ignored))
             throw ComponentError(ErrorNumber::FileLocked,
                                  "The file '" + target_.string() +
-                                     "' is in the middle of a save by another program, or was left so. Open "
-                                     "it once, or remove '" +
-                                     target_.string() + sibling + "'.");
+                                     "' is in the middle of a save by another program, or was left so: '" +
+                                     target_.string() + sibling +
+                                     "' belongs to it. Open it once, or choose another name.");
     locked_->TakeRightsOf(target_);
     if (keepFormer && std::filesystem::exists(std::filesystem::symlink_status(target_, ignored)))
         KeepFormer();
