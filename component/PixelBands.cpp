@@ -38,14 +38,24 @@ std::span<const std::uint8_t> PixelBands::Read(std::int32_t band, const std::fun
         const auto count = static_cast<std::size_t>(std::min(columns - first, atOnce));
         ForEachOnThreads(count, threads_, [&](int thread, std::size_t item) {
             const std::int32_t column = first + static_cast<std::int32_t>(item);
-            Place(band, column, source_.ReadTile(0, band, column),
-                  benches_[static_cast<std::size_t>(thread)]);
+            PlaceTile(band, column, benches_[static_cast<std::size_t>(thread)]);
         });
         step();
     }
     return std::span(rows_).first(static_cast<std::size_t>(RowsOf(band)) *
                                   static_cast<std::size_t>(layout_.Width()) *
                                   static_cast<std::size_t>(BytesPerPixel(format_)));
+}
+
+void PixelBands::PlaceTile(std::int32_t band, std::int32_t column, Bench& bench) {
+    const std::vector<std::uint8_t> png = source_.ReadTile(0, band, column);
+    try {
+        Place(band, column, png, bench);
+    } catch (const ComponentError& error) {
+        if (error.Number() != ErrorNumber::FileDamaged)
+            throw;
+        source_.RefuseTile(0, band, column, error.Description());
+    }
 }
 
 void PixelBands::Place(std::int32_t band, std::int32_t column, std::span<const std::uint8_t> png,

@@ -26,6 +26,7 @@ private:
         TileDecoder decoder;
         std::vector<std::uint8_t> tile;
     };
+    void PlaceTile(std::int32_t band, std::int32_t column, Bench& bench);
     void Place(std::int32_t band, std::int32_t column, std::span<const std::uint8_t> png, Bench& bench);
     void CopyRow(const std::uint8_t* from, PixelFormat fromFormat, std::int32_t pixels,
                  std::uint8_t* to) const;

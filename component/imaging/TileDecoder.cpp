@@ -1,9 +1,11 @@
 #include "component/imaging/TileCodec.h"
 
+#include "base/ComponentError.h"
 #include "component/imaging/PngChunks.h"
 #include "component/imaging/PngFilters.h"
 #include "component/imaging/PngTile.h"
 #include "component/imaging/ScreenPixels.h"
+#include "component/imaging/TileStore.h"
 
 #include <libdeflate.h>
 
@@ -113,6 +115,10 @@ std::size_t RowBytes(const TileHeader& header) {
 }
 
 } // namespace
+
+void TileSource::RefuseTile(int, std::int32_t, std::int32_t, const std::string& reason) const {
+    throw ComponentError(ErrorNumber::FileDamaged, reason);
+}
 
 TileDecoder::TileDecoder() : state_(std::make_unique<State>()) {
     if (!state_->inflater)

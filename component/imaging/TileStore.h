@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <vector>
 
 /// Takes the tiles of a map while its pyramid is built.
@@ -22,4 +23,8 @@ public:
     /// not match; FileNotReadable on an I/O error. May be called by several
     /// threads at once.
     virtual std::vector<std::uint8_t> ReadTile(int level, std::int32_t row, std::int32_t column) = 0;
+    /// Throws FileDamaged for a tile that is what was stored and still no picture of the map's, with a
+    /// sentence that names it as well as the source can.
+    [[noreturn]] virtual void RefuseTile(int level, std::int32_t row, std::int32_t column,
+                                         const std::string& reason) const;
 };

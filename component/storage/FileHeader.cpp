@@ -50,8 +50,11 @@ FileHeader FileHeader::Decode(ByteSpan bytes) {
     header.root = reader.Array<32>();
     ByteReader::Require(reader.Integer<std::uint64_t>() == 0, "a reserved field is in use");
     reader.End();
-    ByteReader::Require(header.generation >= 0 && header.nextNumber >= 1 && header.mapCount >= 0 &&
-                            header.iconCount >= 0,
-                        "a count is negative");
+    ByteReader::Require(header.mapCount >= 0 && header.iconCount >= 0, "a count is negative");
+    ByteReader::Require(header.CountsAreInRange(), "its generation or next number is impossible");
     return header;
+}
+
+bool FileHeader::CountsAreInRange() const {
+    return generation >= 0 && generation <= LargestCount && nextNumber >= 1 && nextNumber <= LargestCount;
 }

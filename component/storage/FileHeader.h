@@ -10,6 +10,8 @@ struct FileHeader {
     /// Length of the encoded header in bytes, and of its head, to which the wrapped key is bound.
     static constexpr std::size_t EncodedSize = 184;
     static constexpr std::size_t HeadSize = 48;
+    /// Largest generation and next number: far from where counting would overflow, and never reached.
+    static constexpr std::int64_t LargestCount = std::int64_t{1} << 62;
 
     std::uint32_t version = FormatVersion;
     bool sealed = false;
@@ -23,6 +25,8 @@ struct FileHeader {
     std::int32_t iconCount = 0;
     HeaderMac root{}; ///< over the digests of all records
 
+    /// Whether generation and next number are such as a reader takes.
+    bool CountsAreInRange() const;
     Bytes Encode() const;
     /// Throws MalformedRecord.
     static FileHeader Decode(ByteSpan bytes);

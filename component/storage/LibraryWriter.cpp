@@ -2,6 +2,7 @@
 
 #include "component/storage/ByteCodec.h"
 #include "component/storage/TileDirectory.h"
+#include "component/storage/UsedNumbers.h"
 
 #include <set>
 
@@ -57,19 +58,48 @@ void LibraryWriter::Write(FileHeader& header, Progress& progress) {
     progress.Add(1);
 }
 
-void LibraryWriter::RemoveGoneRecords() {
-    std::set<std::int64_t> staying;
+bool LibraryWriter::IsGone(const RecordKey& key) const {
+    return !staying_.contains(key.second);
+}
+
+/// What the maps and icons that stay in the file name there.
+Belonging LibraryWriter::Staying() const {
+    Belonging staying;
     for (const auto& map : state_.maps)
-        staying.insert(map->id);
+        if (map->container == target_)
+            staying.Add(*map, true);
     for (const auto& icon : state_.icons)
-        staying.insert(icon->id);
-    for (const auto& [key, digests] : former_) {
-        if (staying.contains(key.second))
-            continue;
-        if (key.first == BlobKind::MapRecord)
-            RemoveTiles(target_, MapRecord::Decode(FormerRecord(key)));
-        if (key.first == BlobKind::IconRecord)
-            target_->Remove(BlobKind::IconPicture, IconRecord::Decode(FormerRecord(key)).picture.number);
+        if (icon->container == target_)
+            staying.Add(*icon);
+    return staying;
+}
+
+void LibraryWriter::RemovePictures(const RecordKey& key, const Belonging& staying) {
+    if (key.first == BlobKind::MapRecord) {
+        placed_.keptForOthers += RemoveTiles(target_, MapRecord::Decode(FormerRecord(key)), staying);
+    } else if (key.first == BlobKind::IconRecord) {
+        const std::int64_t picture = IconRecord::Decode(FormerRecord(key)).picture.number;
+        if (staying.HasBlob(picture))
+            ++placed_.keptForOthers;
+        else
+            target_->Remove(BlobKind::IconPicture, picture);
+    }
+}
+
+void LibraryWriter::RemoveGoneRecords() {
+    for (const auto& map : state_.maps)
+        staying_.insert(map->id);
+    for (const auto& icon : state_.icons)
+        staying_.insert(icon->id);
+    std::vector<RecordKey> gone;
+    for (const auto& [key, digests] : former_)
+        if (IsGone(key))
+            gone.push_back(key);
+    if (gone.empty())
+        return;
+    const Belonging staying = Staying();
+    for (const RecordKey& key : gone) {
+        RemovePictures(key, staying);
         Statement(target_->File(), TargetOf(key.first).remove).Bind(1, key.second).Run();
         records_.erase(key);
     }
@@ -84,12 +114,18 @@ Bytes LibraryWriter::FormerRecord(const RecordKey& key) {
     return plain;
 }
 
-void RemoveTiles(const std::shared_ptr<Container>& container, const MapRecord& record) {
+std::int64_t RemoveTiles(const std::shared_ptr<Container>& container, const MapRecord& record,
+                         const Belonging& staying) {
     const PyramidLayout layout = record.Layout();
     TileReader reader(container, layout, record.pages, record.name);
+    std::set<std::int64_t> kept;
     for (std::int64_t entry = 0; entry < layout.Entries(); ++entry) {
         try {
-            container->Remove(BlobKind::Tile, reader.Entry(entry).number);
+            const std::int64_t number = reader.Entry(entry).number;
+            if (staying.HasBlob(number))
+                kept.insert(number);
+            else
+                container->Remove(BlobKind::Tile, number);
         } catch (const ComponentError& error) {
             // A damaged page hides which tiles it lists. They stay as free cargo until the file is written
             // anew; the map must be removable all the same.
@@ -99,7 +135,11 @@ void RemoveTiles(const std::shared_ptr<Container>& container, const MapRecord& r
         }
     }
     for (const PageRef& page : record.pages)
-        container->Remove(BlobKind::DirectoryPage, page.number);
+        if (staying.HasPage(page.number))
+            kept.insert(page.number);
+        else
+            container->Remove(BlobKind::DirectoryPage, page.number);
+    return static_cast<std::int64_t>(kept.size());
 }
 
 void LibraryWriter::WriteMap(const std::shared_ptr<MapState>& map, Progress& progress) {
@@ -139,6 +179,10 @@ void LibraryWriter::WriteHeader(FileHeader& header) {
     target_->Form().Describe(header);
     header.mapCount = static_cast<std::int32_t>(state_.maps.size());
     header.iconCount = static_cast<std::int32_t>(state_.icons.size());
+    // Nothing would open the file again.
+    if (!header.CountsAreInRange() || UsedNumbers::Of(target_->File()).largest >= header.nextNumber)
+        throw ComponentError(ErrorNumber::Failed, "The file '" + target_->File().ShownName() +
+                                                      "' cannot be saved: it has no numbers left.");
     header.root = target_->Form().RootOf(RecordListOf(records_));
     const Bytes encoded = header.Encode();
     const HeaderMac mac = target_->Form().MacOf(encoded);

@@ -1,8 +1,11 @@
 #pragma once
 
 #include "base/Progress.h"
+#include "component/storage/Belonging.h"
 #include "component/storage/FileHeader.h"
 #include "component/storage/LibraryState.h"
+
+#include <set>
 
 /// Where maps and icons lie after they were copied into another file.
 struct LibraryWriterResult {
@@ -16,6 +19,8 @@ struct LibraryWriterResult {
     };
     std::vector<PlacedMap> maps;
     std::vector<PlacedIcon> icons;
+    /// Pictures and pages of removed maps and icons that were kept, because others name them too.
+    std::int64_t keptForOthers = 0;
 
     /// Once the file has been committed: the copied maps and icons now lie in this container.
     void Apply(const std::shared_ptr<Container>& container);
@@ -39,6 +44,9 @@ public:
 
 private:
     void RemoveGoneRecords();
+    bool IsGone(const RecordKey& key) const;
+    Belonging Staying() const;
+    void RemovePictures(const RecordKey& key, const Belonging& staying);
     Bytes FormerRecord(const RecordKey& key);
     void WriteMap(const std::shared_ptr<MapState>& map, Progress& progress);
     void WriteIcon(const std::shared_ptr<IconState>& icon);
@@ -49,11 +57,14 @@ private:
     RecordTable former_;
     RecordTable records_;
     const LibraryState& state_;
+    std::set<std::int64_t> staying_; ///< numbers of the state's maps and icons
     LibraryWriterResult placed_;
 };
 
-/// Removes a map's tiles and directory pages from the container that holds them.
-void RemoveTiles(const std::shared_ptr<Container>& container, const MapRecord& record);
+/// Removes a map's tiles and directory pages from the container that holds them, except what stays with
+/// others. Gives the number of those.
+std::int64_t RemoveTiles(const std::shared_ptr<Container>& container, const MapRecord& record,
+                         const Belonging& staying = {});
 
 /// Copies an icon's picture into another container; as CopyTiles.
 BlobRef CopyPicture(const IconState& icon, Container& to, NumberSource* fresh);

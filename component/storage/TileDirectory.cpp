@@ -106,6 +106,12 @@ std::vector<std::uint8_t> TileReader::ReadTile(int level, std::int32_t row, std:
     return ReadEntry(layout_.Entry(level, row, column));
 }
 
+void TileReader::RefuseTile(int level, std::int32_t row, std::int32_t column,
+                            const std::string& reason) const {
+    const std::string end = reason.ends_with('.') ? reason.substr(0, reason.size() - 1) : reason;
+    Damaged(Place(layout_.Entry(level, row, column)) + ": " + end);
+}
+
 std::size_t TileWriter::DigestHash::operator()(const Digest& digest) const {
     std::size_t hash = 0;
     std::memcpy(&hash, digest.data(), sizeof(hash));

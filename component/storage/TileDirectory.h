@@ -19,6 +19,8 @@ public:
                std::string mapName);
 
     std::vector<std::uint8_t> ReadTile(int level, std::int32_t row, std::int32_t column) override;
+    [[noreturn]] void RefuseTile(int level, std::int32_t row, std::int32_t column,
+                                 const std::string& reason) const override;
 
     /// The entry of a tile, by its position in the count over all levels.
     BlobRef Entry(std::int64_t entry);

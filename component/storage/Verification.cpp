@@ -1,7 +1,9 @@
 #include "component/storage/Verification.h"
 
-#include "component/storage/TileDirectory.h"
+#include "component/storage/Belonging.h"
+#include "component/storage/TileForm.h"
 
+#include <optional>
 #include <unordered_set>
 #include <utility>
 
@@ -21,68 +23,129 @@ bool Tell(const DamageReport& report, const std::string& object, const Check& ch
     }
 }
 
-TileReader ReaderOf(const MapState& map) {
-    return {map.container, map.record.Layout(), map.record.pages, map.Name()};
-}
-
-void VerifyMap(const MapState& map, Progress& progress, const DamageReport& report) {
-    TileReader reader = ReaderOf(map);
-    const std::int64_t entries = map.record.Layout().Entries();
-    std::unordered_set<std::int64_t> seen;
-    std::int64_t damagedPage = -1;
-    for (std::int64_t entry = 0; entry < entries; ++entry) {
-        progress.ThrowIfCancelled();
-        progress.Add(1);
-        const std::int64_t page = entry / EntriesPerPage;
-        if (page == damagedPage)
-            continue;
-        BlobRef ref;
-        if (!Tell(report, "Map '" + map.Name() + "'", [&] { ref = reader.Entry(entry); })) {
-            damagedPage = page; // told once, not for each of its tiles
-            continue;
-        }
-        if (seen.insert(ref.number).second)
-            Tell(report, reader.Place(entry), [&] { reader.ReadEntry(entry); });
+/// What is wrong with a picture that was stored so, in a sentence with its place.
+template <typename Check>
+void TellOfPicture(const DamageReport& report, const Database& file, const std::string& place,
+                   const Check& check) {
+    try {
+        check();
+    } catch (const ComponentError& error) {
+        if (error.Number() != ErrorNumber::FileDamaged)
+            throw;
+        report(place,
+               "The file '" + file.ShownName() + "' is damaged: " + place + ": " + error.Description());
     }
 }
 
-void VerifyIcon(const IconState& icon, const DamageReport& report) {
-    const BlobRef& picture = icon.record.picture;
-    Bytes plain;
-    if (!icon.container->Get(BlobKind::IconPicture, picture.number, picture.digest, plain))
-        report("Icon '" + icon.Name() + "'",
-               "The picture of icon '" + icon.Name() + "' is missing or does not match its digest.");
-}
+/// Reads a map's tiles one after the other.
+class MapCheck {
+public:
+    MapCheck(const MapState& map, Depth depth, const DamageReport& report)
+        : map_(map), depth_(depth), report_(report),
+          reader_(map.container, map.record.Layout(), map.record.pages, map.Name()), form_(map.record) {}
 
-/// Numbers of all blobs and pages that belong to something.
-struct Belonging {
-    std::unordered_set<std::int64_t> blobs;
-    std::unordered_set<std::int64_t> pages;
+    void CheckEntry(std::int64_t entry) {
+        const std::int64_t page = entry / EntriesPerPage;
+        if (page == damagedPage_)
+            return;
+        BlobRef ref;
+        if (!Tell(report_, "Map '" + map_.Name() + "'", [&] { ref = reader_.Entry(entry); }))
+            damagedPage_ = page; // told once, not for each of its tiles
+        else if (seen_.insert(ref.number).second)
+            CheckTile(entry);
+    }
+
+private:
+    void CheckTile(std::int64_t entry) {
+        const std::string place = reader_.Place(entry);
+        Bytes png;
+        if (Tell(report_, place, [&] { png = reader_.ReadEntry(entry); }) && depth_ == Depth::Decoded)
+            TellOfPicture(report_, map_.container->File(), place, [&] { form_.Check(png, entry); });
+    }
+
+    const MapState& map_;
+    Depth depth_;
+    const DamageReport& report_;
+    TileReader reader_;
+    TileForm form_;
+    std::unordered_set<std::int64_t> seen_;
+    std::int64_t damagedPage_ = -1;
 };
 
-Belonging CollectBelonging(const LibraryState& state) {
-    Belonging belonging;
-    for (const auto& icon : state.icons)
-        belonging.blobs.insert(icon->record.picture.number);
-    for (const auto& map : state.maps) {
-        for (const PageRef& page : map->record.pages)
-            belonging.pages.insert(page.number);
-        TileReader reader = ReaderOf(*map);
-        for (std::int64_t entry = 0; entry < map->record.Layout().Entries(); ++entry)
-            belonging.blobs.insert(reader.Entry(entry).number);
+void VerifyMap(const MapState& map, Depth depth, Progress& progress, const DamageReport& report) {
+    MapCheck check(map, depth, report);
+    for (std::int64_t entry = 0; entry < map.record.Layout().Entries(); ++entry) {
+        progress.ThrowIfCancelled();
+        progress.Add(1);
+        check.CheckEntry(entry);
     }
-    return belonging;
 }
 
-void ReportStrays(Database& database, const char* sql, const std::unordered_set<std::int64_t>& belonging,
+void VerifyIcon(const IconState& icon, Depth depth, const DamageReport& report) {
+    const BlobRef& picture = icon.record.picture;
+    const std::string place = "Icon '" + icon.Name() + "'";
+    const std::optional<Bytes> stored = icon.container->GetStored(BlobKind::IconPicture, picture.number);
+    Bytes png;
+    if (!stored || stored->size() != picture.length ||
+        !icon.container->Form().Open(BlobKind::IconPicture, picture.number, *stored, picture.digest, png)) {
+        report(place, "The picture of icon '" + icon.Name() + "' is missing or does not match its digest.");
+        return;
+    }
+    if (depth == Depth::Decoded)
+        TellOfPicture(report, icon.container->File(), place, [&] {
+            TileDecoder decoder;
+            std::vector<std::uint8_t> pixels;
+            DecodeWhole(decoder, png, icon.record.width, icon.record.height, pixels);
+        });
+}
+
+void ReportStrays(Database& database, const char* sql, const std::function<bool(std::int64_t)>& belongs,
                   const std::string& what, const DamageReport& report) {
     std::int64_t strays = 0;
     Statement rows(database, sql);
     while (rows.Step())
-        strays += belonging.contains(rows.Integer(0)) ? 0 : 1;
+        strays += belongs(rows.Integer(0)) ? 0 : 1;
     if (strays > 0)
         report("File", "The file '" + database.ShownName() + "' holds " + std::to_string(strays) + " " +
                            what + " that belong to no map or icon.");
+}
+
+/// One metadata record for each map and icon, and none for anything else.
+void ReportRecords(const LibraryFile& file, const DamageReport& report) {
+    const RecordTable& records = file.Records();
+    std::int64_t strays = 0;
+    for (const auto& [key, digests] : records) {
+        const std::int64_t number = key.second;
+        const bool isMap = records.contains({BlobKind::MapRecord, number});
+        const bool isIcon = records.contains({BlobKind::IconRecord, number});
+        strays += key.first == BlobKind::MetadataRecord && !isMap && !isIcon ? 1 : 0;
+        if (key.first == BlobKind::IconRecord && isMap)
+            report("File", "The file '" + file.File().ShownName() + "' has a map and an icon of number " +
+                               std::to_string(number) + ".");
+    }
+    if (strays > 0)
+        report("File", "The file '" + file.File().ShownName() + "' holds " + std::to_string(strays) +
+                           " metadata records that belong to no map or icon.");
+}
+
+void ReportBelonging(LibraryFile& file, const LibraryState& state, const DamageReport& report) {
+    const std::string start = "The file '" + file.File().ShownName() + "' is damaged: ";
+    Belonging belonging([&](const std::string& owner, const std::string& other, std::int64_t count) {
+        report("File", start + owner + " names " + std::to_string(count) +
+                           " pictures or directory pages that belong to " + other + ".");
+    });
+    for (const auto& icon : state.icons)
+        belonging.Add(*icon);
+    for (const auto& map : state.maps)
+        belonging.Add(*map);
+    if (belonging.Largest() >= file.Header().nextNumber)
+        report("File", start + "a map or icon uses a number that its header calls unused.");
+    ReportStrays(
+        file.File(), "SELECT id FROM blob", [&](std::int64_t number) { return belonging.HasBlob(number); },
+        "pictures", report);
+    ReportStrays(
+        file.File(), "SELECT id FROM tile_index",
+        [&](std::int64_t number) { return belonging.HasPage(number); }, "directory pages", report);
 }
 
 } // namespace
@@ -94,12 +157,12 @@ std::int64_t VerifyWork(const LibraryState& state) {
     return work;
 }
 
-void VerifyTiles(const LibraryState& state, Progress& progress, const DamageReport& report) {
+void VerifyTiles(const LibraryState& state, Depth depth, Progress& progress, const DamageReport& report) {
     for (const auto& map : state.maps)
-        VerifyMap(*map, progress, report);
+        VerifyMap(*map, depth, progress, report);
     for (const auto& icon : state.icons) {
         progress.ThrowIfCancelled();
-        VerifyIcon(*icon, report);
+        VerifyIcon(*icon, depth, report);
     }
 }
 
@@ -114,13 +177,13 @@ std::vector<std::string> ObjectsWithoutPixels(const LibraryState& state, const C
     };
     for (const auto& map : state.maps) {
         if (map->container.get() == &container)
-            VerifyMap(*map, progress, notice);
+            VerifyMap(*map, Depth::Stored, progress, notice);
         note("map '" + map->Name() + "'");
     }
     for (const auto& icon : state.icons) {
         progress.ThrowIfCancelled();
         if (icon->container.get() == &container)
-            VerifyIcon(*icon, notice);
+            VerifyIcon(*icon, Depth::Stored, notice);
         note("icon '" + icon->Name() + "'");
     }
     return objects;
@@ -134,8 +197,7 @@ void VerifyStructure(LibraryFile& file, const LibraryState& state, const DamageR
                 report("File", "The file '" + file.File().ShownName() + "' is damaged: " + finding + ".");
     });
     Tell(report, "File", [&] {
-        const Belonging belonging = CollectBelonging(state);
-        ReportStrays(file.File(), "SELECT id FROM blob", belonging.blobs, "pictures", report);
-        ReportStrays(file.File(), "SELECT id FROM tile_index", belonging.pages, "directory pages", report);
+        ReportRecords(file, report);
+        ReportBelonging(file, state, report);
     });
 }

@@ -1,0 +1,209 @@
+// Libraries whose digests are all right and whose content no writer would have written.
+
+#include "base/ComponentError.h"
+#include "component/imaging/TileCodec.h"
+#include "tests/faults/FaultLab.h"
+#include "tests/faults/Forger.h"
+
+#include <gmock/gmock.h>
+
+#include <limits>
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::Contains;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr std::int64_t Last = std::numeric_limits<std::int64_t>::max();
+
+class ForgedFiles : public testing::Test {
+protected:
+    void SetUp() override {
+        fs::create_directory(folder_ / "scratch");
+        MakeLibrary(file_, 2, 200);
+        const std::vector<std::int64_t> numbers = MapNumbers(file_);
+        first_ = numbers.at(0);
+        second_ = numbers.at(1);
+        library_ = CreateAtlavexLibrary(CheapOptions((folder_ / "scratch").string()));
+    }
+
+    void Load() { library_->LoadFromFile(file_.string(), ""); }
+    std::vector<std::string> Findings() {
+        Load();
+        std::vector<std::string> reasons;
+        for (const Damage& damage : library_->Verify())
+            reasons.push_back(damage.reason);
+        return reasons;
+    }
+    void ExpectRefused(const std::string& sentence) {
+        try {
+            Load();
+            ADD_FAILURE() << "it was taken";
+        } catch (const ComponentError& error) {
+            EXPECT_EQ(error.Number(), ErrorNumber::FileDamaged);
+            EXPECT_THAT(error.Description(), HasSubstr(sentence));
+        }
+    }
+    /// The second map names the first one's tiles.
+    void ShareTiles() {
+        Forger forger(file_);
+        const MapRecord first = forger.Map(first_);
+        MapRecord second = forger.Map(second_);
+        forger.Remove("blob", forger.Page(second.pages.at(0)).at(0).number);
+        second.pages.at(0) = forger.PutPage(second.pages.at(0).number, forger.Page(first.pages.at(0)));
+        forger.PutMap(second_, second);
+    }
+    /// Another picture in the place of the first map's last tile.
+    void PutTile(const std::vector<std::uint8_t>& png) {
+        Forger forger(file_);
+        MapRecord map = forger.Map(first_);
+        std::vector<BlobRef> entries = forger.Page(map.pages.at(0));
+        entries.back() = forger.PutBlob(entries.back().number, png);
+        map.pages.at(0) = forger.PutPage(map.pages.at(0).number, entries);
+        forger.PutMap(first_, map);
+    }
+    static std::vector<std::uint8_t> Picture(std::int32_t side, PixelFormat format) {
+        const std::vector<std::uint8_t> pixels(static_cast<std::size_t>(side) *
+                                               static_cast<std::size_t>(side) * 4);
+        TileEncoder encoder;
+        const auto png = encoder.Encode(
+            {pixels.data(), std::ptrdiff_t{side} * BytesPerPixel(format), side, side, format, nullptr});
+        return {png.begin(), png.end()};
+    }
+
+    TempFolder folder_;
+    fs::path file_ = folder_ / "sheet.Atlavex";
+    std::int64_t first_ = 0;
+    std::int64_t second_ = 0;
+    std::unique_ptr<AtlavexLibrary> library_;
+};
+
+} // namespace
+
+TEST_F(ForgedFiles, WithNothingForgedAreSound) {
+    { const Forger forger(file_); }
+    EXPECT_THAT(Findings(), IsEmpty());
+}
+
+TEST_F(ForgedFiles, AtTheEndOfTheirGenerationsAreRefused) {
+    const std::string bytes = ReadWholeFile(file_);
+    { Forger(file_).Header().generation = Last; }
+    ExpectRefused("generation");
+    WriteWholeFile(file_, bytes);
+    { Forger(file_).Header().generation = FileHeader::LargestCount + 1; }
+    ExpectRefused("generation");
+}
+
+TEST_F(ForgedFiles, AtTheEndOfTheirNumbersAreRefused) {
+    { Forger(file_).Header().nextNumber = Last; }
+    ExpectRefused("next number");
+}
+
+TEST_F(ForgedFiles, WhoseNextNumberIsInUseAreRefused) {
+    const std::int64_t next = [&] { return Forger(file_).Header().nextNumber; }();
+    for (const std::int64_t number : {std::int64_t{1}, second_, next - 1}) {
+        { Forger(file_).Header().nextNumber = number; }
+        ExpectRefused("unused");
+    }
+    { Forger(file_).Header().nextNumber = next; }
+    EXPECT_THAT(Findings(), IsEmpty());
+}
+
+TEST_F(ForgedFiles, WithNumbersBelowOneAreRefused) {
+    { Forger(file_).Run("INSERT INTO blob(id, data) VALUES(-5, x'00')"); }
+    ExpectRefused("below 1");
+}
+
+/// Saving it must not make a file that nothing opens any more.
+TEST_F(ForgedFiles, OneStepBeforeTheEndOfTheirGenerationsAreNotSavedBeyondIt) {
+    { Forger(file_).Header().generation = FileHeader::LargestCount; }
+    const std::string bytes = ReadWholeFile(file_);
+    Load();
+    library_->GetMap(library_->MapIdAt(1))->SetMetadata("author", "Somebody");
+    EXPECT_THROW(library_->SaveToFile(file_.string(), ""), ComponentError);
+    EXPECT_THROW(library_->SaveToFile((folder_ / "other.Atlavex").string(), ""), ComponentError);
+    EXPECT_EQ(ReadWholeFile(file_), bytes);
+    Load();
+}
+
+TEST_F(ForgedFiles, WhoseMapsShareATileAreToldByVerify) {
+    ShareTiles();
+    EXPECT_THAT(Findings(), Contains(HasSubstr("belong to map")));
+}
+
+TEST_F(ForgedFiles, WhoseMapsShareATileKeepItWhenOneIsRemoved) {
+    ShareTiles();
+    Load();
+    library_->RemoveMap(library_->MapIdAt(1));
+    library_->SaveToFile(file_.string(), "");
+    const std::string kept = ContentOf(*library_);
+    EXPECT_EQ(kept.find("error"), std::string::npos) << kept;
+    EXPECT_EQ(ContentOfFile(file_), kept);
+}
+
+TEST_F(ForgedFiles, WhoseMapsShareAPageKeepItWhenOneIsRemoved) {
+    {
+        Forger forger(file_);
+        MapRecord second = forger.Map(second_);
+        forger.Remove("blob", forger.Page(second.pages.at(0)).at(0).number);
+        forger.Remove("tile_index", second.pages.at(0).number);
+        second.pages = forger.Map(first_).pages;
+        forger.PutMap(second_, second);
+    }
+    EXPECT_THAT(Findings(), Contains(HasSubstr("belong to map")));
+    library_->RemoveMap(library_->MapIdAt(1));
+    library_->SaveToFile(file_.string(), "");
+    EXPECT_EQ(ContentOfFile(file_).find("error"), std::string::npos);
+}
+
+TEST_F(ForgedFiles, WhoseTilesAreNoPicturesAreToldByVerify) {
+    PutTile({'j', 'u', 'n', 'k'});
+    EXPECT_THAT(Findings(), Contains(HasSubstr("level 0")));
+}
+
+TEST_F(ForgedFiles, WhoseTilesAreNoPicturesAreNamedWhenTheirPixelsAreRead) {
+    PutTile({'j', 'u', 'n', 'k'});
+    Load();
+    try {
+        library_->GetMap(library_->MapIdAt(1))->ReadPixels([](std::span<const std::uint8_t>, std::int32_t) {
+        });
+        ADD_FAILURE() << "there are no pixels";
+    } catch (const ComponentError& error) {
+        EXPECT_EQ(error.Number(), ErrorNumber::FileDamaged);
+        EXPECT_THAT(error.Description(), HasSubstr(file_.string()));
+        EXPECT_THAT(error.Description(), HasSubstr("Map 'Sheet 1', level 0, row 0, column 0"));
+    }
+}
+
+TEST_F(ForgedFiles, WhoseTilesHaveAnotherSizeAreToldByVerify) {
+    PutTile(Picture(64, PixelFormat::Rgba));
+    EXPECT_THAT(Findings(), Contains(HasSubstr("another size")));
+}
+
+TEST_F(ForgedFiles, WhoseTilesHaveOtherPixelsAreToldByVerify) {
+    PutTile(Picture(256, PixelFormat::Grey));
+    EXPECT_THAT(Findings(), Contains(HasSubstr("other pixels")));
+}
+
+TEST_F(ForgedFiles, WithMetadataOfNothingAreToldByVerify) {
+    {
+        Forger forger(file_);
+        forger.Run("INSERT INTO metadata(id, record) VALUES(" + std::to_string(forger.Header().nextNumber++) +
+                   ", x'0100000000')");
+    }
+    EXPECT_THAT(Findings(), Contains(HasSubstr("metadata")));
+}
+
+TEST_F(ForgedFiles, WhoseTilesHaveNumbersThatAreUnusedAreToldByVerify) {
+    {
+        Forger forger(file_);
+        MapRecord map = forger.Map(first_);
+        std::vector<BlobRef> entries = forger.Page(map.pages.at(0));
+        entries.back().number = forger.Header().nextNumber + 7;
+        map.pages.at(0) = forger.PutPage(map.pages.at(0).number, entries);
+        forger.PutMap(first_, map);
+    }
+    EXPECT_THAT(Findings(), Contains(HasSubstr("calls unused")));
+}
