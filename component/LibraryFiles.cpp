@@ -2,6 +2,7 @@
 
 #include "component/LibraryObject.h"
 #include "component/storage/FileReplacement.h"
+#include "component/storage/FileRights.h"
 #include "component/storage/RealPath.h"
 #include "component/storage/Saving.h"
 #include "component/storage/Verification.h"
@@ -31,6 +32,14 @@ std::string ListOf(const std::vector<std::string>& names) {
         list += (i > 0 ? ", " : "") + names[i];
     return names.size() <= MostNames ? list
                                      : list + " and " + std::to_string(names.size() - MostNames) + " more";
+}
+
+/// Whether the file stands in another place, too. A journal lies beside one name only: after a crash under
+/// that one, a save under the other would be rolled away later.
+bool HasSecondName(const std::filesystem::path& file) {
+    std::error_code unknown;
+    const std::uintmax_t names = std::filesystem::hard_link_count(file, unknown);
+    return !unknown && names > 1;
 }
 
 } // namespace
@@ -70,13 +79,17 @@ void LibraryObject::LoadFromFile(const std::string& file, const std::string& key
     scratch_.reset();
     form_ = file_->Tiles()->SharedForm();
     numbers_.Raise(file_->Header().nextNumber);
-    key_.Remember(form_->IsSealed() ? key : std::string());
+    if (form_->IsSealed())
+        key_.Remember(key); // as it is: a choice between two texts would copy it
+    else
+        key_.Remember({});
 }
 
 void LibraryObject::SaveToFile(const std::string& file, const std::string& key) {
     const std::filesystem::path target = RealPath(file);
     const bool sameFile = file_ && target == file_->Path();
     const bool sameKey = key_.Is(key);
+    notes_.clear();
     operations_->Run([&](Progress& progress) {
         if (sameFile && sameKey)
             SaveHere(progress);
@@ -99,14 +112,18 @@ void LibraryObject::SaveToFile(const std::string& file, const std::string& key) 
 
 void LibraryObject::SaveHere(Progress& progress) {
     SweepTemporaries(*files_, file_->Path());
+    if (HasSecondName(file_->Path())) {
+        WriteAnew(progress);
+        return;
+    }
     try {
-        SaveInPlace(*file_, state_, numbers_, std::move(direct_), progress);
+        NoteKept(SaveInPlace(*file_, state_, numbers_, std::move(direct_), progress));
     } catch (const ComponentError&) {
         GiveUpDirectWork();
         throw;
     }
     scratch_.reset();
-    if (!IsMostlyFree(*file_))
+    if (!IsMostlyFree(*file_) || !CanKeepOwnerAndGroup(file_->Path()))
         return;
     try {
         Shrink(progress);
@@ -114,6 +131,25 @@ void LibraryObject::SaveHere(Progress& progress) {
         // What was asked for is saved; that the file could not be made smaller, or that the user would not
         // wait for it, is no failure of the save.
     }
+}
+
+void LibraryObject::WriteAnew(Progress& progress) {
+    const std::filesystem::path path = file_->Path();
+    if (!CanKeepOwnerAndGroup(path)) {
+        GiveUpDirectWork();
+        throw ComponentError(ErrorNumber::FileNotWritable,
+                             "The file '" + path.string() +
+                                 "' has a second name (a hard link) and an owner or group that a new file "
+                                 "cannot have. Use Save As to keep your version under another name.");
+    }
+    Shrink(progress);
+}
+
+void LibraryObject::NoteKept(std::int64_t pictures) {
+    if (pictures > 0)
+        notes_.push_back("The file '" + file_->Path().string() + "' keeps " + std::to_string(pictures) +
+                         " pictures or directory pages of what was removed, because other maps or icons name "
+                         "them too, as none should.");
 }
 
 void LibraryObject::SaveAnew(const std::filesystem::path& target, std::shared_ptr<const Envelope> form,

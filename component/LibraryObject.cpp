@@ -233,10 +233,15 @@ std::vector<Damage> LibraryObject::Verify() {
     };
     operations_->Run([&](Progress& progress) {
         progress.Expect(VerifyWork(state_));
-        VerifyTiles(state_, progress, report);
+        VerifyTiles(state_, Depth::Decoded, progress, report);
         if (file_ && !direct_)
             VerifyStructure(*file_, file_->ReadState(), report);
     });
+    // What another program replaced meanwhile looks like damage from here.
+    if (!damages.empty() && file_ && !file_->IsUnchanged())
+        throw ComponentError(ErrorNumber::FileChanged,
+                             "The file '" + file_->Path().string() +
+                                 "' was changed by another program while it was read.");
     return damages;
 }
 

@@ -43,6 +43,8 @@ public:
     void Compact() override;
     std::string FileName() const override { return file_ ? file_->Path().string() : std::string(); }
     bool IsSealed() const override { return form_->IsSealed(); }
+    /// What is worth knowing about the last save beside its success, in sentences; mostly nothing.
+    const std::vector<std::string>& Notes() const { return notes_; }
 
 private:
     /// A file whose maps and icons are to be added.
@@ -63,6 +65,9 @@ private:
     /// here: throws FileChanged, naming what they belong to. Returns where that is not so.
     void TellRemovedPixels(Progress& progress) const;
     void Shrink(Progress& progress);
+    /// Saves a file with a second name: under this one alone, so that the other one keeps what it has.
+    void WriteAnew(Progress& progress);
+    void NoteKept(std::int64_t pictures);
     void FollowTiles();
     bool IsUnsavedInFile(const std::shared_ptr<Container>& container, const RecordKey& key) const;
     void GiveUpDirectWork();
@@ -79,6 +84,7 @@ private:
     NumberSource numbers_;
     RememberedKey key_;
     bool keyFitted_ = true;
+    std::vector<std::string> notes_;
     std::shared_ptr<const Envelope> form_;
     std::unique_ptr<LibraryFile> file_;
     std::shared_ptr<Container> scratch_;

@@ -216,6 +216,10 @@ Statement& Statement::Bind(int index, std::int64_t value) {
 }
 
 Statement& Statement::Bind(int index, ByteSpan bytes) {
+    if (bytes.size() > LongestValue)
+        throw ComponentError(ErrorNumber::ImageTooLarge,
+                             "The file '" + database_->ShownName() +
+                                 "' cannot hold a picture or text of more than 64 megabytes.");
     // An empty span may have no address, which SQLite would take for NULL.
     static constexpr std::uint8_t nothing = 0;
     const void* data = bytes.empty() ? &nothing : bytes.data();

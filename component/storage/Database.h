@@ -62,13 +62,16 @@ private:
     std::string shownName_;
 };
 
+/// Longest value that a file holds, in bytes; the row that it stands in takes a few more.
+inline constexpr std::size_t LongestValue = (std::size_t{64} << 20) - 64;
+
 /// A prepared statement. The database must outlive it.
 class Statement {
 public:
     Statement(Database& database, const char* sql);
 
     Statement& Bind(int index, std::int64_t value);
-    /// The bytes must stay until the statement is reset.
+    /// The bytes must stay until the statement is reset. ImageTooLarge for more than LongestValue.
     Statement& Bind(int index, ByteSpan bytes);
     Statement& Bind(int index, const char* text);
 

@@ -2,8 +2,10 @@
 
 #include "base/ComponentError.h"
 #include "component/storage/Sealing.h"
+#include "component/storage/WriteLock.h"
 
 #include <array>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -113,18 +115,18 @@ void FileReplacement::GiveUp() noexcept {
         files_->Remove(temporary_);
 }
 
-void FileReplacement::KeepFormer() {
+std::filesystem::path FileReplacement::KeepFormer() {
     for (int number = 1;; ++number) {
         std::filesystem::path name = target_;
         name += ".bak" + (number > 1 ? std::to_string(number) : std::string());
         if (files_->AddName(target_, name))
-            return;
+            return name;
     }
 }
 
-void FileReplacement::TakePlace(bool keepFormer) {
+/// A journal or log beside the target would be rolled into the new file and destroy it.
+void FileReplacement::RequireNoJournal() const {
     std::error_code ignored;
-    // A journal or log beside the target would be rolled into the new file and destroy it.
     for (const char* sibling : {"-journal", "-wal"})
         if (std::filesystem::exists(target_.string() + sibling, ignored))
             throw ComponentError(ErrorNumber::FileLocked,
@@ -132,9 +134,27 @@ void FileReplacement::TakePlace(bool keepFormer) {
                                      "' is in the middle of a save by another program, or was left so: '" +
                                      target_.string() + sibling +
                                      "' belongs to it. Open it once, or choose another name.");
+}
+
+void FileReplacement::TakePlace(Former former) {
+    // Whoever wants to write to the target waits from here on, and then finds that it was replaced.
+    std::optional<WriteLock> lock;
+    if (former == Former::Kept)
+        lock.emplace(target_);
+    RequireNoJournal();
     locked_->TakeRightsOf(target_);
-    if (keepFormer && std::filesystem::exists(std::filesystem::symlink_status(target_, ignored)))
-        KeepFormer();
-    files_->Replace(temporary_, target_);
+    std::error_code ignored;
+    std::filesystem::path kept;
+    if (former == Former::Kept && std::filesystem::exists(std::filesystem::symlink_status(target_, ignored)))
+        kept = KeepFormer();
+    try {
+        RequireNoJournal(); // of a program that knows no lock, while a copy was made
+        files_->Replace(temporary_, target_);
+    } catch (...) {
+        // A second name of a file that stays would change with it.
+        if (!kept.empty())
+            files_->Remove(kept);
+        throw;
+    }
     isTemporary_ = false;
 }

@@ -25,14 +25,20 @@ public:
 
     /// Makes what was written to the temporary durable.
     void Sync();
-    /// Puts the temporary in the target's place. A file that stood there is kept as NAME.bak, NAME.bak2, …
-    /// when `keepFormer` says so.
-    void TakePlace(bool keepFormer);
+    /// Puts the temporary in the target's place. FileLocked when another program is writing the target, or
+    /// left a journal beside it.
+    enum class Former {
+        Ours, ///< its write lock is the caller's; it is replaced
+        Kept  ///< any file: locked here while it is replaced, and kept as NAME.bak, NAME.bak2, …
+    };
+    void TakePlace(Former former);
     /// Takes the temporary's name away at once; its space stays taken as long as the object lives.
     void GiveUp() noexcept;
 
 private:
-    void KeepFormer();
+    /// Gives the name under which it is kept.
+    std::filesystem::path KeepFormer();
+    void RequireNoJournal() const;
     /// What goes wrong with the temporary is told of the target, the only name that the user knows.
     void NamingTarget(const std::function<void()>& step) const;
 

@@ -2,6 +2,7 @@
 
 #include "base/ComponentError.h"
 #include "base/FileDescriptor.h"
+#include "component/storage/FileRights.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -9,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -70,16 +72,7 @@ public:
     void Sync() override { Check(fsync(descriptor_.Number()) == 0, path_); }
 
     void TakeRightsOf(const std::filesystem::path& other) override {
-        struct stat status {};
-        if (stat(other.c_str(), &status) == 0) {
-            Check(fchmod(descriptor_.Number(), status.st_mode & 07777) == 0, path_);
-            // The owner can be kept only by a privileged user; the rights are what counts.
-            [[maybe_unused]] const int ignored = fchown(descriptor_.Number(), status.st_uid, status.st_gid);
-            return;
-        }
-        const mode_t mask = umask(0);
-        umask(mask);
-        Check(fchmod(descriptor_.Number(), 0666 & ~mask) == 0, path_);
+        TakeRights(descriptor_.Number(), other);
     }
 
 private:
@@ -92,15 +85,37 @@ bool LacksSecondNames(int error) {
     return error == EPERM || error == EOPNOTSUPP || error == ENOSYS || error == EMLINK;
 }
 
-/// A durable copy in place of a second name; false when the name is taken.
-bool Copy(const std::filesystem::path& file, const std::filesystem::path& name) {
-    std::error_code error;
-    if (std::filesystem::exists(std::filesystem::symlink_status(name, error)))
+bool CopyBytes(int from, int to) {
+    std::vector<char> buffer(std::size_t{1} << 20);
+    for (;;) {
+        const ssize_t count = read(from, buffer.data(), buffer.size());
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            return count == 0;
+        for (ssize_t done = 0; done < count;) {
+            const ssize_t written = write(to, buffer.data() + done, static_cast<std::size_t>(count - done));
+            if (written < 0 && errno != EINTR)
+                return false;
+            done += std::max<ssize_t>(written, 0);
+        }
+    }
+}
+
+/// A durable copy in place of a second name; false when the name is taken. Of one that fails nothing stays.
+bool Copy(const std::filesystem::path& file, FileDescriptor& from, const std::filesystem::path& name) {
+    from = FileDescriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    Check(from.IsOpen(), file);
+    const FileDescriptor to(open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!to.IsOpen() && errno == EEXIST)
         return false;
-    if (!std::filesystem::copy_file(file, name, error))
-        Fail(name, error.value());
-    const FileDescriptor descriptor(open(name.c_str(), O_RDONLY | O_CLOEXEC));
-    Check(descriptor.IsOpen() && fsync(descriptor.Number()) == 0, name);
+    Check(to.IsOpen(), name);
+    if (!CopyBytes(from.Number(), to.Number()) || fsync(to.Number()) != 0) {
+        const int error = errno;
+        unlink(name.c_str());
+        Fail(name, error);
+    }
+    TakeRights(to.Number(), file);
     return true;
 }
 
@@ -121,7 +136,7 @@ public:
             return false;
         if (!LacksSecondNames(errno))
             Fail(name, errno);
-        return Copy(file, name);
+        return Copy(file, copied_, name);
     }
 
     void SyncFolder(const std::filesystem::path& folder) override {
@@ -141,6 +156,10 @@ public:
             Names(file, descriptor))
             unlink(file.c_str());
     }
+
+private:
+    /// What was copied last. Closed at once, it would drop the lock under which the file is replaced.
+    FileDescriptor copied_;
 };
 
 } // namespace

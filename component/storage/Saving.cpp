@@ -4,23 +4,27 @@
 #include "component/storage/Schema.h"
 #include "component/storage/Verification.h"
 
+#include <optional>
+
 namespace {
 
 /// A failed commit is one thing, a commit whose folder could not be made durable another: SQLite reports an
-/// error for both, but in the second case the new state stands in the file.
-void Commit(LibraryFile& file, Transaction& transaction, const FileHeader& header) {
+/// error for both, but in the second case the new state stands in the file. Gives the reason then.
+std::optional<std::string> Commit(LibraryFile& file, Transaction& transaction, const FileHeader& header) {
     try {
         transaction.Commit();
-    } catch (const ComponentError&) {
+        return std::nullopt;
+    } catch (const ComponentError& error) {
         if (file.File().InTransaction() || !file.Holds(header))
             throw;
+        return error.Description();
     }
 }
 
 } // namespace
 
-void SaveInPlace(LibraryFile& file, const LibraryState& state, const NumberSource& numbers,
-                 std::unique_ptr<Transaction> begun, Progress& progress) {
+std::int64_t SaveInPlace(LibraryFile& file, const LibraryState& state, const NumberSource& numbers,
+                         std::unique_ptr<Transaction> begun, Progress& progress) {
     if (!begun) {
         begun = std::make_unique<Transaction>(file.File());
         file.RequireUnchanged();
@@ -33,9 +37,16 @@ void SaveInPlace(LibraryFile& file, const LibraryState& state, const NumberSourc
     ++header.generation;
     header.nextNumber = numbers.Next();
     writer.Write(header, progress);
-    Commit(file, *begun, header);
+    const std::optional<std::string> notDurable = Commit(file, *begun, header);
     file.Saved(header, writer.Records());
-    writer.TakeResult().Apply(file.Tiles());
+    LibraryWriterResult result = writer.TakeResult();
+    result.Apply(file.Tiles());
+    if (notDurable)
+        throw ComponentError(ErrorNumber::FileNotWritable,
+                             "The file '" + file.Path().string() +
+                                 "' is saved, but may hold its former state again after a power failure. (" +
+                                 *notDurable + ")");
+    return result.keptForOthers;
 }
 
 bool IsMostlyFree(LibraryFile& file) {
@@ -87,10 +98,20 @@ void DiscardCancelled(std::shared_ptr<Filling> filling, const NewFileRequest& re
     request.discard(std::move(filling));
 }
 
+/// Blobs are copied as they are stored, and the rot in a sealed one shows only when it is opened: then it is
+/// not the new file that could not be written.
+void RequireSoundSource(const LibraryState& state, Progress& progress) {
+    VerifyTiles(state, Depth::Stored, progress, [](const std::string&, const std::string& reason) {
+        throw ComponentError(ErrorNumber::FileDamaged, reason);
+    });
+}
+
 /// Reads the new file back before anything is given up for it: what a full or failing disk swallowed without
 /// a word shows here.
-void ReadBack(const FileReplacement& replacement, const NewFileRequest& request, Progress& progress) {
+void ReadBack(const FileReplacement& replacement, const NewFileRequest& request, const LibraryState& state,
+              Progress& progress) {
     const auto differs = [&](const std::string& reason) {
+        RequireSoundSource(state, progress);
         throw ComponentError(ErrorNumber::FileNotWritable,
                              "The file '" + request.target.string() +
                                  "' could not be written: it does not read back as it was written (" +
@@ -99,7 +120,7 @@ void ReadBack(const FileReplacement& replacement, const NewFileRequest& request,
     try {
         const auto written =
             LibraryFile::Open(replacement.Temporary(), request.form, request.target.string());
-        VerifyTiles(written->ReadState(), progress,
+        VerifyTiles(written->ReadState(), Depth::Stored, progress,
                     [&](const std::string& object, const std::string&) { differs(object); });
     } catch (const ComponentError& error) {
         // The damage is that of the temporary, not of the file that stands at the target.
@@ -134,7 +155,7 @@ std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& fi
     try {
         header = Fill(*filling, request, result, state, numbers, progress);
         replacement.Sync();
-        ReadBack(replacement, request, progress);
+        ReadBack(replacement, request, state, progress);
         progress.ThrowIfCancelled();
     } catch (const ComponentError& error) {
         if (error.Number() == ErrorNumber::Cancelled)
@@ -149,7 +170,8 @@ std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& fi
     }
     if (held)
         RemoveColdJournal(*files, request.target);
-    replacement.TakePlace(request.replaced == nullptr);
+    replacement.TakePlace(request.replaced == nullptr ? FileReplacement::Former::Kept
+                                                      : FileReplacement::Former::Ours);
     held.reset();
     request.placed();
     auto file = LibraryFile::Open(request.target, request.form, request.target.string());

@@ -8,9 +8,11 @@
 
 /// Writes the state into the open file in one transaction: it costs what changed. `begun` is a transaction on
 /// the file that has been begun already (it is committed too), or nothing. Throws FileChanged when another
-/// program changed or replaced the file since it was opened. Any failure leaves the file as it was.
-void SaveInPlace(LibraryFile& file, const LibraryState& state, const NumberSource& numbers,
-                 std::unique_ptr<Transaction> begun, Progress& progress);
+/// program changed or replaced the file since it was opened. Any failure leaves the file as it was, but one:
+/// when only its folder could not be made durable, FileNotWritable says so, and the state is saved. Gives how
+/// many pictures and pages of removed objects were kept, because others name them too.
+std::int64_t SaveInPlace(LibraryFile& file, const LibraryState& state, const NumberSource& numbers,
+                         std::unique_ptr<Transaction> begun, Progress& progress);
 
 /// Whether more than a quarter of the file's pages are free.
 bool IsMostlyFree(LibraryFile& file);

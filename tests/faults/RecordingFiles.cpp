@@ -27,6 +27,7 @@ private:
 
 void RecordingFiles::Step(const std::string& name) {
     steps.push_back(name);
+    watch(name);
     if (taken_++ == failing)
         throw ComponentError(ErrorNumber::FileNotWritable, "The step '" + name + "' was made to fail.");
 }

@@ -2,6 +2,7 @@
 
 #include "component/storage/FileSystem.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,8 @@ public:
     std::vector<std::string> steps;
     /// Which step fails, counted from 0 over those that can fail (removing cannot); none when negative.
     int failing = -1;
+    /// Called with each step before it is taken.
+    std::function<void(const std::string&)> watch = [](const std::string&) {};
 
     std::unique_ptr<LockedFile> CreateLocked(const std::filesystem::path& file) override;
     void Replace(const std::filesystem::path& from, const std::filesystem::path& to) override;

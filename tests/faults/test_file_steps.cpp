@@ -95,6 +95,7 @@ TEST_F(FileSteps, LeaveAForeignFileOrTheNewOneWhicheverFails) {
             EXPECT_EQ(ContentOfFile(Foreign()), expected_);
         else
             EXPECT_EQ(ReadWholeFile(Foreign()), foreignBytes_);
+        EXPECT_EQ(fs::exists(Backup(".bak")), placed) << "a second name would change with the file";
         EXPECT_EQ(ContentOf(*library_), expected_) << "the library in memory";
         library_->SaveToFile(Foreign().string(), "");
         EXPECT_EQ(ContentOfFile(Foreign()), expected_);

@@ -1,5 +1,5 @@
-// Journals that lie beside a library and are not its own: of the file that took its place, of another state of
-// it, or made to harm. SQLite finds them by their names alone.
+// Journals that lie beside a library and are not its own: of the file that took its place, of another state
+// of it, or made to harm. SQLite finds them by their names alone.
 
 #include "base/ComponentError.h"
 #include "tests/faults/FaultLab.h"
