@@ -1,5 +1,6 @@
 #include "cli/CatalogueReport.h"
 #include "cli/CommandSet.h"
+#include "cli/Interrupt.h"
 #include "cli/LibraryReport.h"
 #include "cli/Output.h"
 
@@ -41,13 +42,19 @@ void AddInfo(CommandSet& commands) {
 // -------------------------------------------------------------------------------------------------------
 
 /// Everything that is damaged. What keeps the library from being opened at all is damage as well.
+/// A file that another program saves meanwhile is read anew.
 std::vector<Damage> FindDamage(const LibraryChoice& choice) {
-    try {
-        return OpenedLibrary(choice, Access::Read)->Verify();
-    } catch (const ComponentError& error) {
-        if (error.Number() != ErrorNumber::FileDamaged)
-            throw;
-        return {{"Library", error.Description()}};
+    constexpr int MostAttempts = 20;
+    for (int attempt = 1;; ++attempt) {
+        try {
+            return OpenedLibrary(choice, Access::Read)->Verify();
+        } catch (const ComponentError& error) {
+            if (error.Number() == ErrorNumber::FileDamaged)
+                return {{"Library", error.Description()}};
+            if (error.Number() != ErrorNumber::FileChanged || attempt == MostAttempts)
+                throw;
+        }
+        ThrowIfInterrupted();
     }
 }
 

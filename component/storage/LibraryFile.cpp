@@ -2,8 +2,11 @@
 
 #include "component/storage/ByteCodec.h"
 #include "component/storage/Schema.h"
+#include "component/storage/UsedNumbers.h"
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 namespace {
 
@@ -63,6 +66,20 @@ private:
     bool own_;
 };
 
+/// The largest number under which a state says that something is stored.
+std::int64_t LargestNumberIn(const LibraryState& state) {
+    std::int64_t largest = 0;
+    for (const auto& map : state.maps)
+        for (const PageRef& page : map->record.pages)
+            largest = std::max(largest, page.number);
+    for (const auto& icon : state.icons)
+        largest = std::max(largest, icon->record.picture.number);
+    return largest;
+}
+
+/// More often than any program saves while one key is derived.
+constexpr int MostAttempts = 20;
+
 std::unique_ptr<Database> OpenChecked(const std::filesystem::path& file, const std::string& shownName) {
     RequireRegularFile(file);
     auto database = std::make_unique<Database>(file, Database::Mode::Existing, shownName);
@@ -94,6 +111,10 @@ void RequireRegularFile(const std::filesystem::path& file) {
 
 LibraryFile::LibraryFile(std::filesystem::path path, std::unique_ptr<Database> database)
     : path_(std::move(path)), opening_(std::move(database)) {
+    ReadHeader();
+}
+
+void LibraryFile::ReadHeader() {
     row_ = ReadHeaderRow(*opening_);
     header_ = DecodeHeader(*opening_, row_);
 }
@@ -107,15 +128,25 @@ std::unique_ptr<LibraryFile> LibraryFile::Open(const std::filesystem::path& file
                                                const std::string& shownName) {
     std::unique_ptr<LibraryFile> opened(new LibraryFile(file, OpenChecked(file, shownName)));
     try {
-        auto form = Envelope::Of(opened->header_, opened->row_.header, opened->row_.mac, key);
-        if (!form)
-            return nullptr;
-        opened->Accept(std::move(form));
+        std::shared_ptr<const Envelope> form;
+        // The key is derived while others may save: what was read before is looked at again.
+        for (int attempt = 0; attempt < MostAttempts; ++attempt) {
+            const bool fits = form && form->Id() == opened->header_.id &&
+                              form->MacOf(opened->row_.header) == opened->row_.mac;
+            if (!fits)
+                form = Envelope::Of(opened->header_, opened->row_.header, opened->row_.mac, key);
+            if (!form)
+                return nullptr;
+            if (opened->Accept(form))
+                return opened;
+            opened->ReadHeader();
+        }
     } catch (const MalformedRecord& malformed) {
         Database& database = opened->opening_ ? *opened->opening_ : opened->File();
         database.Damaged(malformed.what());
     }
-    return opened;
+    throw ComponentError(ErrorNumber::FileLocked,
+                         "The file '" + shownName + "' is being saved by another program again and again.");
 }
 
 std::unique_ptr<LibraryFile> LibraryFile::Open(const std::filesystem::path& file,
@@ -124,7 +155,9 @@ std::unique_ptr<LibraryFile> LibraryFile::Open(const std::filesystem::path& file
     std::unique_ptr<LibraryFile> opened(new LibraryFile(file, OpenChecked(file, shownName)));
     if (form->MacOf(opened->row_.header) != opened->row_.mac || form->Id() != opened->header_.id)
         opened->opening_->Damaged("its header does not match its digest");
-    opened->Accept(std::move(form));
+    if (!opened->Accept(std::move(form)))
+        throw ComponentError(ErrorNumber::FileChanged,
+                             "The file '" + shownName + "' was changed by another program just now.");
     return opened;
 }
 
@@ -152,16 +185,18 @@ FileHeader LibraryFile::DecodeHeader(Database& database, const HeaderRow& row) {
     }
 }
 
-void LibraryFile::Accept(std::shared_ptr<const Envelope> form) {
+bool LibraryFile::Accept(std::shared_ptr<const Envelope> form) {
+    Database& database = *opening_;
+    const ReadTransaction reading(database);
+    if (ReadHeaderRow(database) != row_)
+        return false;
     container_ = std::make_shared<Container>(std::move(opening_), std::move(form));
     ReadRecords();
+    read_ = DecodeState();
+    return true;
 }
 
 void LibraryFile::ReadRecords() {
-    const ReadTransaction reading(File());
-    if (ReadHeaderRow(File()) != row_)
-        throw ComponentError(ErrorNumber::FileChanged,
-                             "The file '" + File().ShownName() + "' was changed while it was opened.");
     for (const RecordSource& source : Sources) {
         Statement rows(File(), source.all);
         while (rows.Step()) {
@@ -171,6 +206,11 @@ void LibraryFile::ReadRecords() {
     }
     if (container_->Form().RootOf(RecordListOf(records_)) != header_.root)
         File().Damaged("its records do not match their digest");
+    const UsedNumbers used = UsedNumbers::Of(File());
+    if (used.smallest < 1)
+        File().Damaged("it uses a number below 1");
+    if (used.largest >= header_.nextNumber)
+        File().Damaged("it uses numbers that its header calls unused");
 }
 
 Bytes LibraryFile::RecordOf(const RecordKey& key) {
@@ -186,7 +226,13 @@ Bytes LibraryFile::RecordOf(const RecordKey& key) {
 }
 
 LibraryState LibraryFile::ReadState() {
+    if (read_)
+        return *std::exchange(read_, std::nullopt);
     const ReadTransaction reading(File());
+    return DecodeState();
+}
+
+LibraryState LibraryFile::DecodeState() {
     LibraryState state;
     for (const auto& [key, digests] : records_) {
         try {
@@ -208,6 +254,8 @@ LibraryState LibraryFile::ReadState() {
     if (state.maps.size() != static_cast<std::size_t>(header_.mapCount) ||
         state.icons.size() != static_cast<std::size_t>(header_.iconCount))
         File().Damaged("its counts are not those of its header");
+    if (LargestNumberIn(state) >= header_.nextNumber)
+        File().Damaged("it uses numbers that its header calls unused");
     return state;
 }
 

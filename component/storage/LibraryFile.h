@@ -4,6 +4,7 @@
 #include "component/storage/LibraryState.h"
 
 #include <filesystem>
+#include <optional>
 
 /// A library file that is open. Opening reads header and records and checks them against the digest tree;
 /// tiles are read when they are looked at.
@@ -27,7 +28,8 @@ public:
     Database& File() const { return container_->File(); }
     const RecordTable& Records() const { return records_; }
 
-    /// The maps and icons as stored; each call gives fresh copies.
+    /// The maps and icons as stored; each call gives fresh copies, the first those that were read with the
+    /// header.
     LibraryState ReadState();
 
     /// Whether the path still names this file and its header is the one that was read or last saved.
@@ -48,8 +50,12 @@ private:
     };
     static HeaderRow ReadHeaderRow(Database& database);
     static FileHeader DecodeHeader(Database& database, const HeaderRow& row);
-    void Accept(std::shared_ptr<const Envelope> form);
+    /// Reads header, records and state as they are at one moment. False when the header is no longer the one
+    /// that the form was made for.
+    bool Accept(std::shared_ptr<const Envelope> form);
+    void ReadHeader();
     void ReadRecords();
+    LibraryState DecodeState();
     Bytes RecordOf(const RecordKey& key);
 
     std::filesystem::path path_;
@@ -58,6 +64,7 @@ private:
     FileHeader header_;
     std::shared_ptr<Container> container_;
     RecordTable records_;
+    std::optional<LibraryState> read_; ///< as it was read with the header, until it is asked for
 };
 
 /// Throws unless the path names a regular file: a folder, device or pipe is never opened.

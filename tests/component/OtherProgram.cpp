@@ -13,14 +13,14 @@ namespace {
 constexpr const char* LockScript = R"(
 import sqlite3, sys
 database = sqlite3.connect(sys.argv[1], isolation_level=None)
-database.execute("BEGIN IMMEDIATE")
+database.execute("BEGIN " + sys.argv[2])
 print("locked", flush=True)
 sys.stdin.read()
 )";
 
 } // namespace
 
-LockingProgram::LockingProgram(const std::string& file) {
+LockingProgram::LockingProgram(const std::string& file, const std::string& kind) {
     std::array<int, 2> toChild{}, fromChild{};
     if (pipe(toChild.data()) != 0 || pipe(fromChild.data()) != 0)
         throw std::runtime_error("no pipe");
@@ -30,7 +30,7 @@ LockingProgram::LockingProgram(const std::string& file) {
         dup2(fromChild[1], 1);
         close(toChild[1]);
         close(fromChild[0]);
-        execl("/usr/bin/python3", "python3", "-c", LockScript, file.c_str(), nullptr);
+        execl("/usr/bin/python3", "python3", "-c", LockScript, file.c_str(), kind.c_str(), nullptr);
         _exit(127);
     }
     close(toChild[0]);

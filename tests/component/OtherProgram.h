@@ -5,7 +5,8 @@
 /// Another process that holds the write lock of a library file, as a program that is saving does.
 class LockingProgram {
 public:
-    explicit LockingProgram(const std::string& file);
+    /// "IMMEDIATE": others may read meanwhile; "EXCLUSIVE": they may not, as when the file itself is written.
+    explicit LockingProgram(const std::string& file, const std::string& kind = "IMMEDIATE");
     /// Lets go and waits for the process's end.
     ~LockingProgram();
     LockingProgram(const LockingProgram&) = delete;

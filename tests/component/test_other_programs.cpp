@@ -1,7 +1,10 @@
 // Other programs that change, replace, delete or lock the file that is open.
 
+#include "component/imaging/Bitmap.h"
 #include "tests/component/LibraryFixture.h"
 #include "tests/component/OtherProgram.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -210,4 +213,78 @@ TEST_F(LibraryBesideOthers, MergingTheOpenFileTakesWhatItHoldsNow) {
         EXPECT_ERROR(mine->SaveToFile(file_, key), ErrorNumber::FileChanged);
         ExpectHolds(file_, key, theirs);
     }
+}
+
+/// What the other program took away is no damage of the file.
+TEST_F(LibraryBesideOthers, AFileThatIsChangedWhileItIsVerifiedIsNotCalledDamaged) {
+    SaveWithALargeMap("");
+    const auto library = Open(file_);
+    const auto other = Open(file_);
+    other->RemoveMap(other->MapIdAt(1));
+    other->SaveToFile(file_, "");
+    EXPECT_ERROR(library->Verify(), ErrorNumber::FileChanged);
+    EXPECT_TRUE(Open(file_)->Verify().empty());
+}
+
+TEST_F(LibraryBesideOthers, AFileThatIsSavedWhileItsKeyIsDerivedIsLoadedAsItIsThen) {
+    LibraryOptions dear = Options();
+    dear.keyOperations = 4;
+    dear.keyMemoryMiB = 256;
+    const auto other = CreateAtlavexLibrary(dear);
+    FillRichly(*other);
+    other->SaveToFile(file_, "a key");
+    const auto library = NewLibrary();
+    int events = 0;
+    library->OnProgress = [&](float) {
+        if (++events != 3)
+            return;
+        MapAt(*other, 1)->SetMetadata("by", "the other");
+        other->SaveToFile(file_, "a key");
+    };
+    library->LoadFromFile(file_, "a key");
+    ASSERT_GE(events, 3);
+    EXPECT_EQ(ContentOf(*library), ContentOf(*other));
+    MapAt(*library, 1)->SetMetadata("by", "this one");
+    library->SaveToFile(file_, "a key");
+}
+
+TEST_F(LibraryBesideOthers, AFileThatIsLockedIsShownAsADraftAndFinallyWhole) {
+    const Sheet sheet = MakeSheet(PixelFormat::Rgb, 1200, 900);
+    {
+        const auto library = NewLibrary();
+        AddMap(*library, sheet);
+        library->SaveToFile(file_, "");
+    }
+    LibraryOptions patient = Options();
+    patient.viewPatience = 20;
+    const auto library = CreateAtlavexLibrary(patient);
+    library->LoadFromFile(file_, "");
+    const auto map = MapAt(*library, 1);
+    std::shared_ptr<const AtlavexImage> view;
+    {
+        const LockingProgram writer(file_, "EXCLUSIVE");
+        ASSERT_TRUE(map->RenderView(0, 0, 1000, 800, view));
+        EXPECT_TRUE(map->ViewIsDraft());
+        constexpr std::uint32_t hatchLine = 0xFFB04040;
+        const Bitmap& pixels = *view->Pixels();
+        EXPECT_EQ(std::count(pixels.pixels.begin(), pixels.pixels.end(), hatchLine), 0);
+    }
+    bool isFinal = false;
+    for (int attempt = 0; attempt < 100 && !isFinal; ++attempt) {
+        map->RenderView(0, 0, 1000, 800, view);
+        isFinal = !map->ViewIsDraft();
+    }
+    ASSERT_TRUE(isFinal);
+    const auto expected = Open(file_);
+    std::shared_ptr<const AtlavexImage> whole;
+    MapAt(*expected, 1)->RenderView(0, 0, 1000, 800, whole);
+    EXPECT_TRUE(view->Pixels()->pixels == whole->Pixels()->pixels);
+}
+
+TEST_F(LibraryBesideOthers, AFileThatIsLockedIsNoPictureForWhoeverWaitsForTheFinalOne) {
+    SaveWithALargeMap("");
+    const auto library = Open(file_);
+    const LockingProgram writer(file_, "EXCLUSIVE");
+    std::shared_ptr<const AtlavexImage> view;
+    EXPECT_ERROR(MapAt(*library, 1)->RenderView(0, 0, 100, 80, view), ErrorNumber::FileLocked);
 }
