@@ -28,6 +28,12 @@ std::shared_ptr<std::uint32_t[]> NewTile(const PyramidLayout& layout) {
     return std::make_shared_for_overwrite<std::uint32_t[]>(count);
 }
 
+TilePixels MakeBlankTile(const PyramidLayout& layout) {
+    auto tile = NewTile(layout);
+    std::fill_n(tile.get(), layout.TileWidth() * layout.TileHeight(), HatchGround);
+    return tile;
+}
+
 TilePixels MakeHatchedTile(const PyramidLayout& layout) {
     auto tile = NewTile(layout);
     for (std::int32_t y = 0, i = 0; y < layout.TileHeight(); ++y)
@@ -65,6 +71,10 @@ bool TileLoader::Load(TileBlock& block, std::optional<Time> deadline) {
         if (block.tiles[tile.place])
             memory_.Tiles().Put({map_, layout_.Entry(block.level, tile.row, tile.column)},
                                 block.tiles[tile.place], tileBytes_);
+    if (!deadline && obstacle_) {
+        const TilePixels blank = MakeBlankTile(layout_);
+        std::replace(block.tiles.begin(), block.tiles.end(), TilePixels(), blank);
+    }
     return whole;
 }
 
@@ -94,11 +104,11 @@ bool TileLoader::LoadMissing(TileBlock& block, const std::vector<Missing>& missi
         const bool someAreThere = item >= decoders.size();
         if (deadline && someAreThere && std::chrono::steady_clock::now() >= *deadline)
             whole = false;
-        else
+        else if (!IsObstructed())
             block.tiles[missing[item].place] =
                 LoadTile(decoders[static_cast<std::size_t>(thread)], block.level, missing[item]);
     });
-    return whole;
+    return whole && !obstacle_;
 }
 
 TilePixels TileLoader::LoadTile(TileDecoder& decoder, int level, const Missing& place) {
@@ -108,7 +118,16 @@ TilePixels TileLoader::LoadTile(TileDecoder& decoder, int level, const Missing& 
         decoder.DecodeToScreen(encoded, layout_.TileWidth(), layout_.TileHeight(), tile.get(),
                                layout_.TileWidth());
         return tile;
-    } catch (const ComponentError&) {
-        return MakeHatchedTile(layout_); // the rest of the view is still worth seeing
+    } catch (const ComponentError& error) {
+        if (error.Number() == ErrorNumber::FileDamaged)
+            return MakeHatchedTile(layout_); // the rest of the view is still worth seeing
+        const std::scoped_lock lock(mutex_);
+        obstacle_ = std::current_exception();
+        return nullptr;
     }
+}
+
+bool TileLoader::IsObstructed() {
+    const std::scoped_lock lock(mutex_);
+    return obstacle_ != nullptr;
 }

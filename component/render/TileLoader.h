@@ -6,6 +6,8 @@
 #include "component/render/ViewMemory.h"
 
 #include <chrono>
+#include <exception>
+#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -26,8 +28,9 @@ struct TileBlock {
 };
 
 /// Brings decoded tiles from the cache or the source; short-lived helpers read and decode beside the calling
-/// thread. A tile that cannot be read or decoded is hatched, and remembered
-/// as such as long as it stays in the cache.
+/// thread. A damaged tile is hatched, and remembered as such as long as it stays in the cache. Whatever else
+/// keeps a tile from being read, as another program's lock, is an obstacle: no more is read then, and nothing
+/// is remembered.
 class TileLoader {
 public:
     /// All three must outlive the loader. `map` is the number of the layout's map in the memory.
@@ -35,8 +38,14 @@ public:
 
     using Time = std::chrono::steady_clock::time_point;
 
+    /// Before each view: what stood in the way of the last one may have gone.
+    void ForgetObstacle() { obstacle_ = nullptr; }
+    /// What stood in the way; nothing when all could be read.
+    const std::exception_ptr& Obstacle() const { return obstacle_; }
+
     /// Fills the block's tiles; its other members say which. With a deadline it may end before all are there,
-    /// and answers false then; it always brings some, so that asking again comes to an end.
+    /// and answers false then; it always brings some, so that asking again comes to an end. Without one, what
+    /// an obstacle hides is blank.
     bool Load(TileBlock& block, std::optional<Time> deadline = {});
 
     /// Whether every tile of the block is in the cache.
@@ -48,6 +57,8 @@ public:
 private:
     struct Missing;
 
+    bool IsObstructed();
+    /// Nothing when an obstacle stands in the way.
     TilePixels LoadTile(TileDecoder& decoder, int level, const Missing& place);
     std::vector<Missing> TakeFromCache(TileBlock& block);
     bool LoadMissing(TileBlock& block, const std::vector<Missing>& missing, std::optional<Time> deadline);
@@ -57,4 +68,6 @@ private:
     ViewMemory& memory_;
     std::uint64_t map_;
     std::size_t tileBytes_; ///< of a decoded tile
+    std::mutex mutex_;      ///< of the obstacle while threads read
+    std::exception_ptr obstacle_;
 };

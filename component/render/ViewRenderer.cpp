@@ -163,7 +163,7 @@ bool ViewRenderer::State::Draw(const ViewRequest& request, Bitmap& view) {
         DrawPart(whole ? *MakePainter(request, layout, part.columns, part.rows)
                        : *DraftPainter(request, part),
                  view);
-    return whole;
+    return whole && !loader.Obstacle();
 }
 
 ViewRenderer::ViewRenderer(const PyramidLayout& layout, TileSource& source,
@@ -181,6 +181,7 @@ bool ViewRenderer::IsDraft() const {
 bool ViewRenderer::Render(const ViewRequest& request, std::shared_ptr<const Bitmap>& view) {
     CheckRequest(request);
     ViewMemory& memory = *state_->memory;
+    state_->loader.ForgetObstacle();
     try {
         if (state_->last == request &&
             (!state_->draft || !state_->LoadInTime(request, {ShownPart(request, state_->layout)})))
@@ -189,6 +190,9 @@ bool ViewRenderer::Render(const ViewRequest& request, std::shared_ptr<const Bitm
         state_->draft = false;
         ViewMemory::Picture& picture = memory.Next();
         state_->draft = !state_->Draw(request, *picture.bitmap);
+        // Whoever waits for the final view is not served with less.
+        if (state_->loader.Obstacle() && memory.Patience() <= std::chrono::milliseconds::zero())
+            std::rethrow_exception(state_->loader.Obstacle());
         // What is not final is nothing to take over.
         picture.map = state_->draft ? 0 : state_->map;
         picture.request = request;

@@ -28,14 +28,15 @@ public:
     ~ViewRenderer();
 
     /// True when the last view shows a coarser level, because its own tiles took longer than the memory's
-    /// patience. The same request again goes on bringing them, and draws the view when they are there.
+    /// patience, or blank places, because they could not be read (another program's lock). The same request
+    /// again goes on bringing them, and draws the view when they are there.
     bool IsDraft() const;
 
-    /// Draws a view of the requested size; the part outside the map is transparent. A tile that cannot be
-    /// read or decoded is hatched, and not read again while it stays in the cache. The picture stays as it is
+    /// Draws a view of the requested size; the part outside the map is transparent. A damaged tile
+    /// is hatched, and not read again while it stays in the cache. The picture stays as it is
     /// as long as it is held. False, and `view` untouched, when the request is the last one again and there
     /// is nothing better yet. Throws InvalidArgument unless width and height are 1 to 16384 and the zoom is
-    /// finite and above 0; OutOfMemory.
+    /// finite and above 0; OutOfMemory; without patience also what keeps tiles from being read.
     bool Render(const ViewRequest& request, std::shared_ptr<const Bitmap>& view);
 
 private:
