@@ -89,6 +89,12 @@ void ExportFolder::Replace(const std::string& name, std::string_view text) const
     }
 }
 
+void ExportFolder::Sync() const {
+    // One call for the whole file system costs less than one for each of a hundred thousand tiles.
+    if (syncfs(folder_.Number()) != 0)
+        ThrowNotWritable("", errno);
+}
+
 void ExportFolder::WriteNew(const std::string& name, std::span<const std::uint8_t> bytes, bool toDisk) const {
     // Not blocking: a pipe in the file's place would wait for a reader.
     constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;

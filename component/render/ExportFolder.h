@@ -26,6 +26,8 @@ public:
     void Write(const std::string& name, std::span<const std::uint8_t> bytes) const;
     /// Puts the file in place whole, after it has reached the disk, or leaves the former one.
     void Replace(const std::string& name, std::string_view text) const;
+    /// Waits until all that was written has reached the disk.
+    void Sync() const;
     /// The file's content; nothing where there is none. FileNotReadable for what is no file or too large.
     std::optional<std::string> Read(const std::string& name, std::size_t largest) const;
 

@@ -47,6 +47,7 @@ public:
         WriteMosaics();
         const std::string description = DescribeMap(map_, true);
         folder_.Replace("index.html", ViewerPage(map_.name, description));
+        folder_.Sync();
         progress_.ThrowIfCancelled();
         folder_.Replace(DescriptionFile, description);
     }
@@ -80,8 +81,7 @@ private:
         std::vector<std::uint8_t> bytes = source_.ReadTile(level, row, column);
         const TileHeader header = TileDecoder::ReadHeader(bytes);
         if (header.width != layout_.TileWidth() || header.height != layout_.TileHeight())
-            throw ComponentError(ErrorNumber::FileDamaged, "A tile of the map \"" + map_.name +
-                                                               "\" does not have the map's tile size.");
+            source_.RefuseTile(level, row, column, "its picture has another size");
         kinds_[static_cast<std::size_t>(layout_.Entry(level, row, column))] = KindOf(header);
         return {FolderOf(level, column) + "/" + std::to_string(row) + ".png", column, std::move(bytes)};
     }
