@@ -15,6 +15,8 @@ bool RememberedKey::Is(const std::string& key) const {
 }
 
 HeaderMac RememberedKey::Trace(const std::string& key) const {
-    const std::string normalized = NormalizedKey(key);
-    return KeyedHash(AsBytes(normalized), secret_);
+    std::string normalized = NormalizedKey(key);
+    const HeaderMac trace = KeyedHash(AsBytes(normalized), secret_);
+    WipeText(normalized);
+    return trace;
 }

@@ -3,10 +3,15 @@
 #include "base/ComponentError.h"
 
 #include <sodium.h>
+#ifdef __linux__
+#include <sys/prctl.h>
+#endif
+#include <sys/resource.h>
 #include <utf8proc.h>
 
 #include <cstring>
 #include <new>
+#include <vector>
 
 namespace {
 
@@ -16,6 +21,15 @@ constexpr char SubkeyContext[] = "Atlavex1";
 void NeedSodium() {
     if (sodium_init() < 0)
         throw ComponentError(ErrorNumber::Failed, "The encryption library could not be started.");
+}
+
+/// A core dump would carry the keys to the disk, and a debugger of the same user read them.
+void ForbidCoreDumps() {
+#ifdef __linux__
+    prctl(PR_SET_DUMPABLE, 0);
+#endif
+    const rlimit none{0, 0};
+    setrlimit(RLIMIT_CORE, &none);
 }
 
 } // namespace
@@ -36,16 +50,29 @@ bool KeyCost::IsAcceptable() const {
 }
 
 std::string NormalizedKey(const std::string& key) {
-    utf8proc_uint8_t* composed = nullptr;
-    const auto length = utf8proc_map(reinterpret_cast<const utf8proc_uint8_t*>(key.data()),
-                                     static_cast<utf8proc_ssize_t>(key.size()), &composed,
-                                     static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8PROC_COMPOSE));
+    if (!key.empty())
+        ForbidCoreDumps();
+    constexpr auto options = static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8PROC_COMPOSE);
+    const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(key.data());
+    const auto size = static_cast<utf8proc_ssize_t>(key.size());
+    const utf8proc_ssize_t most = utf8proc_decompose(bytes, size, nullptr, 0, options);
+    if (most < 0)
+        return key;
+    // A buffer of our own: the library's would be made shorter, and its end given back as it is.
+    std::vector<utf8proc_int32_t> letters(static_cast<std::size_t>(most) + 1);
+    utf8proc_decompose(bytes, size, letters.data(), most, options);
+    const utf8proc_ssize_t length = utf8proc_reencode(letters.data(), most, options);
+    std::string text;
+    if (length >= 0)
+        text.assign(reinterpret_cast<const char*>(letters.data()), static_cast<std::size_t>(length));
+    sodium_memzero(letters.data(), letters.size() * sizeof(letters.front()));
     if (length < 0)
         return key;
-    const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> owner(composed, &std::free);
-    std::string text(reinterpret_cast<const char*>(composed), static_cast<std::size_t>(length));
-    sodium_memzero(composed, static_cast<std::size_t>(length));
     return text;
+}
+
+void WipeText(std::string& text) {
+    sodium_memzero(text.data(), text.size());
 }
 
 DerivedKeys DeriveKeys(const std::string& key, const Salt& salt, const KeyCost& cost) {
@@ -55,7 +82,7 @@ DerivedKeys DeriveKeys(const std::string& key, const Salt& salt, const KeyCost& 
     const int failed =
         crypto_pwhash(both.Data(), both.Size(), normalized.data(), normalized.size(), salt.data(),
                       cost.operations, std::size_t{cost.memoryKiB} * 1024, crypto_pwhash_ALG_ARGON2ID13);
-    sodium_memzero(normalized.data(), normalized.size());
+    WipeText(normalized);
     if (failed != 0)
         throw ComponentError(ErrorNumber::OutOfMemory,
                              "There is not enough memory to check the encryption key.");

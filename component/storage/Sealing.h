@@ -44,8 +44,11 @@ using WrappedKey = std::array<std::uint8_t, 72>;
 inline constexpr std::size_t SealOverhead = 40;
 
 /// The key text as it enters the derivation: Unicode NFC in UTF-8, nothing trimmed or folded. Bytes that are
-/// no UTF-8 stay as they are.
+/// no UTF-8 stay as they are. The caller wipes it. From the first key on this process leaves no core dump.
 std::string NormalizedKey(const std::string& key);
+
+/// Overwrites a text's bytes.
+void WipeText(std::string& text);
 
 /// The two keys that a key text gives: one wraps the data key, one authenticates the header.
 struct DerivedKeys {
