@@ -7,7 +7,8 @@
 #include <string>
 
 /// A file that appears under its name only when it is complete: until Commit it is built beside it under a
-/// temporary name, and goes away when it is given up.
+/// temporary name, for its owner alone, and goes away when it is given up. What killed commands left beside
+/// it is swept.
 class NewFile {
 public:
     /// Throws ComponentError (FileNotWritable, DiskFull).

@@ -49,6 +49,22 @@ TEST_F(Output, ExtractedPixelsAreThoseThatWereAdded) {
     EXPECT_EQ(Python(ExtractScript), "");
 }
 
+TEST_F(Output, WhatAKilledExtractLeavesIsForNobodyElseToReadAndSweptByTheNext) {
+    ScaledLibrary();
+    const std::string answer = Python(R"(
+import glob, subprocess
+extract = [atlavex, 'extract', 'a.Atlavex', '1', '--out', 'out.png']
+os.umask(0o022)
+subprocess.run(['strace', '-f', '-qq', '-o', '/dev/null', '-e', 'inject=fsync:signal=SIGKILL', *extract])
+left = glob.glob('.atlavex.*.tmp')
+print(len(left), oct(os.stat(left[0]).st_mode & 0o777))
+open('.atlavex.mine.tmp', 'w').close()
+subprocess.run(extract, check=True)
+print(glob.glob('.atlavex.*.tmp'), oct(os.stat('out.png').st_mode & 0o777))
+)");
+    EXPECT_EQ(answer, "1 0o600\n['.atlavex.mine.tmp'] 0o644\n");
+}
+
 TEST_F(Output, AnExtractedIconIsThePictureThatWasAdded) {
     const std::string library = NewLibrary();
     Python(
