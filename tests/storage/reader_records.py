@@ -62,6 +62,7 @@ def parse_header(data):
     header |= {"maps": cursor.number("i"), "icons": cursor.number("i"), "root": cursor.raw(32)}
     require(version == 1 and zero == 0 and cursor.raw(8) == bytes(8), "the header is odd")
     cursor.end()
+    require(0 <= header["generation"] <= 2**62 and 1 <= header["next"] <= 2**62, "a count is impossible")
     require(derivation == int(sealed), "the key derivation is unknown")
     if sealed:
         require(1 <= header["passes"] <= 4 and 8192 <= header["memory"] <= 524288, "impossible key costs")
@@ -124,6 +125,8 @@ def parse_icon(data):
     result = {"ownName": cursor.text()}
     for field in ("width", "height", "offsetX", "offsetY"):
         result[field] = cursor.number("i")
+    pixels = result["width"] * result["height"]
+    require(min(result["width"], result["height"]) >= 1 and pixels <= 16 * 2**20, "an icon's size is impossible")
     result["picture"] = parse_entry(cursor)
     cursor.end()
     return result

@@ -29,6 +29,7 @@ from reader_records import (  # noqa: E402
     parse_metadata,
     require,
 )
+from reader_scaling import positions  # noqa: E402
 from reader_tiles import decode_png, halved, level_pixels, levels_of  # noqa: E402
 
 TABLES = [
@@ -40,6 +41,7 @@ TABLES = [
     ("blob", "CREATE TABLE blob(id INTEGER PRIMARY KEY, data BLOB NOT NULL)"),
 ]
 ENTRIES_PER_PAGE = 1000
+LONGEST_VALUE = 67108800
 
 
 class WrongKey(Exception):
@@ -56,6 +58,9 @@ def check_first_page(data):
     require(application == 0x41746C78, "no map library")
     require(version <= 1, f"format version {version} is newer than this reader")
     require(version == 1 and page_size == 8192 and data[18] == data[19] == 1, "the first page is odd")
+    require(data[20:24] == bytes([0, 64, 32, 32]), "the first page is odd")
+    for at, value in ((44, 4), (52, 0), (56, 1), (64, 0), (72, 0), (76, 0)):
+        require(int.from_bytes(data[at : at + 4], "big") == value, "the first page is odd")
     require(int.from_bytes(data[28:32], "big") * 8192 == len(data), "the length is not what it says")
 
 
@@ -66,6 +71,7 @@ class Library:
         self.database.text_factory = bytes
         self.check_schema()
         self.used = {"blob": set(), "tile_index": set()}
+        self.owners = {}
         self.read_header(key)
         self.read_records()
 
@@ -80,6 +86,7 @@ class Library:
     def rows(self, table, column):
         for number, value in self.database.execute(f"SELECT id, {column} FROM {table} ORDER BY id"):
             require(isinstance(value, bytes), "a value has the wrong type")
+            require(len(value) <= LONGEST_VALUE, "a value is too long")
             yield number, value
 
     def read_header(self, key):
@@ -108,7 +115,17 @@ class Library:
         require(owners == sorted(self.maps + self.icons), "metadata belong to nothing, or are missing")
         require(len(self.maps) == self.header["maps"], "the count of maps differs")
         require(len(self.icons) == self.header["icons"], "the count of icons differs")
-        require(all(0 < number < self.header["next"] for number in owners), "a number is out of range")
+        require(not set(self.maps) & set(self.icons), "a map and an icon have one number")
+        self.require_in_use(*owners)
+
+    def require_in_use(self, *numbers):
+        require(all(1 <= number < self.header["next"] for number in numbers), "a number is out of range")
+
+    def claim(self, owner, table, numbers):
+        """A row belongs to one map or icon."""
+        for number in numbers:
+            self.require_in_use(number)
+            require(self.owners.setdefault((table, number), owner) == owner, f"{table} {number} has two owners")
 
     def record(self, kind, number):
         return self.form.open(kind, number, self.stored[kind, number])
@@ -116,7 +133,7 @@ class Library:
     def value(self, table, kind, number, digest, length=None):
         row = self.database.execute(f"SELECT data FROM {table} WHERE id = ?", (number,)).fetchone()
         require(row is not None and isinstance(row[0], bytes), f"row {number} of {table} is missing")
-        require(0 < number < self.header["next"], "a number is out of range")
+        self.require_in_use(number)
         require(length in (None, len(row[0])), f"row {number} of {table} has another length")
         require(self.form.digest(row[0]) == digest, f"row {number} of {table} does not match its digest")
         self.used[table].add(number)
@@ -137,8 +154,10 @@ class Library:
     def tile(self, entry):
         return self.value("blob", TILE, entry["number"], entry["digest"], entry["length"])
 
-    def sheet_pixels(self, sheet):
+    def sheet_pixels(self, owner, sheet):
         entries, at, below, result = self.directory(sheet), 0, None, None
+        self.claim(owner, "tile_index", (number for number, _ in sheet["pages"]))
+        self.claim(owner, "blob", (entry["number"] for entry in entries))
         for level, (_, _, columns, rows) in enumerate(levels_of(sheet)):
             pngs = (self.tile(entry) for entry in entries[at : at + columns * rows])
             rgba, native = level_pixels(sheet, level, pngs)
@@ -161,13 +180,15 @@ class Library:
         result = {"sealed": self.header["sealed"], "maps": [], "icons": []}
         for position, number in enumerate(self.maps, 1):
             sheet = parse_map(self.record(MAP, number))
-            (folder / f"map-{position}.raw").write_bytes(self.sheet_pixels(sheet).tobytes())
+            (folder / f"map-{position}.raw").write_bytes(self.sheet_pixels(number, sheet).tobytes())
+            sheet["positions"] = positions(sheet)
             sheet |= self.describe_metadata(number, sheet.pop("ownName"))
             del sheet["pages"]
             result["maps"].append(sheet)
         for position, number in enumerate(self.icons, 1):
             icon = parse_icon(self.record(ICON, number))
             picture = icon.pop("picture")
+            self.claim(number, "blob", [picture["number"]])
             png = self.value("blob", PICTURE, picture["number"], picture["digest"], picture["length"])
             _, image, _ = decode_png(png, icon["width"], icon["height"])
             (folder / f"icon-{position}.rgba").write_bytes(image.convert("RGBA").tobytes())

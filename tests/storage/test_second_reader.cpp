@@ -1,11 +1,13 @@
 // A reader that was written from docs/atlavex-format.md alone finds in a file what went in, and a sealed file
 // shows none of it to someone without the key.
 
+#include "component/scaling/Scaling.h"
 #include "tests/component/LibraryFixture.h"
 #include "tests/support/RunProgram.h"
 
 #include <nlohmann/json.hpp>
 
+#include <cmath>
 #include <set>
 
 namespace {
@@ -83,6 +85,22 @@ protected:
                            file, PathOf("dump"), PathOf("key.txt")});
     }
 
+    /// Expects the coordinates that the engine gives for the first, the middle and the last pixel.
+    static void ExpectPositions(const Json& found, const MapContent& map) {
+        ASSERT_EQ(found.size(), map.georeference.kind == ScalingKind::None ? 0U : 3U);
+        if (found.empty())
+            return;
+        const auto scaling = MakeScaling(map.georeference);
+        const double width = map.sheet.width, height = map.sheet.height;
+        const PixelPosition pixels[] = {
+            {0, 0}, {std::floor(width / 2), std::floor(height / 2)}, {width - 1, height - 1}};
+        for (std::size_t i = 0; i < 3; ++i) {
+            const WorldPosition world = scaling->PixelToWorld(pixels[i]);
+            EXPECT_NEAR(found[i][0].get<double>(), world.x, 1e-9 * (1 + std::abs(world.x)));
+            EXPECT_NEAR(found[i][1].get<double>(), world.y, 1e-9 * (1 + std::abs(world.y)));
+        }
+    }
+
     /// Expects that the second reader finds the content in the file.
     void ExpectReads(const std::string& file, const std::string& key, const LibraryContent& content) const {
         const ProgramResult result = Read(file, key);
@@ -98,7 +116,11 @@ protected:
             const std::string rgba = "dump/icon-" + std::to_string(expected["icons"].size()) + ".rgba";
             EXPECT_TRUE(ReadWholeFile(PathOf(rgba)) == AsText(icon.rgba)) << rgba;
         }
-        const Json found = Json::parse(ReadWholeFile(PathOf("dump/library.json")));
+        Json found = Json::parse(ReadWholeFile(PathOf("dump/library.json")));
+        for (std::size_t i = 0; i < content.maps.size(); ++i) {
+            ExpectPositions(found["maps"].at(i).at("positions"), content.maps[i]);
+            found["maps"][i].erase("positions");
+        }
         EXPECT_EQ(Json::diff(found, expected), Json::array());
     }
 };
@@ -161,6 +183,13 @@ TEST_F(SecondReader, FindsWhatWasEditedMergedAndRemoved) {
         library->Compact();
         ExpectReads(file, key, ContentOf(*library));
     }
+}
+
+TEST_F(SecondReader, OpensTheVectorsOfTheFormatsPage) {
+    const ProgramResult result =
+        RunProgram({"/usr/bin/python3", std::string(SOURCE_DIR) + "/tests/storage/check_vectors.py",
+                    std::string(SOURCE_DIR) + "/docs/atlavex-format.md"});
+    EXPECT_EQ(result.status, 0) << result.err;
 }
 
 TEST_F(SecondReader, FindsNothingUnderAWrongKey) {
