@@ -14,7 +14,6 @@ struct GuardedVfs::File {
     sqlite3_file base;
     GuardedVfs* owner;
     sqlite3_file* real;
-    bool isLocked;
 };
 
 /// What SQLite calls. All that is not about the journal is handed on.
@@ -37,19 +36,12 @@ struct GuardedVfs::Calls {
     static int Truncate(sqlite3_file* file, sqlite3_int64 size) {
         return Real(file)->pMethods->xTruncate(Real(file), size);
     }
-    static int Sync(sqlite3_file* file, int flags) {
-        return Real(file)->pMethods->xSync(Real(file), flags);
-    }
+    static int Sync(sqlite3_file* file, int flags) { return Real(file)->pMethods->xSync(Real(file), flags); }
     static int Size(sqlite3_file* file, sqlite3_int64* size) {
         return Real(file)->pMethods->xFileSize(Real(file), size);
     }
-    static int Lock(sqlite3_file* file, int lock) {
-        if (!std::exchange(Of(file).isLocked, true))
-            Of(file).owner->HasMoved();
-        return Real(file)->pMethods->xLock(Real(file), lock);
-    }
+    static int Lock(sqlite3_file* file, int lock) { return Real(file)->pMethods->xLock(Real(file), lock); }
     static int Unlock(sqlite3_file* file, int lock) {
-        Of(file).isLocked = lock != SQLITE_LOCK_NONE;
         return Real(file)->pMethods->xUnlock(Real(file), lock);
     }
     static int CheckLock(sqlite3_file* file, int* held) {
@@ -83,8 +75,12 @@ struct GuardedVfs::Calls {
     static int Randomness(sqlite3_vfs* vfs, int size, char* bytes) {
         return Real(vfs)->xRandomness(Real(vfs), size, bytes);
     }
-    static int Sleep(sqlite3_vfs* vfs, int microseconds) { return Real(vfs)->xSleep(Real(vfs), microseconds); }
-    static int CurrentTime(sqlite3_vfs* vfs, double* time) { return Real(vfs)->xCurrentTime(Real(vfs), time); }
+    static int Sleep(sqlite3_vfs* vfs, int microseconds) {
+        return Real(vfs)->xSleep(Real(vfs), microseconds);
+    }
+    static int CurrentTime(sqlite3_vfs* vfs, double* time) {
+        return Real(vfs)->xCurrentTime(Real(vfs), time);
+    }
     static int LastError(sqlite3_vfs* vfs, int size, char* text) {
         return Real(vfs)->xGetLastError(Real(vfs), size, text);
     }
@@ -213,11 +209,11 @@ void GuardedVfs::CloseMain(const sqlite3_file* file) {
         main_ = nullptr;
 }
 
-bool GuardedVfs::HasMoved() {
+bool GuardedVfs::HasMoved() const {
     int moved = 0;
-    if (!moved_ && main_ != nullptr)
+    if (main_ != nullptr)
         main_->pMethods->xFileControl(main_, SQLITE_FCNTL_HAS_MOVED, &moved);
-    return moved_ = moved_ || moved != 0;
+    return moved != 0;
 }
 
 void GuardedVfs::RememberJournal() {

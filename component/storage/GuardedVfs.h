@@ -39,8 +39,8 @@ private:
     void CloseMain(const sqlite3_file* file);
 
     bool IsJournal(const char* name) const { return journal_ == name; }
-    /// Whether the path has ceased to name the open file. It never does again.
-    bool HasMoved();
+    /// Whether the path names another file than the open one. Asked anew at each use of a journal.
+    bool HasMoved() const;
     void RememberJournal();
     bool IsRememberedJournal() const;
 
@@ -52,7 +52,6 @@ private:
     std::unique_ptr<sqlite3_vfs, Deleter> vfs_;
     sqlite3_file* main_ = nullptr;
     std::string journal_; ///< path of the journal
-    bool moved_ = false;
     /// The journal that this connection has opened last, by device and inode.
     std::optional<std::pair<std::uint64_t, std::uint64_t>> opened_;
     std::string refusal_;
