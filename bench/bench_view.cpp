@@ -255,7 +255,7 @@ private:
 
     void ReadOut() {
         const auto map = Load();
-        map->SetMapDatum({});
+        map->SetMapDatum(QuorvantDatum().AsNumbers());
         map->SetScalingThreePoints({8, 50, 0, 0}, {9, 50, map->Width(), 0}, {8, 49, 0, map->Height()});
         Desk desk(map);
         Start(desk, 0);

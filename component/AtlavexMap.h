@@ -37,20 +37,29 @@ public:
     virtual void SetZoom(double zoom) = 0;
 
     // Scaling. ------------------------------------------------------------------------------------------
+    //
+    // A georeference is taken whole or not at all: datum, grid, identifier and zone are pending until one of
+    // the two scalings takes them together with its points, in place of all that the map had. What was not
+    // given is not kept from before. A call that fails drops what is pending; the map stays as it was.
 
-    /// The datum of the map's coordinates; drops an earlier grid. ValueNotFinite for numbers that are none.
+    /// The datum of the map's coordinates; drops a pending grid. ValueNotFinite for numbers that are none,
+    /// UnknownDatum for numbers that describe no ellipsoid or no shift.
     virtual void SetMapDatum(const QuorvantDatum::Numbers& datum) = 0;
-    /// The grid of the map's easting/northing coordinates: two integers, then seven doubles.
+    /// The grid of the map's easting/northing coordinates: two integers, then seven doubles. ValueNotFinite,
+    /// UnknownGrid, UnknownZone.
     virtual void SetMapGrid(std::int32_t method, std::int32_t zone, const std::array<double, 7>& values) = 0;
-    /// The catalogue's identifier of the grid and its zone as a decimal string, for display only.
+    /// The catalogue's identifier of the grid (0 for a grid that is not of the catalogue) and its zone as a
+    /// decimal string, for display only; without a grid they are not kept.
     virtual void SetGridIdentifier(std::int32_t identifier) = 0;
     virtual void SetZone(const std::string& zone) = 0;
-    /// Affine scaling through three points. PointsOnALine, ValueNotFinite: the former scaling stays.
+    /// Affine scaling through three points. PointsOnALine, ValueNotFinite.
     virtual void SetScalingThreePoints(const ReferencePoint& first, const ReferencePoint& second,
                                        const ReferencePoint& third) = 0;
-    /// Polar scaling. CornersImpossible, ValueNotFinite: the former scaling stays.
+    /// Polar scaling. CornersImpossible, ValueNotFinite.
     virtual void SetScalingCorners(const ReferencePoint& upperLeft, const ReferencePoint& lowerLeft,
                                    const ReferencePoint& upperRight, const ReferencePoint& lowerRight) = 0;
+    /// Forgets what is pending, for a caller whose own work fails between these calls.
+    virtual void DropPendingSystem() {}
 
     virtual bool IsScaled() const = 0;
     /// True: coordinates are easting/northing in metres; false: longitude/latitude in degrees.

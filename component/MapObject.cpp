@@ -32,39 +32,63 @@ void MapObject::SetZoom(double zoom) {
     Held().record.zoom = zoom;
 }
 
-void MapObject::SetMapDatum(const QuorvantDatum::Numbers& datum) {
-    RequireFinite(datum, "datum");
-    Georeference& georeference = Held().record.georeference;
-    georeference.datum = QuorvantDatum(datum);
-    // What names a grid goes with it; what was set for the grid that is yet to come stays.
-    if (georeference.grid) {
-        georeference.grid.reset();
-        georeference.gridIdentifier = 0;
-        georeference.zone.clear();
+/// A step that fails takes all that is pending with it, so that no later scaling finds half of a system.
+template <typename Step>
+void MapObject::WithPending(const Step& step) {
+    Held();
+    try {
+        step(pending_);
+    } catch (...) {
+        DropPendingSystem();
+        throw;
     }
-    converters_ = {};
+}
+
+void MapObject::SetMapDatum(const QuorvantDatum::Numbers& datum) {
+    WithPending([&](Georeference& pending) {
+        RequireFinite(datum, "datum");
+        const DatumShift usable{QuorvantDatum(datum)}; // refuses numbers that no conversion can use
+        // What names a grid goes with it; what was set for the grid that is yet to come stays.
+        if (pending.grid)
+            pending = {};
+        pending.datum = QuorvantDatum(datum);
+    });
 }
 
 void MapObject::SetMapGrid(std::int32_t method, std::int32_t zone, const std::array<double, 7>& values) {
-    RequireFinite(values, "grid");
-    const GridNumbers grid{method, zone, values};
-    // Refuses numbers that describe no projection, before anything is changed.
-    const GridProjection usable(grid, Held().record.georeference.datum.value_or(QuorvantDatum()));
-    Held().record.georeference.grid = grid;
-    converters_ = {};
+    WithPending([&](Georeference& pending) {
+        RequireFinite(values, "grid");
+        const GridNumbers grid{method, zone, values};
+        // Refuses numbers that describe no projection.
+        const GridProjection usable(grid, pending.datum.value_or(QuorvantDatum()));
+        pending.grid = grid;
+    });
 }
 
 void MapObject::SetGridIdentifier(std::int32_t identifier) {
-    Held().record.georeference.gridIdentifier = identifier;
+    WithPending([&](Georeference& pending) { pending.gridIdentifier = identifier; });
 }
 
-void MapObject::SetScaling(ScalingKind kind, std::vector<ReferencePoint> points) {
-    Georeference changed = Held().record.georeference;
-    changed.kind = kind;
-    changed.points = std::move(points);
-    std::unique_ptr<Scaling> scaling = MakeScaling(changed);
-    Held().record.georeference = std::move(changed);
-    converters_.scaling = std::move(scaling);
+void MapObject::SetZone(const std::string& zone) {
+    WithPending([&](Georeference& pending) { pending.zone = zone; });
+}
+
+void MapObject::SetScaling(ScalingKind kind, const std::vector<ReferencePoint>& points) {
+    WithPending([&](Georeference& pending) {
+        Georeference whole = pending;
+        if (!whole.grid) {
+            whole.gridIdentifier = 0;
+            whole.zone.clear();
+        }
+        whole.kind = kind;
+        whole.points = points;
+        Converters converters;
+        converters.scaling = MakeScaling(whole);
+        // Nothing fails from here on.
+        Held().record.georeference = std::move(whole);
+        converters_ = std::move(converters);
+        pending = {};
+    });
 }
 
 void MapObject::SetScalingThreePoints(const ReferencePoint& first, const ReferencePoint& second,

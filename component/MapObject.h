@@ -30,11 +30,12 @@ public:
     void SetMapDatum(const QuorvantDatum::Numbers& datum) override;
     void SetMapGrid(std::int32_t method, std::int32_t zone, const std::array<double, 7>& values) override;
     void SetGridIdentifier(std::int32_t identifier) override;
-    void SetZone(const std::string& zone) override { Held().record.georeference.zone = zone; }
+    void SetZone(const std::string& zone) override;
     void SetScalingThreePoints(const ReferencePoint& first, const ReferencePoint& second,
                                const ReferencePoint& third) override;
     void SetScalingCorners(const ReferencePoint& upperLeft, const ReferencePoint& lowerLeft,
                            const ReferencePoint& upperRight, const ReferencePoint& lowerRight) override;
+    void DropPendingSystem() override { pending_ = {}; }
     bool IsScaled() const override { return Held().record.georeference.kind != ScalingKind::None; }
     bool HasGrid() const override { return Held().record.georeference.grid.has_value(); }
     const Georeference& MapGeoreference() const override { return Held().record.georeference; }
@@ -63,7 +64,9 @@ private:
         std::unique_ptr<GridProjection> projection;
         std::unique_ptr<DatumShift> shift;
     };
-    void SetScaling(ScalingKind kind, std::vector<ReferencePoint> points);
+    template <typename Step>
+    void WithPending(const Step& step);
+    void SetScaling(ScalingKind kind, const std::vector<ReferencePoint>& points);
     Converters& WithScaling() const;
     Converters& WithDatum() const;
     TileReader NewReader() const;
@@ -73,6 +76,7 @@ private:
     std::shared_ptr<Operations> operations_;
     std::shared_ptr<ViewMemory> views_;
     int threads_;
+    Georeference pending_; ///< what the next scaling takes; never has a scaling itself
     mutable Converters converters_;
     std::shared_ptr<Container> shown_; ///< the container that reader and renderer look at
     std::unique_ptr<TileReader> reader_;

@@ -24,6 +24,30 @@ protected:
         map.SetScalingThreePoints({570000, 6310000, 0, 0}, {580000, 6310010, 999, 0},
                                   {570010, 6302000, 0, 799});
     }
+    static void ScaleLinearly(AtlavexMap& map) {
+        map.SetScalingThreePoints({10, 56, 0, 0}, {11, 56, 999, 0}, {10, 55, 0, 799});
+    }
+
+    struct Refusal {
+        std::function<void(AtlavexMap&)> call;
+        ErrorNumber number;
+    };
+    /// Each call of a georeference with something that it refuses.
+    static std::vector<Refusal> Refusals() {
+        const ReferencePoint a{0, 0, 0, 0}, b{1, 1, 100, 100}, c{2, 2, 200, 200}, odd{Nan, 0, 3, 500};
+        QuorvantDatum::Numbers datum = Ed50;
+        datum[8] = Infinity;
+        std::array<double, 7> grid = Utm32;
+        grid[6] = Nan;
+        return {{[=](AtlavexMap& m) { m.SetScalingThreePoints(a, b, c); }, ErrorNumber::PointsOnALine},
+                {[=](AtlavexMap& m) { m.SetScalingThreePoints(a, a, b); }, ErrorNumber::PointsOnALine},
+                {[=](AtlavexMap& m) { m.SetScalingThreePoints(a, b, odd); }, ErrorNumber::ValueNotFinite},
+                {[=](AtlavexMap& m) { m.SetScalingCorners(a, a, a, a); }, ErrorNumber::CornersImpossible},
+                {[=](AtlavexMap& m) { m.SetScalingCorners(a, b, c, odd); }, ErrorNumber::ValueNotFinite},
+                {[=](AtlavexMap& m) { m.SetMapDatum(datum); }, ErrorNumber::ValueNotFinite},
+                {[=](AtlavexMap& m) { m.SetMapGrid(1, 32, grid); }, ErrorNumber::ValueNotFinite},
+                {[=](AtlavexMap& m) { m.SetMapGrid(99, 32, Utm32); }, ErrorNumber::UnknownGrid}};
+    }
 
     std::unique_ptr<AtlavexLibrary> library_;
     std::shared_ptr<AtlavexMap> map_;
@@ -39,21 +63,59 @@ TEST_F(MapGeoreferencing, OfANewMapIsNone) {
     EXPECT_ERROR(map_->WorldToPixel({0, 0}), ErrorNumber::MapNotScaled);
 }
 
-TEST_F(MapGeoreferencing, ADatumDropsTheGridAndAGridBringsItBack) {
-    map_->SetMapDatum(Ed50);
-    EXPECT_FALSE(map_->HasGrid());
-    map_->SetMapGrid(1, 32, Utm32);
-    map_->SetGridIdentifier(7);
+TEST_F(MapGeoreferencing, IsPendingUntilAScalingTakesIt) {
+    map_->SetGridIdentifier(28);
     map_->SetZone("32");
-    EXPECT_TRUE(map_->HasGrid());
     map_->SetMapDatum(Ed50);
-    EXPECT_FALSE(map_->HasGrid());
-    EXPECT_EQ(map_->MapGeoreference().gridIdentifier, 0);
-    EXPECT_EQ(map_->MapGeoreference().zone, "");
     map_->SetMapGrid(1, 32, Utm32);
+    EXPECT_EQ(map_->MapGeoreference(), Georeference{});
+    EXPECT_FALSE(map_->HasGrid());
+    ScaleLinearly(*map_);
     EXPECT_TRUE(map_->HasGrid());
     EXPECT_EQ(map_->MapGeoreference().datum, QuorvantDatum(Ed50));
     EXPECT_EQ(map_->MapGeoreference().grid, (GridNumbers{1, 32, Utm32}));
+    EXPECT_EQ(map_->MapGeoreference().gridIdentifier, 28);
+    EXPECT_EQ(map_->MapGeoreference().zone, "32");
+}
+
+TEST_F(MapGeoreferencing, PendingIsNotSaved) {
+    ScaleInMetres(*map_);
+    const Georeference former = map_->MapGeoreference();
+    map_->SetMapDatum(QuorvantDatum().AsNumbers());
+    map_->SetGridIdentifier(9);
+    EXPECT_EQ(map_->MapGeoreference(), former);
+    library_->SaveToFile(PathOf("lib.Atlavex"), "");
+    EXPECT_EQ(MapAt(*Open(PathOf("lib.Atlavex"), ""), 1)->MapGeoreference(), former);
+}
+
+TEST_F(MapGeoreferencing, ADatumDropsThePendingGridAndWhatNamesIt) {
+    map_->SetMapDatum(Ed50);
+    map_->SetMapGrid(1, 32, Utm32);
+    map_->SetGridIdentifier(7);
+    map_->SetZone("32");
+    map_->SetMapDatum(Ed50);
+    ScaleLinearly(*map_);
+    EXPECT_FALSE(map_->HasGrid());
+    EXPECT_EQ(map_->MapGeoreference().gridIdentifier, 0);
+    EXPECT_EQ(map_->MapGeoreference().zone, "");
+}
+
+TEST_F(MapGeoreferencing, WithoutASystemKeepsNoneOfTheFormer) {
+    ScaleInMetres(*map_);
+    ScaleLinearly(*map_);
+    EXPECT_FALSE(map_->HasGrid());
+    EXPECT_FALSE(map_->MapGeoreference().datum.has_value());
+    EXPECT_EQ(map_->MapGeoreference().gridIdentifier, 0);
+    EXPECT_EQ(map_->MapGeoreference().zone, "");
+    // What one scaling took, the next does not find again.
+    map_->SetScalingCorners({10, 56, 3, 2}, {10, 55, 0, 799}, {11, 56, 990, 0}, {11, 55, 999, 797});
+    EXPECT_FALSE(map_->MapGeoreference().datum.has_value());
+    // A name without a grid names nothing.
+    map_->SetGridIdentifier(28);
+    map_->SetZone("32");
+    ScaleLinearly(*map_);
+    EXPECT_EQ(map_->MapGeoreference().gridIdentifier, 0);
+    EXPECT_EQ(map_->MapGeoreference().zone, "");
 }
 
 TEST_F(MapGeoreferencing, KeepsTheReferencePointsAsEntered) {
@@ -78,24 +140,65 @@ TEST_F(MapGeoreferencing, KeepsTheReferencePointsAsEntered) {
     }
 }
 
-TEST_F(MapGeoreferencing, ThatIsRefusedLeavesTheFormer) {
+TEST_F(MapGeoreferencing, ThatIsRefusedLeavesTheFormerAndNothingPending) {
     ScaleInMetres(*map_);
     const Georeference former = map_->MapGeoreference();
-    const ReferencePoint a{0, 0, 0, 0}, b{1, 1, 100, 100}, c{2, 2, 200, 200}, odd{Nan, 0, 3, 500};
-    EXPECT_ERROR(map_->SetScalingThreePoints(a, b, c), ErrorNumber::PointsOnALine);
-    EXPECT_ERROR(map_->SetScalingThreePoints(a, a, b), ErrorNumber::PointsOnALine);
-    EXPECT_ERROR(map_->SetScalingThreePoints(a, b, odd), ErrorNumber::ValueNotFinite);
-    EXPECT_ERROR(map_->SetScalingCorners(a, a, a, a), ErrorNumber::CornersImpossible);
-    EXPECT_ERROR(map_->SetScalingCorners(a, b, c, odd), ErrorNumber::ValueNotFinite);
-    QuorvantDatum::Numbers datum = Ed50;
-    datum[8] = Infinity;
-    EXPECT_ERROR(map_->SetMapDatum(datum), ErrorNumber::ValueNotFinite);
-    std::array<double, 7> grid = Utm32;
-    grid[6] = Nan;
-    EXPECT_ERROR(map_->SetMapGrid(1, 32, grid), ErrorNumber::ValueNotFinite);
-    EXPECT_ERROR(map_->SetMapGrid(99, 32, Utm32), ErrorNumber::UnknownGrid);
-    EXPECT_EQ(map_->MapGeoreference(), former);
-    EXPECT_NEAR(map_->PixelToWorld({0, 0}).x, 570000, 1e-6);
+    for (const auto& [refused, number] : Refusals()) {
+        map_->SetGridIdentifier(1);
+        map_->SetZone("33");
+        map_->SetMapDatum(QuorvantDatum().AsNumbers());
+        map_->SetMapGrid(1, 33, {0, 15, 0.9996, 500000, 0, 0, 0});
+        EXPECT_ERROR(refused(*map_), number);
+        EXPECT_EQ(map_->MapGeoreference(), former);
+        EXPECT_NEAR(map_->PixelToWorld({0, 0}).x, 570000, 1e-6);
+        const LonLat wgs84 = map_->WorldToWgs84({570000, 6310000});
+        EXPECT_NEAR(wgs84.longitude, 10.14869760549618, 1e-8);
+        // A scaling that comes later finds nothing of it.
+        ScaleLinearly(*map_);
+        EXPECT_EQ(map_->MapGeoreference().datum, std::nullopt);
+        EXPECT_EQ(map_->MapGeoreference().grid, std::nullopt);
+        ScaleInMetres(*map_);
+    }
+}
+
+TEST_F(MapGeoreferencing, ThatIsRefusedLeavesAMapWithoutOneWithoutOne) {
+    for (const auto& [refused, number] : Refusals()) {
+        map_->SetMapDatum(Ed50);
+        map_->SetMapGrid(1, 32, Utm32);
+        EXPECT_ERROR(refused(*map_), number);
+        EXPECT_EQ(map_->MapGeoreference(), Georeference{});
+        EXPECT_FALSE(map_->IsScaled());
+    }
+}
+
+TEST_F(MapGeoreferencing, PendingCanBeDropped) {
+    map_->SetMapDatum(Ed50);
+    map_->SetMapGrid(1, 32, Utm32);
+    map_->DropPendingSystem();
+    ScaleLinearly(*map_);
+    EXPECT_EQ(map_->MapGeoreference().datum, std::nullopt);
+    EXPECT_EQ(map_->MapGeoreference().grid, std::nullopt);
+}
+
+TEST_F(MapGeoreferencing, RefusesADatumThatNoConversionCanUse) {
+    constexpr double Largest = std::numeric_limits<double>::max();
+    for (const auto& [axis, e2] : {std::pair{0.0, 0.0066},
+                                   {-6378137.0, 0.0066},
+                                   {6378137.0, 1.0},
+                                   {6378137.0, 1.5},
+                                   {6378137.0, -0.1},
+                                   {6378137.0, Largest}}) {
+        QuorvantDatum::Numbers datum = Ed50;
+        datum[0] = axis;
+        datum[1] = e2;
+        SCOPED_TRACE(testing::Message() << axis << " " << e2);
+        EXPECT_ERROR(map_->SetMapDatum(datum), ErrorNumber::UnknownDatum);
+    }
+    QuorvantDatum::Numbers sphere = Ed50;
+    sphere[1] = 0;
+    map_->SetMapDatum(sphere);
+    ScaleLinearly(*map_);
+    EXPECT_NO_THROW(map_->WorldToWgs84({10, 50}));
 }
 
 TEST_F(MapGeoreferencing, GoesThereAndBackAlsoAfterReopening) {
@@ -140,15 +243,17 @@ TEST_F(MapGeoreferencing, OutsideItsAreaIsAnError) {
     EXPECT_ERROR(map_->Wgs84ToWorld({Nan, 0}), ErrorNumber::OutsideArea);
 }
 
-TEST_F(MapGeoreferencing, ChangedNumbersTakeEffectAtOnce) {
+TEST_F(MapGeoreferencing, ChangedNumbersTakeEffectWithTheirScaling) {
     ScaleInMetres(*map_);
-    const LonLat before = map_->WorldToWgs84({570000, 6310000});
+    const auto here = [this] { return map_->WorldToWgs84({570000, 6310000}); };
+    const LonLat before = here();
     QuorvantDatum::Numbers shifted = Ed50;
     shifted[2] += 1000;
     map_->SetMapDatum(shifted);
     map_->SetMapGrid(1, 32, Utm32);
-    const LonLat after = map_->WorldToWgs84({570000, 6310000});
-    EXPECT_GT(std::hypot(after.longitude - before.longitude, after.latitude - before.latitude), 1e-3);
+    EXPECT_EQ(here().longitude, before.longitude);
     map_->SetScalingThreePoints({0, 0, 0, 0}, {1, 0, 1, 0}, {0, 1, 0, 1});
     EXPECT_NEAR(map_->PixelToWorld({7, 9}).x, 7, 1e-9);
+    const LonLat after = here();
+    EXPECT_GT(std::hypot(after.longitude - before.longitude, after.latitude - before.latitude), 1e-3);
 }

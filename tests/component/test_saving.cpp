@@ -19,6 +19,27 @@ std::shared_ptr<AtlavexIcon> FirstIcon(AtlavexLibrary& library) {
     return library.GetIcon(library.IconIdAt(1));
 }
 
+constexpr QuorvantDatum::Numbers SomeOtherDatum{6378137, 0.006, 1, 2, 3, 4, 5, 6, 7};
+
+QuorvantDatum::Numbers FormerDatum(AtlavexLibrary& library) {
+    return FirstMap(library)->MapGeoreference().datum.value().AsNumbers();
+}
+std::array<double, 7> FormerGrid(AtlavexLibrary& library) {
+    return FirstMap(library)->MapGeoreference().grid.value().values;
+}
+
+/// The same corners, with another system in part.
+void ScaleAnew(AtlavexLibrary& library, const QuorvantDatum::Numbers& datum,
+               const std::array<double, 7>& grid, std::int32_t identifier = 7, const char* zone = "32") {
+    const auto map = FirstMap(library);
+    const std::vector<ReferencePoint> corners = map->MapGeoreference().points;
+    map->SetMapDatum(datum);
+    map->SetMapGrid(1, 32, grid);
+    map->SetGridIdentifier(identifier);
+    map->SetZone(zone);
+    map->SetScalingCorners(corners.at(0), corners.at(1), corners.at(2), corners.at(3));
+}
+
 const std::vector<Edit>& SimpleEdits() {
     static const std::vector<Edit> edits{
         {"rename a map", [](AtlavexLibrary& l) { FirstMap(l)->SetMetadata("name", "Nord"); }},
@@ -26,16 +47,13 @@ const std::vector<Edit>& SimpleEdits() {
         {"remove map metadata", [](AtlavexLibrary& l) { FirstMap(l)->RemoveMetadata("zeta"); }},
         {"identifier", [](AtlavexLibrary& l) { FirstMap(l)->SetIdentifier("{another}"); }},
         {"zoom", [](AtlavexLibrary& l) { FirstMap(l)->SetZoom(3.5); }},
-        {"datum",
-         [](AtlavexLibrary& l) {
-             FirstMap(l)->SetMapDatum({6378137, 0.006, 1, 2, 3, 4, 5, 6, 7});
-         }},
+        {"datum", [](AtlavexLibrary& l) { ScaleAnew(l, SomeOtherDatum, FormerGrid(l)); }},
         {"grid",
          [](AtlavexLibrary& l) {
-             FirstMap(l)->SetMapGrid(1, 33, {0, 15, 0.9996, 500000, 0, 0, 0});
+             ScaleAnew(l, FormerDatum(l), {0, 15, 0.9996, 500000, 0, 0, 0});
          }},
-        {"grid identifier", [](AtlavexLibrary& l) { FirstMap(l)->SetGridIdentifier(12); }},
-        {"zone", [](AtlavexLibrary& l) { FirstMap(l)->SetZone("4204"); }},
+        {"grid identifier", [](AtlavexLibrary& l) { ScaleAnew(l, FormerDatum(l), FormerGrid(l), 12); }},
+        {"zone", [](AtlavexLibrary& l) { ScaleAnew(l, FormerDatum(l), FormerGrid(l), 7, "4204"); }},
         {"three points",
          [](AtlavexLibrary& l) {
              FirstMap(l)->SetScalingThreePoints({1, 2, 3, 4}, {5, 9, 99, 5}, {0, -3, 7, 88});
