@@ -123,6 +123,20 @@ TEST_F(Maps, PointsAndCornersMustSpanSomething) {
     EXPECT_EQ(DoJson({"info", library})["maps"][0]["zone"], "32");
 }
 
+TEST_F(Maps, AScalingThatIsRefusedLeavesTheFormer) {
+    const std::string library = NewLibrary();
+    Do({"add-map", library, Bmp("x.bmp"), "--datum", "ED50", "--point", "0,0=9,56", "--point", "100,0=10,56",
+        "--point", "0,100=9,55"});
+    const Words scale{"scale", library, "1", "--grid", "UTM North (wgs84)", "--zone", "32"};
+    const auto before = DoJson({"info", library});
+    ExpectFailure(1, scale + Words{"--point", "0,0=500000,6200000", "--point", "10,10=500010,6200010",
+                                   "--point", "20,20=500020,6200020"});
+    ExpectFailure(1, scale + Words{"--worldfile", Write("zeros.tfw", "0\n0\n0\n0\n0\n0\n")});
+    ExpectFailure(1, scale + Words{"--corner", "0,0=500000,6200000", "--corner", "0,0=500000,6100000",
+                                   "--corner", "0,0=600000,6200000", "--corner", "0,0=600000,6100000"});
+    EXPECT_EQ(DoJson({"info", library}), before);
+}
+
 TEST_F(Maps, AScalingIsKeptAsItWasGiven) {
     const std::string library = ScaledLibrary();
     auto map = DoJson({"info", library})["maps"][0];
