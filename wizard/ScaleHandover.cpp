@@ -2,6 +2,7 @@
 
 #include "base/CheckedNumbers.h"
 #include "wizard/Projections.h"
+#include "wizard/WizardMessages.h"
 
 #include <string_view>
 
@@ -29,7 +30,9 @@ void HandOverDatum(AtlavexMap& map, const QuorvantDatum& datum) {
     map.SetMapDatum(NumbersOf(datum));
 }
 
-void HandOverGrid(AtlavexMap& map, const QuorvantGrid& grid) {
+void HandOverGrid(AtlavexMap& map, std::int16_t gridIdentifier, std::int16_t zone, const QuorvantGrid& grid) {
+    map.SetGridIdentifier(gridIdentifier);
+    map.SetZone(std::to_string(zone));
     HandOverDatum(map, grid.Datum());
     const GridNumbers& numbers = grid.AsNumbers();
     map.SetMapGrid(numbers.method, numbers.zone, numbers.values);
@@ -42,10 +45,14 @@ void HandOverPoints(AtlavexMap& map, std::int16_t projection, const WizardPoints
         map.SetScalingCorners(points.At(1), points.At(2), points.At(3), points.At(4));
 }
 
-void HandOverWorldfile(AtlavexMap& map, std::int16_t gridIdentifier, std::int16_t zone,
-                       const QuorvantGrid& grid, const std::array<ReferencePoint, 3>& points) {
-    map.SetGridIdentifier(gridIdentifier);
-    map.SetZone(std::to_string(zone));
-    HandOverGrid(map, grid);
-    map.SetScalingThreePoints(points[0], points[1], points[2]);
+bool RunHandOver(QWidget* parent, AtlavexMap& map, const std::function<void()>& calls) {
+    map.DropPendingSystem(); // what somebody left there belongs to no scaling of this run
+    try {
+        calls();
+        return true;
+    } catch (const std::exception& error) {
+        map.DropPendingSystem();
+        ShowInvalidScaling(parent, error);
+        return false;
+    }
 }

@@ -6,7 +6,9 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
+#include <functional>
+
+class QWidget;
 
 /// The reference points of a wizard run, numbered from 1; place 0 is not used. X is the longitude in decimal
 /// degrees or the easting in metres, Y the latitude or the northing; pixels are unzoomed.
@@ -25,10 +27,12 @@ struct WizardPoints {
 // All throw what the map throws; what follows a failure is not called.
 
 void HandOverDatum(AtlavexMap& map, const QuorvantDatum& datum);
-/// The grid's own datum first.
-void HandOverGrid(AtlavexMap& map, const QuorvantGrid& grid);
+/// A grid with what it is called: its identifier in the catalogue (0 for one of another program) and its
+/// zone, then the grid's own datum, then the grid.
+void HandOverGrid(AtlavexMap& map, std::int16_t gridIdentifier, std::int16_t zone, const QuorvantGrid& grid);
 /// Three points for projection 1 (Cartesian), four corners for 2 (Polar), nothing for any other.
 void HandOverPoints(AtlavexMap& map, std::int16_t projection, const WizardPoints& points);
-/// A worldfile's scale on a grid of the catalogue (identifier and zone are for display).
-void HandOverWorldfile(AtlavexMap& map, std::int16_t gridIdentifier, std::int16_t zone,
-                       const QuorvantGrid& grid, const std::array<ReferencePoint, 3>& points);
+
+/// Makes the calls of one run. Whatever fails in them leaves the map's georeference as it was and is told
+/// before `parent`: "Invalid scaling: " and the reason. Whether nothing failed.
+bool RunHandOver(QWidget* parent, AtlavexMap& map, const std::function<void()>& calls);

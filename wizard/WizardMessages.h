@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/ComponentError.h"
+#include "base/ErrorSentence.h"
 #include "platform/modMessages.h"
 
 // What both wizards say.
@@ -12,6 +12,6 @@ inline void ShowWizardCancelled(QWidget* parent) {
                                "the Wizard."));
 }
 
-inline void ShowInvalidScaling(QWidget* parent, const ComponentError& error) {
-    ShowError(parent, QStringLiteral("Invalid scaling: ") + QString::fromStdString(error.Description()));
+inline void ShowInvalidScaling(QWidget* parent, const std::exception& error) {
+    ShowError(parent, QStringLiteral("Invalid scaling: ") + QString::fromStdString(SentenceOf(error)));
 }

@@ -37,6 +37,7 @@ bool clsScalingWizard::DoSelectDatumGrid() {
 void clsScalingWizard::TakeSystem(const frmSelectDatumGrid& form) {
     useLonLat_ = form.UseLonLat();
     useGrid_ = form.UseGrid();
+    gridIdentifier_ = form.GridIdentifier();
     zone_ = form.Zone();
     datum_ = form.Datum();
     grid_ = datum_ ? std::nullopt : form.Grid();
@@ -108,15 +109,13 @@ void clsScalingWizard::TakePoint() {
 void clsScalingWizard::ScaleMap(AtlavexMap* map) {
     if (map == nullptr)
         throw ComponentError(ErrorNumber::NoSuchMap, "There is no map to be scaled.");
-    try {
+    RunHandOver(parent_, *map, [this, map] {
         if (datum_)
             HandOverDatum(*map, *datum_);
         if (grid_)
-            HandOverGrid(*map, *grid_);
+            HandOverGrid(*map, gridIdentifier_, zone_, *grid_);
         HandOverPoints(*map, projection_, points_);
-    } catch (const ComponentError& error) {
-        ShowInvalidScaling(parent_, error);
-    }
+    });
 }
 
 QString clsScalingWizard::Prompt() const {

@@ -57,6 +57,7 @@ private:
     std::int16_t projection_ = 0;
     bool useLonLat_ = false;
     bool useGrid_ = false;
+    std::int16_t gridIdentifier_ = 0;
     std::int16_t zone_ = 0;
     WizardPoints points_;
     std::int16_t coordinateCount_ = 0;

@@ -32,12 +32,9 @@ bool clsWorldfileWizard::DoSelectDatumGrid(AtlavexMap& map, const QString& world
         ShowWizardCancelled(parent_);
         return false;
     }
-    try {
+    return RunHandOver(parent_, map, [&] {
         const auto points = PointsOf(worldfilePath, map, orientation);
-        HandOverWorldfile(map, form.GridIdentifier(), form.Zone(), form.Grid(), points);
-        return true;
-    } catch (const ComponentError& error) {
-        ShowInvalidScaling(parent_, error);
-        return false;
-    }
+        HandOverGrid(map, form.GridIdentifier(), form.Zone(), form.Grid());
+        map.SetScalingThreePoints(points[0], points[1], points[2]);
+    });
 }

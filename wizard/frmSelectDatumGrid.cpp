@@ -85,6 +85,7 @@ void frmSelectDatumGrid::rdShowGrid_Click() {
 void frmSelectDatumGrid::bNext_Click() {
     datum_.reset();
     grid_.reset();
+    gridIdentifier_ = 0;
     zone_ = 0;
     if (IsCustom())
         TakeCustom();
@@ -117,6 +118,7 @@ bool frmSelectDatumGrid::TakeGrid() {
     const std::optional<ChosenGrid> chosen = chooser_->Choose(this);
     if (!chosen)
         return false;
+    gridIdentifier_ = chosen->identifier;
     zone_ = chosen->zone;
     grid_ = chosen->grid;
     return true;

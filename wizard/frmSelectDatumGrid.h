@@ -24,6 +24,7 @@ public:
     // Set once the form is confirmed.
     bool UseLonLat() const { return useLonLat_; }
     bool UseGrid() const { return useGrid_; }
+    std::int16_t GridIdentifier() const { return gridIdentifier_; } ///< 0 for a datum or a custom grid
     /// The typed zone, the state-plane code as a number, or 0.
     std::int16_t Zone() const { return zone_; }
     /// At most one of the two is set; none when another program was to give it and gave nothing.
@@ -50,6 +51,7 @@ private:
     std::optional<GridChooser> chooser_;
     bool useLonLat_ = false;
     bool useGrid_ = false;
+    std::int16_t gridIdentifier_ = 0;
     std::int16_t zone_ = 0;
     std::optional<QuorvantDatum> datum_;
     std::optional<QuorvantGrid> grid_;

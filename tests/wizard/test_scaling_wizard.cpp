@@ -121,7 +121,8 @@ TEST_F(ScalingWizard, HandsAGridWithItsDatumToTheMap) {
     DefineEastNorth(0, 100, 500000, 6199000);
     wizard.ScaleMap(&map);
     EXPECT_THAT(map.calls,
-                ::testing::ElementsAre(Wgs84, "SetMapGrid 1 32 0 9 0.9996 5e+05 0 0 0",
+                ::testing::ElementsAre("SetGridIdentifier 1", "SetZone 32", Wgs84,
+                                       "SetMapGrid 1 32 0 9 0.9996 5e+05 0 0 0",
                                        "SetScalingThreePoints 500000.25 6200000 0 0, 501000 6200000 100 0, "
                                        "5e+05 6199000 0 100"));
 }
@@ -247,6 +248,29 @@ TEST_F(ScalingWizard, ReportsTheFirstFailureAndCallsNothingMore) {
     }
 }
 
+TEST_F(ScalingWizard, ReportsEveryKindOfFailure) {
+    struct FailingMap : BlankMap {
+        void SetMapDatum(const QuorvantDatum::Numbers&) override {
+            if (lacksMemory)
+                throw std::bad_alloc();
+            throw std::runtime_error("Broken.");
+        }
+        bool lacksMemory = false;
+    };
+    FailingMap failing;
+    ExpectDatum(QStringLiteral("International"), QStringLiteral("WGS84"));
+    ExpectProjection("rbCartesian");
+    ASSERT_TRUE(wizard.DoSelectDatumGrid());
+    for (int point = 0; point < 3; ++point)
+        DefineLonLat(point, 0, point, 1);
+    script.ExpectBox(QStringLiteral("Invalid scaling: Broken."));
+    wizard.ScaleMap(&failing);
+    failing.lacksMemory = true;
+    script.ExpectBox(QStringLiteral("Invalid scaling: There is not enough memory."));
+    wizard.ScaleMap(&failing);
+    EXPECT_TRUE(script.IsDone());
+}
+
 TEST_F(ScalingWizard, ThrowsWhenThereIsNoMap) {
     EXPECT_THROW(wizard.ScaleMap(nullptr), ComponentError);
 }
@@ -321,4 +345,54 @@ TEST_F(ScaledSheet, IsRefusedWithTheComponentsSentenceWhenThePointsAreOnALine) {
     EXPECT_THAT(sentence, ::testing::StartsWith("Invalid scaling: "));
     EXPECT_GT(sentence.size(), 25U);
     EXPECT_FALSE(sheet->IsScaled());
+}
+
+TEST_F(ScaledSheet, KeepsItsFormerGeoreferenceWhenAnotherIsRefused) {
+    sheet->SetMapDatum(MakeDatum(17).AsNumbers());
+    sheet->SetScalingThreePoints({9, 56, 0, 0}, {10, 56, 100, 0}, {9, 55, 0, 100});
+    const Georeference former = sheet->MapGeoreference();
+    const LonLat before = sheet->WorldToWgs84(sheet->PixelToWorld({50, 40}));
+    ExpectGrid(QStringLiteral("International"), QStringLiteral("UTM North (wgs84)"), QStringLiteral("32"));
+    ExpectProjection("rbCartesian");
+    ASSERT_TRUE(wizard.DoSelectDatumGrid());
+    for (int point = 0; point < 3; ++point)
+        DefineEastNorth(point * 10, point * 10, 500000 + point, 6200000 + point);
+    script.Expect(QStringLiteral("MessageBox"),
+                  [](QWidget& shown) { QTest::keyClick(&shown, Qt::Key_Return); });
+    wizard.ScaleMap(sheet.get());
+    EXPECT_EQ(sheet->MapGeoreference(), former);
+    const LonLat after = sheet->WorldToWgs84(sheet->PixelToWorld({50, 40}));
+    EXPECT_EQ(after.longitude, before.longitude);
+    EXPECT_EQ(after.latitude, before.latitude);
+}
+
+TEST_F(ScaledSheet, IsNotGivenTheSystemOfARunThatFailedInBetween) {
+    WizardPoints points;
+    points.x = {0, 9, 10, 9, 0};
+    points.y = {0, 56, 56, 55, 0};
+    points.pixelX = {0, 3e9, 100, 0, 0}; // beyond 32 bits: refused before it reaches the map
+    points.pixelY = {0, 0, 0, 100, 0};
+    script.Expect(QStringLiteral("MessageBox"),
+                  [](QWidget& shown) { QTest::keyClick(&shown, Qt::Key_Return); });
+    EXPECT_FALSE(RunHandOver(nullptr, *sheet, [&] {
+        HandOverGrid(*sheet, 28, 32, MakeGrid(28, 32));
+        HandOverPoints(*sheet, 1, points);
+    }));
+    EXPECT_EQ(sheet->MapGeoreference(), Georeference{});
+    points.pixelX[1] = 0;
+    EXPECT_TRUE(RunHandOver(nullptr, *sheet, [&] { HandOverPoints(*sheet, 1, points); }));
+    EXPECT_FALSE(sheet->HasGrid());
+    EXPECT_FALSE(sheet->MapGeoreference().datum.has_value());
+}
+
+TEST_F(ScaledSheet, KnowsItsGridAndZone) {
+    ExpectGrid(QStringLiteral("Germany"), QStringLiteral("UTM (ed50)"), QStringLiteral("32"));
+    ExpectProjection("rbCartesian");
+    ASSERT_TRUE(wizard.DoSelectDatumGrid());
+    DefineEastNorth(0, 0, 500000, 6200000);
+    DefineEastNorth(100, 0, 501000, 6200000);
+    DefineEastNorth(0, 100, 500000, 6199000);
+    wizard.ScaleMap(sheet.get());
+    EXPECT_EQ(sheet->MapGeoreference().gridIdentifier, 28);
+    EXPECT_EQ(sheet->MapGeoreference().zone, "32");
 }

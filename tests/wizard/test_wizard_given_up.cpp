@@ -1,4 +1,5 @@
 #include "tests/wizard/FormDriver.h"
+#include "tests/wizard/PrivateBus.h"
 #include "tests/wizard/WizardRun.h"
 
 // Wizards in the main window that are cancelled, started anew, refused or overtaken by another command.
@@ -225,6 +226,54 @@ TEST_F(GivingUp, AScalingThatIsInvalidIsSaidAndTheRunEndsAsAlways) {
         EXPECT_FALSE(State().currentMap->IsScaled());
         EXPECT_EQ(ReadOutAt({50, 50}), "Click on map to verify positions") << "there is nothing to read";
     }
+}
+
+TEST_F(GivingUp, AScalingThatIsInvalidLeavesTheFormerOneInTheSavedFile) {
+    const auto library = NewLibrary();
+    const auto sheet = AddMap(*library, MakeSheet(PixelFormat::Grey, 300, 200), "sheet");
+    sheet->SetMapDatum(MakeDatum(17).AsNumbers());
+    sheet->SetScalingThreePoints({9, 56, 0, 0}, {10, 56, 100, 0}, {9, 55, 0, 100});
+    const Georeference former = sheet->MapGeoreference();
+    library->SaveToFile(PathOf("ed50.Atlavex"), "");
+    Start(QString::fromStdString(PathOf("ed50.Atlavex")));
+    ExpectGrid(QStringLiteral("International"), QStringLiteral("UTM North (wgs84)"), QStringLiteral("32"));
+    ExpectProjection("rbCartesian");
+    Choose("mBitmapScalingWizard");
+    for (int number = 1; number <= 3; ++number) {
+        ExpectPoint({{20 * number, 20 * number}, 500000.0 + number, 6200000.0 + number},
+                    QStringLiteral("meters"));
+        if (number == 3) {
+            Expecting().Expect(QStringLiteral("MessageBox"), [](QWidget& shown) {
+                EXPECT_THAT(dynamic_cast<QMessageBox&>(shown).text().toStdString(),
+                            ::testing::StartsWith("Invalid scaling: "));
+                QTest::keyClick(&shown, Qt::Key_Return);
+            });
+            Expecting().ExpectBox(ScalingCompleted());
+        }
+        ClickPixel({20 * number, 20 * number});
+    }
+    EXPECT_TRUE(State().mapScaled);
+    EXPECT_EQ(State().currentMap->MapGeoreference(), former);
+    Choose("mFileSaveAtlavex");
+    const auto again = Open(PathOf("ed50.Atlavex"));
+    EXPECT_EQ(MapAt(*again, 1)->MapGeoreference(), former);
+}
+
+TEST_F(GivingUp, ACustomSystemThatNobodyGivesDoesNotKeepTheFormer) {
+    const PrivateBus bus;
+    OpenScaled();
+    ASSERT_TRUE(State().currentMap->MapGeoreference().datum.has_value());
+    Expecting().Expect(QStringLiteral("frmSelectDatumGrid"), [](QWidget& shown) { Click(shown, "bNext"); });
+    ExpectProjection("rbCartesian");
+    Choose("mBitmapScalingWizard");
+    for (int number = 1; number <= 3; ++number) {
+        ExpectPoint(Corner(number));
+        if (number == 3)
+            Expecting().ExpectBox(ScalingCompleted());
+        ClickPixel(Corner(number).pixel);
+    }
+    EXPECT_FALSE(State().currentMap->MapGeoreference().datum.has_value());
+    EXPECT_EQ(State().currentMap->MapGeoreference().points.front(), (ReferencePoint{10, 60, 20, 20}));
 }
 
 TEST_F(GivingUp, AFailureThatEscapesTheScalingLeavesTheMapAsItWas) {

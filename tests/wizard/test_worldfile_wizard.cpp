@@ -173,3 +173,41 @@ TEST_F(WorldfileWizard, ScalesARealMapAndNamesItsGrid) {
     EXPECT_EQ(sheet->MapGeoreference().gridIdentifier, 1);
     EXPECT_EQ(sheet->MapGeoreference().zone, "32");
 }
+
+TEST_F(WorldfileWizard, ThatFailsChangesNothing) {
+    QImage image(400, 300, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    image.save(QString::fromStdString((folder / "sheet.png").string()));
+    const auto library = CreateAtlavexLibrary();
+    const auto sheet = library->AddMapFromImageFile((folder / "sheet.png").string(), "sheet", 256, 256);
+    WriteWholeFile(worldfile, "0\n0\n0\n0\n0\n0\n");
+    const auto runInvalid = [&] {
+        ExpectUtm32();
+        script.Expect(QStringLiteral("MessageBox"), [](QWidget& shown) {
+            EXPECT_THAT(dynamic_cast<QMessageBox&>(shown).text().toStdString(),
+                        ::testing::StartsWith("Invalid scaling: "));
+            QTest::keyClick(&shown, Qt::Key_Return);
+        });
+        EXPECT_FALSE(Run(*sheet));
+    };
+    runInvalid();
+    EXPECT_EQ(sheet->MapGeoreference(), Georeference{});
+    sheet->SetMapDatum(MakeDatum(17).AsNumbers());
+    sheet->SetScalingThreePoints({9, 56, 0, 0}, {10, 56, 100, 0}, {9, 55, 0, 100});
+    const Georeference former = sheet->MapGeoreference();
+    runInvalid();
+    EXPECT_EQ(sheet->MapGeoreference(), former);
+}
+
+TEST_F(WorldfileWizard, ReportsALackOfMemoryAsAnInvalidScaling) {
+    struct FullMap : BlankMap {
+        void SetScalingThreePoints(const ReferencePoint&, const ReferencePoint&,
+                                   const ReferencePoint&) override {
+            throw std::bad_alloc();
+        }
+    };
+    FullMap full;
+    ExpectUtm32();
+    script.ExpectBox(QStringLiteral("Invalid scaling: There is not enough memory."));
+    EXPECT_FALSE(Run(full));
+}
