@@ -30,12 +30,11 @@ bool IsNegativeHemisphere(char hemisphere, char positive, char negative) {
 
 double Join(double degrees, double minutes, double seconds, bool negativeHemisphere) {
     const double magnitude = std::abs(degrees) + (minutes * 60 + seconds) / 3600;
-    const double angle = std::signbit(degrees) != negativeHemisphere ? -magnitude : magnitude;
-    return angle + 0.0; // -0 becomes 0, which has no hemisphere
+    return std::signbit(degrees) != negativeHemisphere ? -magnitude : magnitude;
 }
 
 double WithSign(double angle, bool negativeHemisphere) {
-    return (negativeHemisphere ? -std::abs(angle) : std::abs(angle)) + 0.0;
+    return negativeHemisphere ? -std::abs(angle) : std::abs(angle);
 }
 
 std::string FixedText(double value, int decimals) {
@@ -78,13 +77,29 @@ QuorvantPosition::QuorvantPosition(double longitude, double latitude) {
 }
 
 void QuorvantPosition::SetLongitude(double degrees) {
-    RequireOnEarth({degrees, 0});
-    longitude_ = degrees + 0.0;
+    StoreLongitude(degrees + 0.0); // the sign of a zero is arithmetic's, nobody has chosen it
 }
 
 void QuorvantPosition::SetLatitude(double degrees) {
+    StoreLatitude(degrees + 0.0);
+}
+
+void QuorvantPosition::StoreLongitude(double degrees) {
+    RequireOnEarth({degrees, 0});
+    longitude_ = degrees;
+}
+
+void QuorvantPosition::StoreLatitude(double degrees) {
     RequireOnEarth({0, degrees});
-    latitude_ = degrees + 0.0;
+    latitude_ = degrees;
+}
+
+char QuorvantPosition::LongitudeHemisphere() const {
+    return std::signbit(longitude_) ? 'W' : 'E';
+}
+
+char QuorvantPosition::LatitudeHemisphere() const {
+    return std::signbit(latitude_) ? 'S' : 'N';
 }
 
 AngleParts QuorvantPosition::LongitudeParts() const {
@@ -95,19 +110,19 @@ AngleParts QuorvantPosition::LatitudeParts() const {
 }
 
 void QuorvantPosition::SetLongitudeParts(double degrees, double minutes, double seconds, char hemisphere) {
-    SetLongitude(Join(degrees, minutes, seconds, IsNegativeHemisphere(hemisphere, 'E', 'W')));
+    StoreLongitude(Join(degrees, minutes, seconds, IsNegativeHemisphere(hemisphere, 'E', 'W')));
 }
 
 void QuorvantPosition::SetLatitudeParts(double degrees, double minutes, double seconds, char hemisphere) {
-    SetLatitude(Join(degrees, minutes, seconds, IsNegativeHemisphere(hemisphere, 'N', 'S')));
+    StoreLatitude(Join(degrees, minutes, seconds, IsNegativeHemisphere(hemisphere, 'N', 'S')));
 }
 
 void QuorvantPosition::SetLongitudeHemisphere(char hemisphere) {
-    SetLongitude(WithSign(longitude_, IsNegativeHemisphere(hemisphere, 'E', 'W')));
+    StoreLongitude(WithSign(longitude_, IsNegativeHemisphere(hemisphere, 'E', 'W')));
 }
 
 void QuorvantPosition::SetLatitudeHemisphere(char hemisphere) {
-    SetLatitude(WithSign(latitude_, IsNegativeHemisphere(hemisphere, 'N', 'S')));
+    StoreLatitude(WithSign(latitude_, IsNegativeHemisphere(hemisphere, 'N', 'S')));
 }
 
 std::string QuorvantPosition::LongitudeText(AngleFormat format) const {

@@ -20,7 +20,8 @@ enum class AngleFormat { DecimalDegrees, DegreesMinutesSeconds };
 AngleParts RoundSeconds(const AngleParts& parts, int decimals);
 
 /// A geographic position that can be read and set in signed decimal degrees (east and north positive) and in
-/// degrees, minutes and seconds with a hemisphere: 'N' or 'S', 'E' or 'W', where 0 is north and east.
+/// degrees, minutes and seconds with a hemisphere: 'N' or 'S', 'E' or 'W'. 0 in decimal degrees is north and
+/// east; a hemisphere that is set keeps also at 0, where it waits for the angle that is still to come.
 ///
 /// Parts are given unsigned. A set call normalises what it is given: minutes and seconds of 60 and more
 /// carry, negative minutes and seconds borrow, and negative degrees turn the whole angle into the other
@@ -31,8 +32,8 @@ public:
     QuorvantPosition() = default;
     QuorvantPosition(double longitude, double latitude);
 
-    double Longitude() const { return longitude_; }
-    double Latitude() const { return latitude_; }
+    double Longitude() const { return longitude_ + 0.0; } // never -0
+    double Latitude() const { return latitude_ + 0.0; }
     void SetLongitude(double degrees);
     void SetLatitude(double degrees);
 
@@ -41,8 +42,8 @@ public:
     void SetLongitudeParts(double degrees, double minutes, double seconds, char hemisphere);
     void SetLatitudeParts(double degrees, double minutes, double seconds, char hemisphere);
 
-    char LongitudeHemisphere() const { return longitude_ < 0 ? 'W' : 'E'; }
-    char LatitudeHemisphere() const { return latitude_ < 0 ? 'S' : 'N'; }
+    char LongitudeHemisphere() const;
+    char LatitudeHemisphere() const;
     /// Keeps the angle and moves it to the hemisphere.
     void SetLongitudeHemisphere(char hemisphere);
     void SetLatitudeHemisphere(char hemisphere);
@@ -53,6 +54,10 @@ public:
     std::string LatitudeText(AngleFormat format) const;
 
 private:
+    void StoreLongitude(double degrees);
+    void StoreLatitude(double degrees);
+
+    // The sign of a zero is its hemisphere.
     double longitude_ = 0;
     double latitude_ = 0;
 };

@@ -63,9 +63,25 @@ TEST(QuorvantPosition, HasNoNegativeZero) {
     position.SetLongitudeParts(0, 0, 0, 'W');
     EXPECT_FALSE(std::signbit(position.Latitude()));
     EXPECT_FALSE(std::signbit(position.Longitude()));
-    EXPECT_EQ(position.LatitudeHemisphere(), 'N');
     position.SetLatitude(-0.0);
     EXPECT_FALSE(std::signbit(position.Latitude()));
+    EXPECT_EQ(position.LatitudeHemisphere(), 'N');
+}
+
+TEST(QuorvantPosition, KeepsTheHemisphereThatWasChosenAtZero) {
+    QuorvantPosition position;
+    position.SetLatitudeHemisphere('S');
+    position.SetLongitudeParts(0, 0, 0, 'W');
+    EXPECT_EQ(position.LatitudeHemisphere(), 'S');
+    EXPECT_EQ(position.LongitudeHemisphere(), 'W');
+    EXPECT_EQ(position.LatitudeText(AngleFormat::DegreesMinutesSeconds), "0° 0' 0.000\" S");
+    EXPECT_EQ(position.LatitudeText(AngleFormat::DecimalDegrees), "0.0000000");
+    position.SetLongitudeHemisphere('E');
+    EXPECT_EQ(position.LongitudeHemisphere(), 'E');
+    position.SetLongitudeParts(-0.0, 0, 0, 'E'); // "-0", of which the minutes are still to come
+    EXPECT_EQ(position.LongitudeHemisphere(), 'W');
+    position.SetLatitudeHemisphere('N');
+    EXPECT_EQ(position.LatitudeHemisphere(), 'N');
 }
 
 TEST(QuorvantPosition, NeverShows60MinutesOrSeconds) {

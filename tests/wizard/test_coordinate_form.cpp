@@ -126,6 +126,69 @@ TEST_F(CoordinateForm, ReadsDegreesMinutesSecondsAndHemisphere) {
     });
 }
 
+TEST_F(CoordinateForm, KeepsTheHemisphereThatIsChosenBeforeTheAngleIsTyped) {
+    // Every point opens at 0/0: the first and the later ones.
+    for (const std::int16_t number : std::initializer_list<std::int16_t>{1, 2, 3}) {
+        form.CoordinateNumber = number;
+        form.Latitude = 0;
+        form.Longitude = 0;
+        EXPECT_TRUE(Show([](QWidget& shown) {
+            Click(shown, "rbDMS");
+            Pick(shown, "ddLatHemi", QStringLiteral("South"));
+            Pick(shown, "ddLonHemi", QStringLiteral("West"));
+            EXPECT_EQ(Find<QComboBox>(shown, "ddLatHemi").currentText().toStdString(), "South");
+            EXPECT_EQ(Find<QComboBox>(shown, "ddLonHemi").currentText().toStdString(), "West");
+            TypeAndLeave(shown, "txtLatDeg", QStringLiteral("33"));
+            TypeAndLeave(shown, "txtLatMin", QStringLiteral("30"));
+            TypeAndLeave(shown, "txtLonMin", QStringLiteral("15"));
+            Click(shown, "bNext");
+        }));
+        EXPECT_EQ(form.Latitude, -33.5);
+        EXPECT_EQ(form.Longitude, -0.25);
+    }
+}
+
+TEST_F(CoordinateForm, KeepsTheHemisphereOfAnAngleThatBecomesZeroOnTheWay) {
+    form.Latitude = -10;
+    form.Longitude = -20;
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        Click(shown, "rbDMS");
+        for (const char* const field : {"txtLatDeg", "txtLonDeg"})
+            TypeAndLeave(shown, field, QStringLiteral("0"));
+        // Through the other format and back.
+        Click(shown, "rbDecDeg");
+        EXPECT_EQ(Text(shown, "txtLatDecDeg"), "0");
+        EXPECT_EQ(Text(shown, "txtLonDecDeg"), "0");
+        Click(shown, "rbDMS");
+        TypeAndLeave(shown, "txtLatSec", QStringLiteral("36"));
+        Type(shown, "txtLonSec", QStringLiteral("72"));
+        Click(shown, "bNext");
+    }));
+    EXPECT_DOUBLE_EQ(form.Latitude, -0.01);
+    EXPECT_DOUBLE_EQ(form.Longitude, -0.02);
+}
+
+TEST_F(CoordinateForm, TakesTheSignOfATypedZeroForTheHemisphere) {
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        Click(shown, "rbDMS");
+        TypeAndLeave(shown, "txtLatDeg", QStringLiteral("-0"));
+        EXPECT_EQ(Text(shown, "txtLatDeg"), "0");
+        EXPECT_EQ(Find<QComboBox>(shown, "ddLatHemi").currentText().toStdString(), "South");
+        Type(shown, "txtLatMin", QStringLiteral("30"));
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.Latitude, -0.5);
+    // The decimal box carries its own sign, whatever the hemisphere was.
+    form.Latitude = 0;
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        Pick(shown, "ddLatHemi", QStringLiteral("South"));
+        Click(shown, "rbDecDeg");
+        Type(shown, "txtLatDecDeg", QStringLiteral("12.5"));
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.Latitude, 12.5);
+}
+
 TEST_F(CoordinateForm, KeepsTheExactPositionWhenTheFormatIsSwitchedAndFieldsAreLeft) {
     form.Latitude = 55.123456789012;
     form.Longitude = -12.987654321098;
