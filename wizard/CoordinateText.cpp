@@ -53,21 +53,65 @@ std::optional<Halves> SplitAtLetters(const QString& text) {
     return Halves{text.left(cut), text.mid(cut)};
 }
 
-/// Without letters: at a semicolon, at the comma that is no decimal one, else at the only blank.
-std::optional<Halves> SplitAtSeparator(const QString& text, const QLocale& locale) {
-    QStringList halves = text.split(u';');
-    if (halves.size() == 1)
-        halves = text.split(HasDecimalComma(locale) ? QStringLiteral(", ") : QStringLiteral(","));
-    if (halves.size() == 1)
-        halves = text.split(u' ');
+/// What a blank alone may part.
+enum class AtBlank { Nothing, Decimals, Lengths };
+
+bool HasDecimals(const QString& half) {
+    static const QRegularExpression decimals(QStringLiteral("\\d[.,]\\d"));
+    return half.contains(decimals);
+}
+
+/// "617 300": one number as many countries group it.
+bool IsGrouped(const QString& text) {
+    static const QRegularExpression grouped(QStringLiteral("^[+-]?\\d{1,3} \\d{3}(?:[.,]\\d*)?$"));
+    return grouped.match(text).hasMatch();
+}
+
+/// The text in two at its only separator; nothing where there are several.
+std::optional<Halves> SplitAt(const QString& separator, const QString& text) {
+    const QStringList halves = text.split(separator);
     if (halves.size() != 2)
         return std::nullopt;
     return Halves{halves[0], halves[1]};
 }
 
-std::optional<Halves> Split(const QString& text, const QLocale& locale) {
+/// Before the number that belongs to the second degree sign.
+std::optional<Halves> SplitAtDegrees(const QString& text) {
+    static const QRegularExpression pair(
+        QStringLiteral("^([^\u00B0]*\u00B0[^\u00B0]*?)[ ,]*([+-]?\\d+(?:[.,]\\d*)? ?\u00B0[^\u00B0]*)$"));
+    const QRegularExpressionMatch match = pair.match(text);
+    if (!match.hasMatch())
+        return std::nullopt;
+    return Halves{match.captured(1), match.captured(2)};
+}
+
+std::optional<Halves> SplitAtBlank(const QString& text, AtBlank rule) {
+    const auto halves = SplitAt(QStringLiteral(" "), text);
+    if (!halves || rule == AtBlank::Nothing)
+        return std::nullopt;
+    const bool areLengths = rule == AtBlank::Lengths && !IsGrouped(text);
+    if (!areLengths && !(HasDecimals(halves->first) && HasDecimals(halves->second)))
+        return std::nullopt;
+    return halves;
+}
+
+/// Without letters: at the most telling separator that there is, and at no other.
+std::optional<Halves> SplitAtSeparator(const QString& text, AtBlank rule) {
+    static const QRegularExpression points(QStringLiteral("^[^,]*\\.[^,]*,[^,]*\\.[^,]*$"));
+    for (const QString& separator : {QStringLiteral(";"), QStringLiteral(", ")}) {
+        if (text.contains(separator))
+            return SplitAt(separator, text);
+    }
+    if (text.contains(u'\u00B0'))
+        return SplitAtDegrees(text);
+    if (points.match(text).hasMatch())
+        return SplitAt(QStringLiteral(","), text);
+    return SplitAtBlank(text, rule);
+}
+
+std::optional<Halves> Split(const QString& text, AtBlank rule) {
     static const QRegularExpression letter(QStringLiteral("[A-Z]"));
-    return text.contains(letter) ? SplitAtLetters(text) : SplitAtSeparator(text, locale);
+    return text.contains(letter) ? SplitAtLetters(text) : SplitAtSeparator(text, rule);
 }
 
 /// The half without its letter and without separators around what is left.
@@ -100,8 +144,8 @@ std::optional<double> Number(QString digits, const QLocale& locale) {
 /// Degrees with optional minutes and seconds; only the last of them may have a fraction.
 std::optional<Lettered> ReadAngle(QString half, const QLocale& locale) {
     static const QRegularExpression angle(
-        QStringLiteral("^([+-]?)(\\d+(?:[.,]\\d*)?) ?\u00B0? ?"
-                       "(?:(\\d+(?:[.,]\\d*)?) ?'? ?(?:(\\d+(?:[.,]\\d*)?) ?\"?)?)?$"));
+        QStringLiteral("^([+-]?)(\\d+(?:[.,]\\d*)?)(?: ?\u00B0?$|(?: ?\u00B0 ?| )"
+                       "(\\d+(?:[.,]\\d*)?)(?: ?'?$|(?: ?' ?| )(\\d+(?:[.,]\\d*)?) ?\"?$))"));
     std::optional<Lettered> result = TakeLetter(half);
     const QRegularExpressionMatch match = angle.match(half);
     if (!result || !match.hasMatch())
@@ -151,8 +195,9 @@ bool IsNorthSouth(QChar letter) {
 
 } // namespace
 
-std::optional<LonLat> ParseLonLat(const QString& text, const QLocale& locale) {
-    const auto halves = Split(Unified(text), locale);
+std::optional<LonLat> ParseLonLat(const QString& text, const QLocale& locale, PastedInto place) {
+    const auto halves =
+        Split(Unified(text), place == PastedInto::PartOfAngle ? AtBlank::Nothing : AtBlank::Decimals);
     if (!halves)
         return std::nullopt;
     auto latitude = ReadAngle(halves->first, locale);
@@ -164,7 +209,7 @@ std::optional<LonLat> ParseLonLat(const QString& text, const QLocale& locale) {
     const bool bare = latitude->letter.isNull() && longitude->letter.isNull();
     if (!bare && !(IsNorthSouth(latitude->letter) && IsEastWest(longitude->letter)))
         return std::nullopt;
-    // Without letters only two angles written alike are surely a pair: "1,234 5" is none.
+    // Without letters only two angles written alike are surely a pair: "55; 40 30" is none.
     if (bare && latitude->numbers != longitude->numbers)
         return std::nullopt;
     if (std::abs(latitude->value) > LatitudeLimit || std::abs(longitude->value) > LongitudeLimit)
@@ -173,7 +218,7 @@ std::optional<LonLat> ParseLonLat(const QString& text, const QLocale& locale) {
 }
 
 std::optional<EastNorth> ParseEastNorth(const QString& text, const QLocale& locale) {
-    const auto halves = Split(Unified(text), locale);
+    const auto halves = Split(Unified(text), AtBlank::Lengths);
     if (!halves)
         return std::nullopt;
     auto easting = ReadLength(halves->first, locale);

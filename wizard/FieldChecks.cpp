@@ -6,6 +6,7 @@
 
 #include <QAbstractButton>
 #include <QFocusEvent>
+#include <QKeyEvent>
 #include <QLineEdit>
 
 #include <algorithm>
@@ -47,6 +48,7 @@ void FieldChecks::Write(QLineEdit& field, const QString& text) {
     state.known = text;
     state.refused.reset();
     field.setText(text);
+    insertion_.reset();
 }
 
 bool FieldChecks::Settle() {
@@ -65,6 +67,9 @@ bool FieldChecks::eventFilter(QObject* watched, QEvent* event) {
     if (entry == fields_.end())
         return QObject::eventFilter(watched, event);
     auto& [field, state] = *entry;
+    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->matches(QKeySequence::Undo) &&
+        Undo(*field))
+        return true;
     if (event->type() == QEvent::FocusIn) {
         Enter(*field, static_cast<QFocusEvent*>(event)->reason());
     } else if (event->type() == QEvent::FocusOut) {
@@ -121,17 +126,52 @@ bool FieldChecks::Check(QLineEdit& field) {
 
 void FieldChecks::Edited(QLineEdit& field, const QString& text) {
     State& state = fields_.at(&field);
-    const QString inserted = InsertedPart(state.known, text);
-    state.known = text;
-    const bool cameInOnePiece = inserted.size() > 1;
+    const QString before = std::exchange(state.known, text);
+    const QString inserted = InsertedPart(before, text);
+    // What an undo brings back was there already.
+    const bool cameInOnePiece = inserted.size() > 1 && !field.isRedoAvailable();
     if (!state.insert || !cameInOnePiece)
         return;
     try {
-        if (!state.insert(text))
-            state.insert(inserted);
+        if (!InsertInto(field, text, before))
+            InsertInto(field, inserted, before);
     } catch (const ComponentError&) {
         // A value that cannot be stays in the box as typed and is refused when the box is left.
     }
+}
+
+bool FieldChecks::InsertInto(QLineEdit& field, const QString& text, const QString& before) {
+    std::map<QLineEdit*, QString> texts = Texts();
+    texts[&field] = before;
+    TakeBack takeBack = fields_.at(&field).insert(text);
+    if (!takeBack)
+        return false;
+    insertion_ = Insertion{std::move(takeBack), std::move(texts), Texts()};
+    return true;
+}
+
+bool FieldChecks::Undo(QLineEdit& field) {
+    // What was edited since is taken back first, by the box itself.
+    if (!insertion_ || field.isUndoAvailable() || insertion_->after != Texts())
+        return false;
+    const Insertion last = *std::exchange(insertion_, std::nullopt);
+    last.takeBack();
+    // Of what was being typed the values know nothing yet.
+    for (const auto& [box, text] : last.before) {
+        if (box->text() == text)
+            continue;
+        box->setText(text);
+        fields_.at(box).known = text;
+    }
+    field.selectAll();
+    return true;
+}
+
+std::map<QLineEdit*, QString> FieldChecks::Texts() const {
+    std::map<QLineEdit*, QString> texts;
+    for (const auto& [field, state] : fields_)
+        texts[field] = field->text();
+    return texts;
 }
 
 void FieldChecks::ShowRefusal() {

@@ -19,8 +19,10 @@ public:
     /// Reads the box and stores its value. NumberError: the sentence is shown and the text stays.
     /// ComponentError, for a value that cannot be: the former text comes back, without a word.
     using Take = std::function<void()>;
-    /// Tries to make something of a text that came in one piece, as by pasting; whether it did.
-    using Insert = std::function<bool(const QString& text)>;
+    /// Gives the values back that stood before an insertion, and writes them into the boxes.
+    using TakeBack = std::function<void()>;
+    /// Tries to make something of a text that came in one piece, as by pasting; empty when it made nothing.
+    using Insert = std::function<TakeBack(const QString& text)>;
 
     explicit FieldChecks(QWidget& form);
 
@@ -43,15 +45,26 @@ private:
         bool entered = false;           ///< the next release of the mouse still belongs to entering it
     };
 
+    /// What an insertion changed in several boxes at once, which no box can take back by itself.
+    struct Insertion {
+        TakeBack takeBack;
+        std::map<QLineEdit*, QString> before;
+        std::map<QLineEdit*, QString> after;
+    };
+
     void Enter(QLineEdit& field, Qt::FocusReason reason);
     void Leave(QLineEdit& field, Qt::FocusReason reason);
     bool Check(QLineEdit& field);
     void Edited(QLineEdit& field, const QString& text);
+    bool InsertInto(QLineEdit& field, const QString& text, const QString& before);
+    bool Undo(QLineEdit& field);
+    std::map<QLineEdit*, QString> Texts() const;
     void ShowRefusal();
     void ReleaseButtons();
 
     QWidget& form_;
     std::map<QLineEdit*, State> fields_;
-    QLineEdit* current_ = nullptr;   ///< the box that was entered and not left yet
-    std::optional<QString> refusal_; ///< the sentence to show
+    QLineEdit* current_ = nullptr;       ///< the box that was entered and not left yet
+    std::optional<QString> refusal_;     ///< the sentence to show
+    std::optional<Insertion> insertion_; ///< the last one, until a box is written anew
 };

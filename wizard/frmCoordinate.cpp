@@ -69,7 +69,7 @@ frmCoordinate::~frmCoordinate() = default;
 void frmCoordinate::ConnectFields() {
     checks_.Watch(*ui_->txtX, [this] { PixelX = WholePixel(*ui_->txtX); });
     checks_.Watch(*ui_->txtY, [this] { PixelY = WholePixel(*ui_->txtY); });
-    const auto paste = [this](const QString& text) { return PasteLonLat(text); };
+    const auto paste = [this](const QString& text) { return PasteLonLat(text, PastedInto::WholeNumber); };
     const auto decimal = [this, &paste](QLineEdit& field, void (QuorvantPosition::*set)(double)) {
         checks_.Watch(
             field,
@@ -95,7 +95,7 @@ void frmCoordinate::WatchParts(bool latitude) {
     for (QLineEdit* const field : {&fields.degrees, &fields.minutes, &fields.seconds})
         checks_.Watch(
             *field, [this, latitude] { TakeParts(latitude); },
-            [this](const QString& text) { return PasteLonLat(text); });
+            [this](const QString& text) { return PasteLonLat(text, PastedInto::PartOfAngle); });
 }
 
 void frmCoordinate::ConnectLists() {
@@ -242,29 +242,39 @@ void frmCoordinate::TakeParts(bool latitude) {
     RefreshPosition();
 }
 
-bool frmCoordinate::PasteLonLat(const QString& text) {
-    const std::optional<LonLat> pasted = ParseLonLat(text);
+FieldChecks::TakeBack frmCoordinate::PasteLonLat(const QString& text, PastedInto place) {
+    const std::optional<LonLat> pasted = ParseLonLat(text, QLocale::system(), place);
     if (!pasted)
-        return false;
+        return {};
+    const QuorvantPosition before = position_;
     if (!LockX)
         position_.SetLongitude(pasted->longitude);
     if (!LockY)
         position_.SetLatitude(pasted->latitude);
     RefreshPosition();
-    return true;
+    return [this, before] {
+        position_ = before;
+        RefreshPosition();
+    };
 }
 
-bool frmCoordinate::PasteEastNorth(const QString& text) {
+FieldChecks::TakeBack frmCoordinate::PasteEastNorth(const QString& text) {
     const std::optional<EastNorth> pasted = ParseEastNorth(text);
     if (!pasted)
-        return false;
+        return {};
     const std::string unit = ComboText(*ui_->ddUnit).toStdString();
+    const EastNorth before{Easting, Northing};
+    const EastNorth meters{UnitToMeters(pasted->easting, unit), UnitToMeters(pasted->northing, unit)};
     if (!LockX)
-        Easting = UnitToMeters(pasted->easting, unit);
+        Easting = meters.easting;
     if (!LockY)
-        Northing = UnitToMeters(pasted->northing, unit);
+        Northing = meters.northing;
     ShowMeters();
-    return true;
+    return [this, before] {
+        Easting = before.easting;
+        Northing = before.northing;
+        ShowMeters();
+    };
 }
 
 double frmCoordinate::Meters(const QLineEdit& field) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "coordinates/QuorvantPosition.h"
+#include "wizard/CoordinateText.h"
 #include "wizard/FieldChecks.h"
 #include "wizard/WizardForm.h"
 
@@ -60,8 +61,8 @@ private:
     void ddLonHemi_Click();
     void ddUnit_Click();
     void TakeParts(bool latitude);
-    bool PasteLonLat(const QString& text);
-    bool PasteEastNorth(const QString& text);
+    FieldChecks::TakeBack PasteLonLat(const QString& text, PastedInto place);
+    FieldChecks::TakeBack PasteEastNorth(const QString& text);
     double Meters(const QLineEdit& field) const;
 
     std::unique_ptr<Ui::frmCoordinate> ui_;

@@ -1,5 +1,7 @@
 #include "tests/wizard/CoordinateFormTest.h"
 
+#include <QClipboard>
+
 // What happens when a field is entered, typed into and left.
 
 namespace {
@@ -202,7 +204,7 @@ TEST_F(CoordinateFields, TakesAWholeCoordinateThatIsPasted) {
         EXPECT_EQ(Text(shown, "txtLatDecDeg"), "55.6761111");
         EXPECT_EQ(Text(shown, "txtLonDecDeg"), "12.5688889");
         Click(shown, "rbDMS");
-        Paste(shown, "txtLatSec", QStringLiteral("-55.5 12.25"));
+        Paste(shown, "txtLatSec", QStringLiteral("-55.5, 12.25"));
         EXPECT_EQ(Text(shown, "txtLatMin"), "30");
         EXPECT_EQ(Text(shown, "txtLonMin"), "15");
         Click(shown, "bNext");
@@ -243,4 +245,159 @@ TEST_F(CoordinateFields, PastesIntoUnlockedFieldsOnlyAndOtherTextsAsTheyAre) {
     EXPECT_TRUE(form.ShowModal());
     EXPECT_EQ(form.Latitude, 44.25);
     EXPECT_EQ(form.Longitude, 9);
+}
+
+TEST_F(CoordinateFields, LeaveANumberThatWasPastedToTheNumberCheck) {
+    UseGrid();
+    form.Northing = 6173000;
+    script
+        .Expect(Name(),
+                [](QWidget& shown) {
+                    for (const char* const text : {"617,300", "32633,5", "617 300"}) {
+                        Paste(shown, "txtEasting", QString::fromLatin1(text));
+                        EXPECT_EQ(Text(shown, "txtEasting"), text);
+                        EXPECT_EQ(Text(shown, "txtNorthing"), "6173000");
+                        Click(shown, "txtNorthing");
+                        Wait();
+                    }
+                    Click(shown, "bCancel");
+                })
+        .ExpectBox(QStringLiteral("'617,300' is not a number!"))
+        .ExpectBox(QStringLiteral("'32633,5' is not a number!"))
+        .ExpectBox(QStringLiteral("'617 300' is not a number!"));
+    EXPECT_FALSE(form.ShowModal());
+    form.UseGrid = false;
+    form.UseLonLat = true;
+    form.Latitude = 55;
+    script
+        .Expect(Name(),
+                [](QWidget& shown) {
+                    Paste(shown, "txtLonDecDeg", QStringLiteral("12,345"));
+                    EXPECT_EQ(Text(shown, "txtLonDecDeg"), "12,345");
+                    EXPECT_EQ(Text(shown, "txtLatDecDeg"), "55");
+                    Click(shown, "txtLatDecDeg");
+                    Wait();
+                    Click(shown, "rbDMS");
+                    for (const char* const text : {"55 40", "55.5 40.5"}) {
+                        Paste(shown, "txtLatDeg", QString::fromLatin1(text));
+                        EXPECT_EQ(Text(shown, "txtLatDeg"), text);
+                        EXPECT_EQ(Text(shown, "txtLonDeg"), "0");
+                        Click(shown, "txtLonMin");
+                        Wait();
+                    }
+                    Click(shown, "bCancel");
+                })
+        .ExpectBox(QStringLiteral("'12,345' is not a number!"))
+        .ExpectBox(QStringLiteral("'55 40' is not a number!"))
+        .ExpectBox(QStringLiteral("'55.5 40.5' is not a number!"));
+    EXPECT_FALSE(form.ShowModal());
+}
+
+namespace {
+
+void TakeBack(QWidget& form, const char* field) {
+    QTest::keyClick(&Find<QLineEdit>(form, field), Qt::Key_Z, Qt::ControlModifier);
+}
+
+} // namespace
+
+TEST_F(CoordinateFields, TakeBackBothValuesOfAPasteAtOnce) {
+    UseGrid();
+    form.Easting = 1000.123;
+    form.Northing = 2000.456;
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        Paste(shown, "txtEasting", QStringLiteral("32633 6173000"));
+        EXPECT_EQ(Text(shown, "txtEasting"), "32633");
+        TakeBack(shown, "txtEasting");
+        EXPECT_EQ(Text(shown, "txtEasting"), "1000.12");
+        EXPECT_EQ(Text(shown, "txtNorthing"), "2000.46");
+        EXPECT_EQ(Find<QLineEdit>(shown, "txtEasting").selectedText().toStdString(), "1000.12");
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.Easting, 1000.123); // with what the field does not show
+    EXPECT_EQ(form.Northing, 2000.456);
+    form.UseGrid = false;
+    form.UseLonLat = true;
+    form.Latitude = -33.123456789;
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        Click(shown, "rbDMS");
+        Paste(shown, "txtLonSec", QStringLiteral("55°40'34\"N 12°34'08\"E"));
+        EXPECT_EQ(Text(shown, "txtLatDeg"), "55");
+        TakeBack(shown, "txtLonSec");
+        EXPECT_EQ(Text(shown, "txtLatDeg"), "33");
+        EXPECT_EQ(Find<QComboBox>(shown, "ddLatHemi").currentText().toStdString(), "South");
+        EXPECT_EQ(Text(shown, "txtLonSec"), "0");
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.Latitude, -33.123456789);
+    EXPECT_EQ(form.Longitude, 0);
+}
+
+TEST_F(CoordinateFields, TakeBackAPasteAlsoFromTheOtherFieldAndToWhatWasBeingTyped) {
+    UseGrid();
+    form.Northing = 5;
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        Type(shown, "txtEasting", QStringLiteral("77"));
+        auto& easting = Find<QLineEdit>(shown, "txtEasting");
+        easting.selectAll();
+        QApplication::clipboard()->setText(QStringLiteral("32633 6173000"));
+        QTest::keyClick(&easting, Qt::Key_V, Qt::ControlModifier);
+        QTest::keyClick(&easting, Qt::Key_Tab);
+        TakeBack(shown, "txtNorthing");
+        EXPECT_EQ(Text(shown, "txtEasting"), "77");
+        EXPECT_EQ(Text(shown, "txtNorthing"), "5");
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.Easting, 77);
+    EXPECT_EQ(form.Northing, 5);
+}
+
+TEST_F(CoordinateFields, TakeBackOneEditAfterTheOther) {
+    UseGrid();
+    form.Easting = 1;
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        Paste(shown, "txtEasting", QStringLiteral("32633 6173000"));
+        Type(shown, "txtEasting", QStringLiteral("4"));
+        TakeBack(shown, "txtEasting");
+        EXPECT_EQ(Text(shown, "txtEasting"), "32633");
+        EXPECT_EQ(Text(shown, "txtNorthing"), "6173000");
+        TakeBack(shown, "txtEasting");
+        EXPECT_EQ(Text(shown, "txtEasting"), "1");
+        EXPECT_EQ(Text(shown, "txtNorthing"), "0");
+        Paste(shown, "txtEasting", QStringLiteral("32633 6173000"));
+        TypeAndLeave(shown, "txtNorthing", QStringLiteral("5"));
+        TakeBack(shown, "txtEasting"); // what the paste wrote does not stand any more
+        EXPECT_EQ(Text(shown, "txtEasting"), "32633");
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.Easting, 32633);
+    EXPECT_EQ(form.Northing, 5);
+    // Nor does it for the next point.
+    form.Easting = 32633;
+    form.Northing = 6173000;
+    EXPECT_TRUE(Show([](QWidget& shown) {
+        TakeBack(shown, "txtEasting");
+        Click(shown, "bNext");
+    }));
+    EXPECT_EQ(form.Easting, 32633);
+}
+
+TEST_F(CoordinateFields, TakeNoPairFromAnUndoneDeletion) {
+    form.Latitude = 7;
+    script
+        .Expect(Name(),
+                [](QWidget& shown) {
+                    Type(shown, "txtLonDecDeg", QStringLiteral("44.5 1.5"));
+                    auto& field = Find<QLineEdit>(shown, "txtLonDecDeg");
+                    field.selectAll();
+                    QTest::keyClick(&field, Qt::Key_Delete);
+                    TakeBack(shown, "txtLonDecDeg");
+                    EXPECT_EQ(field.text().toStdString(), "44.5 1.5");
+                    EXPECT_EQ(Text(shown, "txtLatDecDeg"), "7");
+                    Click(shown, "txtLatDecDeg");
+                    Wait();
+                    Click(shown, "bCancel");
+                })
+        .ExpectBox(QStringLiteral("'44.5 1.5' is not a number!"));
+    EXPECT_FALSE(form.ShowModal());
 }

@@ -27,11 +27,18 @@ TEST(PastedLonLat, IsReadInTheFormsInUse) {
         {"55.676 12.569", 55.676, 12.569},
         {"  55.676,12.569 ", 55.676, 12.569},
         {"55.676; 12.569", 55.676, 12.569},
+        {"55; 12", 55, 12},
+        {"55, 12", 55, 12},
+        {"55° 40' 34\" 12° 34' 8\"", Copenhagen, CopenhagenEast},
+        {"-33.5° -70.25°", -33.5, -70.25},
+        {"-33°30', -70°15'", -33.5, -70.25},
+        {"55° 12°", 55, 12},
+        {"N55 E12", 55, 12},
         {"-33.9, -70.5", -33.9, -70.5},
         {"\u221233.9 \u221270.5", -33.9, -70.5},
         {"33.9S 70.5W", -33.9, -70.5},
         {"55°40.5'N 12°30.25'E", 55.675, 12 + 30.25 / 60},
-        {"0 0", 0, 0},
+        {"0.0 0.0", 0, 0},
     };
     for (const AngleCase& row : cases) {
         const auto position = ParseLonLat(QString::fromUtf8(row.text), QLocale::c());
@@ -43,16 +50,20 @@ TEST(PastedLonLat, IsReadInTheFormsInUse) {
 
 TEST(PastedLonLat, IsNothingElse) {
     for (const char* const text :
-         {"",        "55.676",  "55.676 12.569 3", "91 12",   "55 361",   "55°60'N 12°E", "55.5°30'N 12°E",
-          "55N 12N", "55E 12E", "-55N 12E",        "abc def", "N",        "N E",          "55,676 12,569",
-          "1,234 5", "nan inf", "0x10 5",          "55N 12",  "55 12E 3", "55°40'34\"N"}) {
+         {"", "55.676", "55.676 12.569 3", "91 12", "55 361", "55°60'N 12°E", "55.5°30'N 12°E", "55N 12N",
+          "55E 12E", "-55N 12E", "abc def", "N", "N E", "55,676 12,569", "1,234 5", "nan inf", "0x10 5",
+          "55N 12", "55 12E 3", "55°40'34\"N",
+          // One angle, and numbers that somebody's grouping or decimal sign has cut in two.
+          "12,345", "55 40", "55 40.5", "55.5 12", "55°40'", "55° 40.5'", "55° 40", "0 0", "1,5", "12,5",
+          "12.5,30", "40'"}) {
         EXPECT_FALSE(ParseLonLat(QString::fromUtf8(text), QLocale::c()).has_value()) << text;
     }
 }
 
 TEST(PastedLonLat, MayHaveADecimalCommaWhereTheUserHas) {
     const QLocale german(QLocale::German);
-    for (const char* const text : {"55,676 12,569", "55,676; 12,569", "55,676, 12,569", "55.676 12.569"}) {
+    for (const char* const text :
+         {"55,676 12,569", "55,676; 12,569", "55,676, 12,569", "55.676 12.569", "55.676,12.569"}) {
         const auto position = ParseLonLat(QString::fromUtf8(text), german);
         ASSERT_TRUE(position.has_value()) << text;
         EXPECT_DOUBLE_EQ(position->latitude, 55.676) << text;
@@ -60,9 +71,22 @@ TEST(PastedLonLat, MayHaveADecimalCommaWhereTheUserHas) {
     }
 }
 
+TEST(PastedLonLat, IsNoBlankBetweenTwoNumbersWhereOneAngleIsWrittenInParts) {
+    const auto read = [](const char* text) {
+        return ParseLonLat(QString::fromUtf8(text), QLocale::c(), PastedInto::PartOfAngle).has_value();
+    };
+    EXPECT_FALSE(read("55.676 12.569"));
+    EXPECT_FALSE(read("-33.9 -70.5"));
+    EXPECT_TRUE(read("55.676, 12.569"));
+    EXPECT_TRUE(read("55.676,12.569"));
+    EXPECT_TRUE(read("55.676; 12.569"));
+    EXPECT_TRUE(read("55 40 34 N 12 34 8 E"));
+    EXPECT_TRUE(read("55°40'34\" 12°34'08\""));
+}
+
 TEST(PastedEastNorth, IsReadInTheFormsInUse) {
-    for (const char* const text :
-         {"32633 6173000", "32633, 6173000", "E 32633 N 6173000", "6173000N 32633E", "32633.0\n6173000"}) {
+    for (const char* const text : {"32633 6173000", "32633, 6173000", "32633; 6173000", "32633.0,6173000.0",
+                                   "E 32633 N 6173000", "6173000N 32633E", "32633.0\n6173000"}) {
         const auto position = ParseEastNorth(QString::fromUtf8(text), QLocale::c());
         ASSERT_TRUE(position.has_value()) << text;
         EXPECT_EQ(position->easting, 32633) << text;
@@ -72,7 +96,20 @@ TEST(PastedEastNorth, IsReadInTheFormsInUse) {
 }
 
 TEST(PastedEastNorth, IsNothingElse) {
-    for (const char* const text : {"", "32633", "1 2 3", "32633W 6173000N", "32633E 6173000E", "1e5 2e5",
-                                   "a b", "55°40'N 12°E", "32633E 6173000"})
+    for (const char* const text :
+         {"", "32633", "1 2 3", "32633W 6173000N", "32633E 6173000E", "1e5 2e5", "a b", "55°40'N 12°E",
+          "32633E 6173000",
+          // One number in groups, or with another country's decimal comma.
+          "617,300", "32633,5", "617,300.5", "617 300", "-617 300.25", "6 173 000", "617,300 6,173,000"})
         EXPECT_FALSE(ParseEastNorth(QString::fromUtf8(text), QLocale::c()).has_value()) << text;
+}
+
+TEST(PastedEastNorth, IsNoNumberThatTheUsersCountryGroupsOrCutsByAComma) {
+    const QLocale german(QLocale::German);
+    for (const char* const text : {"617.300", "617.300,25", "32633,5", "617 300,25", "617.300 6.173.000"})
+        EXPECT_FALSE(ParseEastNorth(QString::fromUtf8(text), german).has_value()) << text;
+    const auto both = ParseEastNorth(QStringLiteral("32633,5 6173000,25"), german);
+    ASSERT_TRUE(both.has_value());
+    EXPECT_EQ(both->easting, 32633.5);
+    EXPECT_EQ(both->northing, 6173000.25);
 }
