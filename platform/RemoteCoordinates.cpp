@@ -4,9 +4,11 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
+#include <QDialog>
 #include <QEventLoop>
+#include <QFileInfo>
 #include <QPointer>
-#include <QWidget>
+#include <QUrl>
 
 #include <algorithm>
 #include <array>
@@ -22,69 +24,106 @@ const auto Interface = Service;
 /// libdbus knows this number as "no limit": the other program's dialog may stay open for hours.
 constexpr int NoTimeLimit = std::numeric_limits<int>::max();
 
-/// The D-Bus library remembers for ever where it found its first session bus; a bus that is named in the
-/// environment is gone to directly.
-QDBusConnection Connect(const QString& name) {
-    const QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
-    return address.isEmpty() ? QDBusConnection::connectToBus(QDBusConnection::SessionBus, name)
-                             : QDBusConnection::connectToBus(address, name);
+/// Where the session bus is, as every program on it finds out. The D-Bus library itself remembers for ever
+/// where it found the first one.
+QString SessionBusAddress() {
+    const QString named = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+    if (!named.isEmpty())
+        return named;
+    const QString socket = qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/bus");
+    if (QFileInfo::exists(socket))
+        return QStringLiteral("unix:path=") + QString::fromLatin1(QUrl::toPercentEncoding(socket, "/"));
+    return QStringLiteral("autolaunch:");
 }
 
-/// A connection of its own for one call, so that a service that appeared since is found.
+/// A connection of its own for one call, so that a service that appeared since is found. It is made as to any
+/// program, and says its first word itself: the library's way to a bus waits for the bus to answer, and ends
+/// this program when none does.
 class SessionBus {
 public:
-    SessionBus() : bus_(Connect(Name)) {}
-    ~SessionBus() { QDBusConnection::disconnectFromBus(Name); }
+    SessionBus() : bus_(QDBusConnection::connectToPeer(SessionBusAddress(), Name)) {}
+    ~SessionBus() { QDBusConnection::disconnectFromPeer(Name); }
     SessionBus(const SessionBus&) = delete;
     SessionBus& operator=(const SessionBus&) = delete;
 
-    QDBusConnection& Bus() { return bus_; }
+    bool IsConnected() const { return bus_.isConnected(); }
+    QDBusPendingCall Greet() const {
+        const auto bus = QStringLiteral("org.freedesktop.DBus");
+        return bus_.asyncCall(QDBusMessage::createMethodCall(bus, QStringLiteral("/org/freedesktop/DBus"),
+                                                             bus, QStringLiteral("Hello")));
+    }
+    QDBusPendingCall Call(const QString& method) const {
+        return bus_.asyncCall(QDBusMessage::createMethodCall(Service, ObjectPath, Interface, method),
+                              NoTimeLimit);
+    }
 
 private:
     static inline const auto Name = QStringLiteral("RemoteCoordinates");
     QDBusConnection bus_;
 };
 
-/// A form that takes no input for as long as this lives; afterwards the focus is where it was.
-class DisabledForm {
+/// A form of which only the cancel button can be used for as long as this lives; afterwards it is as before,
+/// with the focus where it was.
+class WaitingForm {
 public:
-    explicit DisabledForm(QWidget& form) : form_(form), focus_(form.focusWidget()) {
-        form_.setEnabled(false);
+    explicit WaitingForm(QDialog& form) : form_(form), focus_(form.focusWidget()) {
+        for (QWidget* const child : form.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+            if (child->objectName() == QLatin1String("bCancel") || !child->isEnabledTo(&form))
+                continue;
+            child->setEnabled(false);
+            disabled_.append(child);
+        }
+        form.setFocus(); // not on the button: an Enter too much must not cancel
+        QObject::connect(&form, &QDialog::finished, &guard_, [this] { isLeft_ = true; });
     }
-    ~DisabledForm() {
-        form_.setEnabled(true);
+    ~WaitingForm() {
+        for (QWidget* const child : disabled_)
+            child->setEnabled(true);
         if (focus_ != nullptr)
             focus_->setFocus();
     }
-    DisabledForm(const DisabledForm&) = delete;
-    DisabledForm& operator=(const DisabledForm&) = delete;
+    WaitingForm(const WaitingForm&) = delete;
+    WaitingForm& operator=(const WaitingForm&) = delete;
+
+    /// The answer, or nothing when the form was left before it came.
+    std::optional<QDBusMessage> AnswerTo(const QDBusPendingCall& call) {
+        const QDBusPendingCallWatcher watcher(call);
+        QEventLoop untilAnswered;
+        QObject::connect(&watcher, &QDBusPendingCallWatcher::finished, &untilAnswered, &QEventLoop::quit);
+        QObject::connect(&form_, &QDialog::finished, &untilAnswered, &QEventLoop::quit);
+        if (!isLeft_ && !watcher.isFinished())
+            untilAnswered.exec();
+        // An application that is being closed ends every event loop.
+        if (isLeft_ || !watcher.isFinished())
+            return std::nullopt;
+        return watcher.reply();
+    }
 
 private:
-    QWidget& form_;
+    QDialog& form_;
     QPointer<QWidget> focus_;
+    QList<QWidget*> disabled_;
+    bool isLeft_ = false;
+    QObject guard_; ///< ends the connection
 };
+
+bool IsAnswer(const std::optional<QDBusMessage>& message, QLatin1String signature) {
+    return message && message->type() == QDBusMessage::ReplyMessage && message->signature() == signature;
+}
 
 /// The answer's values; nothing when the call failed, when they are not of this signature, or when the first,
 /// the success flag, is false.
-std::optional<QVariantList> Ask(QWidget& form, const QString& method, QLatin1String signature) {
-    SessionBus session;
-    if (!session.Bus().isConnected())
+std::optional<QVariantList> Ask(QDialog& form, const QString& method, QLatin1String signature) {
+    const SessionBus session;
+    if (!session.IsConnected())
         return std::nullopt;
-    const DisabledForm disabled(form);
-    const QDBusMessage call = QDBusMessage::createMethodCall(Service, ObjectPath, Interface, method);
-    QDBusPendingCallWatcher watcher(session.Bus().asyncCall(call, NoTimeLimit));
-    QEventLoop untilAnswered;
-    QObject::connect(&watcher, &QDBusPendingCallWatcher::finished, &untilAnswered, &QEventLoop::quit);
-    if (!watcher.isFinished())
-        untilAnswered.exec();
-    // An application that is being closed ends every event loop.
-    if (!watcher.isFinished())
+    WaitingForm waiting(form);
+    if (!IsAnswer(waiting.AnswerTo(session.Greet()), QLatin1String("s")))
         return std::nullopt;
-    const QDBusMessage answer = watcher.reply();
-    if (answer.type() != QDBusMessage::ReplyMessage || answer.signature() != signature ||
-        !answer.arguments().constFirst().toBool())
+    const std::optional<QDBusMessage> answer = waiting.AnswerTo(session.Call(method));
+    if (!IsAnswer(answer, signature) || !answer->arguments().constFirst().toBool())
         return std::nullopt;
-    return answer.arguments();
+    return answer->arguments();
 }
 
 /// The array of exactly so many finite numbers, or nothing.
@@ -101,7 +140,7 @@ std::optional<std::array<double, Count>> Numbers(const QVariant& value) {
 
 } // namespace
 
-std::optional<QuorvantDatum> GetCustomDatum(QWidget& form) {
+std::optional<QuorvantDatum> GetCustomDatum(QDialog& form) {
     const auto answer = Ask(form, QStringLiteral("GetCustomDatum"), QLatin1String("bad"));
     if (!answer)
         return std::nullopt;
@@ -109,7 +148,7 @@ std::optional<QuorvantDatum> GetCustomDatum(QWidget& form) {
     return numbers ? std::optional(QuorvantDatum(*numbers)) : std::nullopt;
 }
 
-std::optional<QuorvantGrid> GetCustomGrid(QWidget& form) {
+std::optional<QuorvantGrid> GetCustomGrid(QDialog& form) {
     const auto answer = Ask(form, QStringLiteral("GetCustomGrid"), QLatin1String("badiiads"));
     if (!answer)
         return std::nullopt;

@@ -20,11 +20,6 @@ bool WizardForm::ShowModal() {
     return confirmed_;
 }
 
-void WizardForm::reject() {
-    if (isEnabled())
-        QDialog::reject();
-}
-
 void WizardForm::Confirm() {
     confirmed_ = true;
     accept();

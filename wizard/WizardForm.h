@@ -16,8 +16,6 @@ public:
     /// Whether it was last closed by "Next ->".
     bool Confirmed() const { return confirmed_; }
 
-    /// A disabled form waits for another program's answer and cannot be left.
-    void reject() override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 protected:

@@ -87,21 +87,21 @@ void frmSelectDatumGrid::bNext_Click() {
     grid_.reset();
     gridIdentifier_ = 0;
     zone_ = 0;
-    if (IsCustom())
-        TakeCustom();
-    else if (!(ui_->rbShowDatum->isChecked() ? TakeDatum() : TakeGrid()))
+    if (!(IsCustom() ? TakeCustom() : ui_->rbShowDatum->isChecked() ? TakeDatum() : TakeGrid()))
         return;
     useLonLat_ = ui_->rbShowDatum->isChecked();
     useGrid_ = ui_->rdShowGrid->isChecked();
     Confirm();
 }
 
-void frmSelectDatumGrid::TakeCustom() {
+bool frmSelectDatumGrid::TakeCustom() {
     // Whatever comes of it, the step is done: the map says later whether it can be scaled without.
     if (ui_->rbShowDatum->isChecked())
         datum_ = GetCustomDatum(*this);
     else if (ui_->rdShowGrid->isChecked())
         grid_ = GetCustomGrid(*this);
+    // Unless the form was cancelled while the other program was asked.
+    return isVisible();
 }
 
 bool frmSelectDatumGrid::TakeDatum() {

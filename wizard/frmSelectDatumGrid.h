@@ -43,7 +43,7 @@ private:
     bool IsCustom() const;
     void ShowFrames();
 
-    void TakeCustom();
+    bool TakeCustom();
     bool TakeDatum();
     bool TakeGrid();
 

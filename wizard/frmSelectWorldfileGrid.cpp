@@ -41,10 +41,8 @@ bool frmSelectWorldfileGrid::IsCustom() const {
 
 void frmSelectWorldfileGrid::ddCountry_Click() {
     // Only the user's own choice, made again too, opens the other program's dialog.
-    if (!IsCustom())
-        return;
-    if (const std::optional<QuorvantGrid> chosen = GetCustomGrid(*this))
-        customGrid_ = chosen;
+    if (IsCustom())
+        customGrid_ = GetCustomGrid(*this);
 }
 
 void frmSelectWorldfileGrid::ddCountry_Changed() {

@@ -7,6 +7,8 @@
 //   strange    with a text
 //   infinite   with a number that is not finite
 //   unknown    with a projection that there is not
+//   once       at once, and from the second call on with success false
+//   hanging    not at all
 //   quit       not at all: it ends when it is called
 
 #include <QCoreApplication>
@@ -50,12 +52,16 @@ public:
     QString introspect(const QString&) const override { return {}; }
 
     bool handleMessage(const QDBusMessage& call, const QDBusConnection& bus) override {
+        if (mode_ == QLatin1String("hanging"))
+            return true;
         if (mode_ == QLatin1String("quit")) {
             QCoreApplication::exit();
             return true;
         }
         const auto answer = [this, call, bus] { bus.send(call.createReply(Answer(call.member(), mode_))); };
         QTimer::singleShot(mode_ == QLatin1String("slow") ? 500 : 0, answer);
+        if (mode_ == QLatin1String("once"))
+            QTimer::singleShot(0, [this] { mode_ = QStringLiteral("cancelled"); });
         return true;
     }
 

@@ -5,8 +5,13 @@
 #include "tests/wizard/RecordingMap.h"
 #include "wizard/clsWorldfileWizard.h"
 #include "wizard/frmSelectDatumGrid.h"
+#include "wizard/frmSelectWorldfileGrid.h"
 
 #include <QTimer>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 namespace {
 
@@ -17,7 +22,7 @@ const QuorvantGrid TestGrid(GridNumbers{1, 7, {49, -2, 0.9996012717, 400000, -10
 } // namespace
 
 TEST(RemoteCoordinates, GivesNothingWhereThereIsNoBusOrNoService) {
-    QWidget form;
+    QDialog form;
     qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere/at/all");
     EXPECT_FALSE(GetCustomDatum(form).has_value());
     const PrivateBus bus;
@@ -29,7 +34,7 @@ TEST(RemoteCoordinates, GivesNothingWhereThereIsNoBusOrNoService) {
 TEST(RemoteCoordinates, GivesTheDatumAndTheGridOfTheOtherProgram) {
     PrivateBus bus;
     bus.StartService(QStringLiteral("good"));
-    QWidget form;
+    QDialog form;
     EXPECT_EQ(GetCustomDatum(form), TestDatum);
     EXPECT_EQ(GetCustomGrid(form), TestGrid);
 }
@@ -37,7 +42,7 @@ TEST(RemoteCoordinates, GivesTheDatumAndTheGridOfTheOtherProgram) {
 TEST(RemoteCoordinates, GivesNothingForAnAnswerThatIsNone) {
     for (const char* const mode : {"cancelled", "short", "strange", "infinite", "quit"}) {
         SCOPED_TRACE(mode);
-        QWidget form;
+        QDialog form;
         {
             PrivateBus bus;
             bus.StartService(QString::fromLatin1(mode));
@@ -58,9 +63,9 @@ TEST(RemoteCoordinates, KeepTheFormDisabledUntilTheAnswer) {
     bool wasDisabled = false;
     script.Expect(QStringLiteral("frmSelectDatumGrid"), [&wasDisabled](QWidget& shown) {
         QTimer::singleShot(100, &shown, [&] {
-            wasDisabled = !shown.isEnabled();
-            QTest::keyClick(&shown, Qt::Key_Escape);
-            shown.close();
+            wasDisabled = !Find<QWidget>(shown, "ddCountry").isEnabled();
+            // Neither does Enter, pressed once too often, leave it.
+            QTest::keyClick(shown.focusWidget() != nullptr ? shown.focusWidget() : &shown, Qt::Key_Return);
             EXPECT_TRUE(shown.isVisible());
         });
         Click(shown, "bNext");
@@ -70,6 +75,89 @@ TEST(RemoteCoordinates, KeepTheFormDisabledUntilTheAnswer) {
     EXPECT_EQ(form.Datum(), TestDatum);
     EXPECT_FALSE(form.Grid().has_value());
     EXPECT_TRUE(form.UseLonLat());
+}
+
+namespace {
+
+/// Where a session bus should be: takes every connection and never says a word.
+class SilentBus {
+public:
+    SilentBus() {
+        const std::string path = (folder_ / "bus").string();
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        path.copy(std::data(address.sun_path), std::size(address.sun_path) - 1);
+        EXPECT_EQ(bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+        EXPECT_EQ(listen(socket_, 8), 0);
+        qputenv("DBUS_SESSION_BUS_ADDRESS", QByteArray::fromStdString("unix:path=" + path));
+    }
+    ~SilentBus() {
+        close(socket_);
+        qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+    }
+    SilentBus(const SilentBus&) = delete;
+    SilentBus& operator=(const SilentBus&) = delete;
+
+private:
+    TempFolder folder_;
+    int socket_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+};
+
+using Leave = void (*)(QWidget& shown);
+constexpr std::array<Leave, 3> WaysOut{
+    [](QWidget& shown) { Click(shown, "bCancel"); },
+    [](QWidget& shown) { QTest::keyClick(shown.focusWidget(), Qt::Key_Escape); },
+    [](QWidget& shown) { shown.close(); }};
+
+/// Leaves both forms in each way while the other program is asked.
+void GiveUpTheWaiting() {
+    for (const Leave leave : WaysOut) {
+        ModalScript script;
+        frmSelectDatumGrid step1;
+        script.Expect(QStringLiteral("frmSelectDatumGrid"), [leave](QWidget& shown) {
+            QTimer::singleShot(50, &shown, [&shown, leave] { leave(shown); });
+            Click(shown, "bNext");
+        });
+        EXPECT_FALSE(step1.ShowModal());
+        EXPECT_TRUE(Find<QWidget>(step1, "ddCountry").isEnabled());
+        frmSelectWorldfileGrid worldfile;
+        script.Expect(QStringLiteral("frmSelectWorldfileGrid"), [leave](QWidget& shown) {
+            QTimer::singleShot(50, &shown, [&shown, leave] { leave(shown); });
+            Pick(shown, "ddCountry", QStringLiteral("<Custom>"));
+        });
+        EXPECT_FALSE(worldfile.ShowModal());
+    }
+}
+
+} // namespace
+
+TEST(RemoteCoordinates, CanBeGivenUpWhenTheOtherProgramHangs) {
+    PrivateBus bus;
+    bus.StartService(QStringLiteral("hanging"));
+    GiveUpTheWaiting();
+}
+
+TEST(RemoteCoordinates, CanBeGivenUpWhenTheBusDoesNotAnswer) {
+    const SilentBus bus;
+    GiveUpTheWaiting();
+}
+
+TEST(RemoteCoordinates, LeaveNoGridForAWorldfileWhenTheNewChoiceGaveNone) {
+    PrivateBus bus;
+    bus.StartService(QStringLiteral("once"));
+    ModalScript script;
+    frmSelectWorldfileGrid form;
+    script
+        .Expect(QStringLiteral("frmSelectWorldfileGrid"),
+                [](QWidget& shown) {
+                    Pick(shown, "ddCountry", QStringLiteral("<Custom>"));
+                    Pick(shown, "ddCountry", QStringLiteral("<Custom>"));
+                    Click(shown, "bNext");
+                    EXPECT_TRUE(shown.isVisible());
+                    Click(shown, "bCancel");
+                })
+        .ExpectBox(QStringLiteral("No custom datum or grid is selected!"));
+    EXPECT_FALSE(form.ShowModal());
 }
 
 TEST(RemoteCoordinates, GiveStepOneItsGrid) {
