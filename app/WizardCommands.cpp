@@ -51,8 +51,13 @@ void WizardCommands::StartScalingWizard() {
         Discard();
         return;
     }
-    window_.SetHeader(wizard_->Prompt());
+    ShowPrompt();
     ShowMarks();
+}
+
+void WizardCommands::ShowPrompt() {
+    if (wizard_ != nullptr)
+        window_.SetHeader(wizard_->Prompt());
 }
 
 void WizardCommands::WizardMapClick(const ImagePixel& pixel) {
@@ -67,7 +72,7 @@ void WizardCommands::WizardMapClick(const ImagePixel& pixel) {
     if (wizard_->Finished())
         Finish();
     else
-        window_.SetHeader(wizard_->Prompt());
+        ShowPrompt();
 }
 
 void WizardCommands::Finish() {

@@ -30,6 +30,8 @@ public:
     /// Gives up a running wizard without a word; lHeader becomes empty.
     void Discard();
 
+    /// Writes the prompt of a running wizard into lHeader again, which a command may have emptied.
+    void ShowPrompt();
     /// Puts the reference points given so far where the map view shows their pixels now, and those of an
     /// earlier scaling, faintly, for as long as a wizard runs. Silent when there are none to be had.
     void ShowMarks();

@@ -91,6 +91,7 @@ void frmMain::Run(const std::function<void()>& command) {
     } catch (const std::exception& error) {
         ShowMessage(this, QString::fromUtf8(error.what()));
     }
+    wizardCommands_->ShowPrompt();
     EnableMenus();
 }
 

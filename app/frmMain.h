@@ -95,7 +95,8 @@ private:
 
     /// Whether none is running.
     bool TakesCommands() const;
-    /// Runs a command: nothing when one is running, a component's error shown, the menus right afterwards.
+    /// Runs a command: nothing when one is running, a component's error shown, the menus right afterwards,
+    /// and so the prompt of a wizard that waits.
     void Run(const std::function<void()>& command);
     /// Runs what must stay silent when it fails: mouse moves, scrolling, layout.
     void Quietly(const std::function<void()>& handler) noexcept;

@@ -2,6 +2,8 @@
 #include "tests/wizard/PrivateBus.h"
 #include "tests/wizard/WizardRun.h"
 
+#include <QTimer>
+
 // Wizards in the main window that are cancelled, started anew, refused or overtaken by another command.
 
 namespace {
@@ -313,6 +315,61 @@ TEST_F(GivingUp, ChoosingTheSameMapAgainOrSavingLeavesTheWizardAlone) {
     ClickPixel(Corner(3).pixel);
     ExpectNoWizard();
     EXPECT_EQ(ReadOutAt({20, 20}), "Longitude: 10.0000000 E Latitude: 60.0000000 N");
+}
+
+TEST_F(GivingUp, ANewMapThatComesToNothingLeavesThePromptStanding) {
+    const std::string noImage = PathOf("rubbish.png");
+    WriteWholeFile(noImage, "no image");
+    OpenScaled();
+    ExpectSystem("rbCartesian");
+    Choose("mBitmapScalingWizard");
+    GivePoint(1);
+    const std::string prompt = "Wizard step 5: Click on a known coordinate";
+    const std::vector<std::function<void()>> ends{
+        [this] { ExpectFileDialog(QStringLiteral("Open new bitmap"), std::nullopt); },
+        [this, &noImage] {
+            ExpectFileDialog(QStringLiteral("Open new bitmap"), noImage);
+            Expecting().Expect(QStringLiteral("frmNewMap"), [this](QWidget& shown) {
+                EXPECT_EQ(TextOf("lHeader"), "") << "emptied by the command";
+                Click(shown, "btnCancel");
+            });
+        },
+        [this, &noImage] {
+            ExpectMapAdded(noImage);
+            Expecting().Expect(QStringLiteral("MessageBox"),
+                               [](QWidget& shown) { QTest::keyClick(&shown, Qt::Key_Return); });
+        }};
+    for (const auto& expectEnd : ends) {
+        expectEnd();
+        Choose("mBitmapNew");
+        EXPECT_TRUE(Expecting().IsDone());
+        EXPECT_EQ(TextOf("lHeader"), prompt);
+        EXPECT_EQ(State().objAtlavex->MapCount(), 2);
+    }
+    GivePoint(2);
+    ExpectPoint(Corner(3));
+    Expecting().ExpectBox(ScalingCompleted());
+    ClickPixel(Corner(3).pixel);
+    ExpectNoWizard();
+    // Without a wizard there is no prompt that could come back.
+    ExpectFileDialog(QStringLiteral("Open new bitmap"), std::nullopt);
+    Choose("mBitmapNew");
+    EXPECT_EQ(TextOf("lHeader"), "");
+}
+
+TEST_F(GivingUp, WhileAnotherProgramHangsTheWindowCanBeClosedAfterwards) {
+    PrivateBus bus;
+    bus.StartService(QStringLiteral("hanging"));
+    OpenUnscaled();
+    Expecting().Expect(QStringLiteral("frmSelectDatumGrid"), [](QWidget& shown) {
+        QTimer::singleShot(50, &shown, [&shown] { Click(shown, "bCancel"); });
+        Click(shown, "bNext");
+    });
+    Expecting().ExpectBox(WizardCancelled());
+    Choose("mBitmapScalingWizard");
+    ExpectNothingHappened();
+    EXPECT_TRUE(Window().close());
+    EXPECT_FALSE(Window().isVisible());
 }
 
 TEST_F(GivingUp, AnotherCommandThatTakesTheMapAwayEndsTheWizard) {
