@@ -11,7 +11,9 @@ if [ -z "${EDITOR_PICTURE_SCREEN:-}" ]; then
 fi
 
 home=$(mktemp -d)
-HOME=$home XDG_CONFIG_HOME=$home QT_QPA_PLATFORM=xcb build/quorvant-studio "$library" 2>"$home/messages" &
+# A home and no session bus: what this machine's user has set up, or has not, changes nothing.
+HOME=$home XDG_CONFIG_HOME=$home XDG_CACHE_HOME=$home XDG_RUNTIME_DIR=$home \
+    DBUS_SESSION_BUS_ADDRESS="unix:path=$home/no-bus" QT_QPA_PLATFORM=xcb build/quorvant-studio "$library" 2>"$home/messages" &
 editor=$!
 trap 'kill $editor 2>/dev/null || true; rm -rf "$home"' EXIT
 # Its caption names the library once that is loaded and on the screen.

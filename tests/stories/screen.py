@@ -6,40 +6,69 @@ import subprocess
 import tempfile
 import time
 
+import descendants
+
 PATIENCE = 60  # seconds until a window that should come counts as missing
+
+# A session bus that starts no service, so that nothing runs here but what a story starts.
+BUS_CONFIGURATION = """<busconfig>
+  <type>session</type>
+  <listen>unix:path={home}/bus</listen>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+"""
 
 
 class Screen:
-    """Xvfb with openbox; programs started here live in a home of their own."""
+    """Xvfb with openbox and a session bus; programs started here live in a home of their own. At the end all of them
+    are gone, with whatever they have started in their turn."""
 
     def __init__(self, size="1280x900x24"):
+        descendants.adopt()
         self.folder = tempfile.TemporaryDirectory(prefix="quorvant-story-")
         self.home = pathlib.Path(self.folder.name)
-        reading, writing = os.pipe()
-        self.server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(writing), "-screen", "0", size, "-nolisten", "tcp"],
-            pass_fds=[writing], stderr=subprocess.DEVNULL)
-        os.close(writing)
-        with os.fdopen(reading) as number:
-            self.display = ":" + number.readline().strip()
-        self.environment = {**os.environ, "DISPLAY": self.display, "HOME": str(self.home),
+        self.server, number = self.start_telling("Xvfb", "-displayfd", "{}", "-screen", "0", size, "-nolisten", "tcp")
+        self.environment = {**os.environ, "DISPLAY": f":{number}", "HOME": str(self.home),
                             "XDG_CONFIG_HOME": str(self.home), "XDG_CACHE_HOME": str(self.home),
                             "XDG_RUNTIME_DIR": str(self.home), "QT_QPA_PLATFORM": "xcb", "LC_ALL": "C.UTF-8"}
-        self.programs = [subprocess.Popen(["openbox"], env=self.environment, stderr=subprocess.DEVNULL)]
+        configuration = self.home / "bus.conf"
+        configuration.write_text(BUS_CONFIGURATION.format(home=self.home))
+        self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.start_telling(
+            "dbus-daemon", "--nofork", "--nopidfile", f"--config-file={configuration}", "--print-address={}")[1]
+        self.start_window_manager()
+
+    def start_window_manager(self):
+        """A window that is shown while openbox takes over would be shown by nobody."""
+        ready = self.home / "openbox-is-ready"
+        subprocess.Popen(["openbox", "--startup", f"touch {ready}"], env=self.environment, stderr=subprocess.DEVNULL)
+        self.wait_for("The window manager", ready.exists)
 
     def __enter__(self):
         return self
 
     def __exit__(self, *ignored):
-        for program in self.programs + [self.server]:
-            program.kill()
-            program.wait()
+        self.server.terminate()  # asked to, it takes its lock and its socket along
+        self.server.wait()
+        descendants.end()
         self.folder.cleanup()
 
+    @staticmethod
+    def start_telling(*command):
+        """Starts a program that writes one line to the descriptor given for {} once it is ready: the program and its
+        line."""
+        reading, writing = os.pipe()
+        program = subprocess.Popen([word.format(writing) for word in command], pass_fds=[writing],
+                                   stderr=subprocess.DEVNULL)
+        os.close(writing)
+        with os.fdopen(reading) as line:
+            return program, line.readline().strip()
+
     def start(self, *command, folder=None):
-        program = subprocess.Popen(list(map(str, command)), env=self.environment, cwd=folder)
-        self.programs.append(program)
-        return program
+        return subprocess.Popen(list(map(str, command)), env=self.environment, cwd=folder)
 
     def do(self, *arguments):
         return subprocess.run(["xdotool", *map(str, arguments)], env=self.environment,

@@ -13,6 +13,7 @@ import tempfile
 import numpy
 from PIL import Image, ImageChops
 
+import descendants
 from screen import Screen
 
 BUILD = pathlib.Path(sys.argv[1]).resolve()
@@ -314,6 +315,19 @@ def is_shown(sheet, picture, pixel):
         return False
 
 
+def tell_leave_no_program_behind(screen, folder, pictures):
+    """What the editor has started may start others and end before them; with the screen all of them go."""
+    asked = folder / "asked"
+    browser = folder / "xdg-open"
+    browser.write_text(f'#!/bin/sh\nsetsid sleep 1000 &\necho "$1" > {asked}\n')
+    browser.chmod(0o755)
+    screen.environment["PATH"] = f"{folder}:{screen.environment['PATH']}"
+    screen.start(EDITOR)
+    screen.wait_for_active("Quorvant Studio v2.31")
+    screen.key("F1")
+    screen.wait_for("The browser", asked.exists)
+
+
 STORIES = {name[len("tell_"):]: story for name, story in list(globals().items()) if name.startswith("tell_")}
 
 
@@ -328,6 +342,8 @@ def main():
         except BaseException:
             subprocess.run(["import", "-window", "root", str(BUILD / f"story-{sys.argv[2]}.png")], env=screen.environment)
             raise
+    left = descendants.living_in(screen.home)
+    assert not left, f"Programs that were left behind: {left}"
 
 
 if __name__ == "__main__":

@@ -12,6 +12,8 @@ int main(int argc, char** argv) {
     for (const char* const name :
          {"HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"})
         qputenv(name, folder);
+    // Nor with the user's session bus; where there is none the library would start one.
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + folder + "/no-bus");
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     ::testing::InitGoogleMock(&argc, argv);
