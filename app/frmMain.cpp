@@ -121,18 +121,24 @@ PreferredTile frmMain::Tile() const {
     return {preferences_->TileWidth(), preferences_->TileHeight()};
 }
 
+std::string frmMain::ScratchFolder() const {
+    const QString folder = preferences_->TemporaryFolder();
+    return QFileInfo(folder).isDir() ? folder.toStdString() : std::string();
+}
+
 std::shared_ptr<AtlavexLibrary> frmMain::CreateLibrary() {
     LibraryOptions options;
     options.viewPatience = ViewPatience;
-    const QString folder = preferences_->TemporaryFolder();
-    if (QFileInfo(folder).isDir())
-        options.scratchFolder = folder.toStdString();
+    options.scratchFolder = ScratchFolder();
     std::shared_ptr<AtlavexLibrary> library = makeLibrary_(options);
     progress_->Follow(*library);
     return library;
 }
 
 void frmMain::BeginCall() {
+    // The folder may have been chosen, or have come or gone, since the library was made.
+    if (state_.objAtlavex != nullptr)
+        state_.objAtlavex->SetScratchFolder(ScratchFolder());
     state_.busy = true;
     QApplication::setOverrideCursor(Qt::WaitCursor);
     mapView_.SetBusy(true);

@@ -43,6 +43,7 @@ protected:
     /// Form_Unload: asks to save; the window stays when the user cancels.
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
 private:
@@ -102,6 +103,8 @@ private:
     void Quietly(const std::function<void()>& handler) noexcept;
     void LoadFromCommandLine(const QString& commandLine);
     void ShowReadOut(const QPoint& position);
+    /// The preferred one when it is there; empty: the user's cache folder.
+    std::string ScratchFolder() const;
 
     // What the commands ask of this window.
     QWidget* Widget() override { return this; }

@@ -21,7 +21,7 @@ enum class NewTiles {
 
 struct LibraryOptions {
     NewTiles newTiles = NewTiles::Scratch;
-    std::string scratchFolder; ///< empty: the user's cache folder
+    std::string scratchFolder; ///< see AtlavexLibrary::SetScratchFolder
     int keyOperations = 3;     ///< Argon2id passes for a new key, 1 to 4
     int keyMemoryMiB = 256;    ///< Argon2id memory for a new key, 8 to 512 MiB
     int threads = 0;           ///< workers inside one call; 0: one a core
@@ -62,6 +62,9 @@ public:
                                                             std::int32_t tileHeight) = 0;
     virtual std::shared_ptr<AtlavexIcon> AddIconFromImageFile(const std::string& file,
                                                               const std::string& name) = 0;
+    /// Where maps and icons that are not saved yet are kept from the next one on; what is kept elsewhere
+    /// stays there. Empty, not there, or no place to make a file in: the user's cache folder.
+    virtual void SetScratchFolder(const std::string& folder) = 0;
     virtual void RemoveMap(const std::string& reference) = 0;
     virtual void RemoveIcon(const std::string& reference) = 0;
 

@@ -106,6 +106,13 @@ std::shared_ptr<AtlavexIcon> LibraryObject::Append(std::shared_ptr<IconState> ic
     return GetIcon(ReferenceOf(IconMark, state_.icons.back()->id));
 }
 
+void LibraryObject::SetScratchFolder(const std::string& folder) {
+    if (folder == options_.scratchFolder)
+        return;
+    options_.scratchFolder = folder;
+    scratch_.reset(); // the maps and icons in it hold it for as long as they need it
+}
+
 std::shared_ptr<Container> LibraryObject::ContainerForNew() {
     if (options_.newTiles == NewTiles::LibraryFile && file_) {
         if (!direct_) {

@@ -29,6 +29,7 @@ public:
                                                     std::int32_t tileWidth, std::int32_t tileHeight) override;
     std::shared_ptr<AtlavexIcon> AddIconFromImageFile(const std::string& file,
                                                       const std::string& name) override;
+    void SetScratchFolder(const std::string& folder) override;
     void RemoveMap(const std::string& reference) override;
     void RemoveIcon(const std::string& reference) override;
 

@@ -5,11 +5,15 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <optional>
 
 namespace {
 
 constexpr std::string_view NameStart = "unsaved-";
 constexpr std::string_view NameEnding = ".scratch";
+
+/// For temporary files that may be large: on a disk, unlike many a /tmp.
+constexpr std::string_view LastResort = "/var/tmp";
 
 /// The scratch file with the lock that tells others it is in use.
 class ScratchFile {
@@ -80,8 +84,20 @@ std::filesystem::path UserCacheFolder() {
 
 std::shared_ptr<Container> MakeScratch(const std::shared_ptr<FileSystem>& files, const std::string& folder,
                                        std::shared_ptr<const Envelope> form) {
-    const std::filesystem::path place = folder.empty() ? UserCacheFolder() : std::filesystem::path(folder);
-    SweepAbandoned(*files, place);
-    auto file = std::make_shared<ScratchFile>(files, place / UniqueName(), std::move(form));
-    return {file, file->Tiles()};
+    std::optional<ComponentError> first;
+    for (const std::string& candidate : {folder, std::string(), std::string(LastResort)}) {
+        try {
+            const std::filesystem::path place =
+                candidate.empty() ? UserCacheFolder() : std::filesystem::path(candidate);
+            SweepAbandoned(*files, place);
+            auto file = std::make_shared<ScratchFile>(files, place / UniqueName(), form);
+            return {file, file->Tiles()};
+        } catch (const ComponentError& error) {
+            if (error.Number() != ErrorNumber::FileNotWritable)
+                throw;
+            if (!first)
+                first = error;
+        }
+    }
+    throw ComponentError(*first);
 }

@@ -12,7 +12,10 @@ frmMain& EditorTest::Start(const QString& commandLine, bool diagnosticMode) {
         LibraryOptions options = Options();
         if (!asked.scratchFolder.empty())
             options.scratchFolder = asked.scratchFolder;
-        return std::make_shared<RecordingLibrary>(CreateAtlavexLibrary(options), calls_, probe_);
+        const auto library =
+            std::make_shared<RecordingLibrary>(CreateAtlavexLibrary(options), calls_, probe_);
+        library->usualScratchFolder = Options().scratchFolder;
+        return library;
     });
     window_->Form_Load(commandLine);
     window_->show();

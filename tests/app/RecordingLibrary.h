@@ -64,6 +64,9 @@ public:
         log_.emplace_back("AddIconFromImageFile " + name);
         return real_->AddIconFromImageFile(file, name);
     }
+    void SetScratchFolder(const std::string& folder) override {
+        real_->SetScratchFolder(folder.empty() ? usualScratchFolder : folder);
+    }
     void RemoveMap(const std::string& reference) override {
         log_.emplace_back("RemoveMap");
         real_->RemoveMap(reference);
@@ -96,6 +99,9 @@ public:
     void Compact() override { real_->Compact(); }
     std::string FileName() const override { return real_->FileName(); }
     bool IsSealed() const override { return real_->IsSealed(); }
+
+    /// Takes the place of the user's cache folder.
+    std::string usualScratchFolder;
 
 private:
     template <typename Handler, typename... Arguments>

@@ -66,6 +66,37 @@ TEST_F(PreferencesUse, TheFolderHoldsTheScratchFileWhenItExists) {
     EXPECT_FALSE(Names(PathOf("mine")).empty());
 }
 
+TEST_F(PreferencesUse, TheFolderHoldsWhatIsAddedNextToTheLibraryThatIsOpen) {
+    std::filesystem::create_directory(PathOf("mine"));
+    Start();
+    AddIconByMenu();
+    ASSERT_EQ(Names(ScratchFolder()).size(), 1U);
+    SetPreferences(
+        [this](QWidget& window) { TypeInto(window, "txtTempPath", QString::fromStdString(PathOf("mine"))); });
+    AddIconByMenu();
+    EXPECT_EQ(Names(PathOf("mine")).size(), 1U);
+    EXPECT_EQ(Names(ScratchFolder()).size(), 1U) << "what was added before stays where it is";
+    ExpectSaveDialog(PathOf("a.Atlavex"));
+    Choose("mFileSaveAtlavex");
+    EXPECT_EQ(Open(PathOf("a.Atlavex"))->IconCount(), 2);
+}
+
+TEST_F(PreferencesUse, AFolderThatHasGoneDoesNotStopTheAdding) {
+    std::filesystem::create_directory(PathOf("mine"));
+    Start();
+    SetPreferences(
+        [this](QWidget& window) { TypeInto(window, "txtTempPath", QString::fromStdString(PathOf("mine"))); });
+    AddIconByMenu();
+    std::filesystem::remove_all(PathOf("mine"));
+    AddIconByMenu();
+    ExpectSaveDialog(PathOf("a.Atlavex"));
+    Choose("mFileSaveAtlavex");
+    EXPECT_EQ(Open(PathOf("a.Atlavex"))->IconCount(), 2);
+    AddIconByMenu();
+    Choose("mFileSaveAtlavex");
+    EXPECT_EQ(Open(PathOf("a.Atlavex"))->IconCount(), 3);
+}
+
 TEST_F(PreferencesUse, AFolderThatIsNotThereIsNotUsed) {
     Start();
     SetPreferences(

@@ -1,6 +1,7 @@
 // Where maps and icons stand that are not saved yet.
 
 #include "tests/component/LibraryFixture.h"
+#include "tests/support/ScopedVariable.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -14,12 +15,20 @@ namespace {
 class LibraryScratch : public LibraryTest {
 protected:
     std::vector<std::string> ScratchFiles() const { return Names(ScratchFolder()); }
-    /// A large file is taken back behind the call.
-    bool ScratchFilesGo() const {
-        for (int i = 0; i < 1000 && !ScratchFiles().empty(); ++i)
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        return ScratchFiles().empty();
+    /// This program's among all that stand in the folder.
+    std::vector<std::string> OwnFiles(const std::filesystem::path& folder) const {
+        std::vector<std::string> names = Names(folder);
+        const std::string start = "unsaved-" + std::to_string(getpid()) + "-";
+        std::erase_if(names, [&start](const std::string& name) { return !name.starts_with(start); });
+        return names;
     }
+    /// A large file is taken back behind the call.
+    bool OwnFilesGo(const std::filesystem::path& folder) const {
+        for (int i = 0; i < 1000 && !OwnFiles(folder).empty(); ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        return OwnFiles(folder).empty();
+    }
+    bool ScratchFilesGo() const { return OwnFilesGo(ScratchFolder()); }
 };
 
 } // namespace
@@ -99,13 +108,42 @@ TEST_F(LibraryScratch, OfOneLibraryIsNotSweptByAnother) {
     ExpectHolds(PathOf("lib.Atlavex"), {}, content);
 }
 
-TEST_F(LibraryScratch, InAFolderThatIsNotThereIsAnErrorAndAddsNothing) {
+TEST_F(LibraryScratch, LiesInTheFolderThatWasNamedLast) {
+    const auto library = NewLibrary();
+    AddIcon(*library, MakeSheet(PixelFormat::Grey, 9, 9), "first");
+    std::filesystem::create_directory(PathOf("other"));
+    library->SetScratchFolder(PathOf("other"));
+    AddMap(*library, MakeSheet(PixelFormat::Rgb, 100, 100), "second");
+    EXPECT_EQ(ScratchFiles().size(), 1U);
+    EXPECT_EQ(Names(PathOf("other")).size(), 1U);
+    const LibraryContent content = ContentOf(*library);
+    library->SaveToFile(PathOf("lib.Atlavex"), {});
+    ExpectHolds(PathOf("lib.Atlavex"), {}, content);
+}
+
+TEST_F(LibraryScratch, LiesInTheCacheFolderWhereTheNamedOneTakesNoFile) {
+    const ScopedVariable cache("XDG_CACHE_HOME", PathOf("cache"));
+    WriteWholeFile(PathOf("file"), "no folder");
+    for (const char* const named : {"no such folder", "file", "file/below"}) {
+        LibraryOptions options = Options();
+        options.scratchFolder = PathOf(named);
+        const auto library = CreateAtlavexLibrary(options);
+        AddMap(*library, MakeSheet(PixelFormat::Grey, 9, 9));
+        EXPECT_EQ(Names(PathOf("cache/quorvant-studio")).size(), 1U) << named;
+        EXPECT_FALSE(std::filesystem::exists(PathOf("no such folder")));
+    }
+}
+
+TEST_F(LibraryScratch, LiesAmongLastingTemporaryFilesWhereTheUserHasNoCacheFolder) {
+    WriteWholeFile(PathOf("file"), "no folder");
+    const ScopedVariable cache("XDG_CACHE_HOME", PathOf("file/cache"));
     LibraryOptions options = Options();
-    options.scratchFolder = PathOf("no such folder");
+    options.scratchFolder.clear();
     const auto library = CreateAtlavexLibrary(options);
-    EXPECT_ERROR(AddMap(*library, MakeSheet(PixelFormat::Grey, 9, 9)), ErrorNumber::FileNotWritable);
-    EXPECT_ERROR(AddIcon(*library, MakeSheet(PixelFormat::Grey, 9, 9)), ErrorNumber::FileNotWritable);
-    EXPECT_EQ(library->MapCount() + library->IconCount(), 0);
+    AddMap(*library, MakeSheet(PixelFormat::Grey, 9, 9));
+    EXPECT_EQ(OwnFiles("/var/tmp").size(), 1U);
+    library->SaveToFile(PathOf("lib.Atlavex"), {});
+    EXPECT_TRUE(OwnFilesGo("/var/tmp"));
 }
 
 TEST_F(LibraryScratch, IsNotNeededForDirectWork) {

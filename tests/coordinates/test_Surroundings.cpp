@@ -4,14 +4,13 @@
 #include "coordinates/Projection.h"
 #include "coordinates/QuorvantPosition.h"
 #include "tests/support/RunProgram.h"
+#include "tests/support/ScopedVariable.h"
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <clocale>
-#include <cstdlib>
 #include <locale>
-#include <optional>
 #include <sstream>
 #include <stdexcept>
 
@@ -24,28 +23,6 @@ extern "C" const char* __lsan_default_suppressions() {
 } // NOLINT
 
 namespace {
-
-/// An environment variable with another value, until the end of the scope.
-class ScopedVariable {
-public:
-    ScopedVariable(std::string name, const std::string& value) : name_(std::move(name)) {
-        if (const char* old = std::getenv(name_.c_str()))
-            old_ = old;
-        setenv(name_.c_str(), value.c_str(), 1);
-    }
-    ~ScopedVariable() {
-        if (old_)
-            setenv(name_.c_str(), old_->c_str(), 1);
-        else
-            unsetenv(name_.c_str());
-    }
-    ScopedVariable(const ScopedVariable&) = delete;
-    ScopedVariable& operator=(const ScopedVariable&) = delete;
-
-private:
-    std::string name_;
-    std::optional<std::string> old_;
-};
 
 struct CommaFacet : std::numpunct<char> {
     char do_decimal_point() const override { return ','; }
