@@ -100,6 +100,7 @@ void LibraryCommands::TakeLoadedFile(const QString& fileName) {
     state_.modified = false;
     window_.RefillIcons(0);
     window_.RefillMaps(0);
+    window_.ShowSizeOfPage();
     TakeStoredScaling(state_, window_);
     window_.SetTitle(fileName);
 }
@@ -187,6 +188,7 @@ void LibraryCommands::ReportMerge(const Counts& before) {
     window_.RefillIcons(std::max(window_.IconEntry(), 0));
     const bool noneCurrent = state_.currentMap == nullptr;
     window_.RefillMaps(std::max(window_.MapEntry(), 0));
+    window_.ShowSizeOfPage();
     if (noneCurrent)
         TakeStoredScaling(state_, window_);
     const auto added = [](std::int32_t now, std::int32_t then) {

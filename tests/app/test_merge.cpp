@@ -52,6 +52,16 @@ TEST_F(Merging, KeepsWhatIsSelected) {
     EXPECT_EQ(TextOf("lbSize"), "Bitmap size: (30, 40)");
 }
 
+TEST_F(Merging, SaysTheSizeOfWhatThePageShows) {
+    const std::string other = MakeLibrary("other.Atlavex", {{25, 35}}, 1);
+    StartWith(MakeLibrary("a.Atlavex", {{20, 20}}, 1));
+    ClickTab(1);
+    Merge(other, Box(Complete("1", "1")));
+    EXPECT_EQ(TextOf("lbSize"), "Icon size: (16, 16)");
+    ClickTab(0);
+    EXPECT_EQ(TextOf("lbSize"), "Bitmap size: (20, 20)");
+}
+
 TEST_F(Merging, SelectsTheFirstWhereNoneWas) {
     const std::string other = MakeLibrary("other.Atlavex", {{25, 35}});
     StartWith(MakeLibrary("icons.Atlavex", {}, 1));

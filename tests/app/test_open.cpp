@@ -59,6 +59,19 @@ TEST_F(Opening, ShowsTheFirstMapAndNamesTheFile) {
     EXPECT_EQ(State().fileName.toStdString(), file);
 }
 
+TEST_F(Opening, SaysTheSizeOfWhatThePageShows) {
+    const std::string file = MakeLibrary("a.Atlavex", {{200, 100}}, 1);
+    Start();
+    ClickTab(1);
+    OpenByMenu(file);
+    EXPECT_EQ(TextOf("lbSize"), "Icon size: (16, 16)");
+    ClickTab(0);
+    EXPECT_EQ(TextOf("lbSize"), "Bitmap size: (200, 100)");
+    ClickTab(1);
+    OpenByMenu(MakeLibrary("maps.Atlavex", {{30, 40}}));
+    EXPECT_EQ(TextOf("lbSize"), "") << "the page of icons, and there is none";
+}
+
 TEST_F(Opening, AsksTwiceWhetherItIsSealedAndCountsBeforeAndAfter) {
     const std::string file = MakeLibrary("a.Atlavex", {{20, 20}}, 1);
     Start();
