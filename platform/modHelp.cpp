@@ -2,16 +2,69 @@
 
 #include "platform/modMessages.h"
 
+#include <QCoreApplication>
 #include <QDesktopServices>
+#include <QElapsedTimer>
+#include <QPointer>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QWidget>
 
-bool OpenInBrowser(const QUrl& address) {
-    return QDesktopServices::openUrl(address);
+#include <unistd.h>
+
+namespace {
+
+/// What fails later than this has shown something, and the user has gone on to other things.
+constexpr qint64 FailsAtOnce = 10000; // milliseconds
+
+/// The desktop's program that opens an address. Some desktops' is the browser itself and lives as long: it is
+/// left alone when this program ends.
+class Browser : public QProcess {
+public:
+    explicit Browser(const std::function<void()>& failed) : QProcess(QCoreApplication::instance()) {
+        setObjectName(QStringLiteral("Browser"));
+        setProcessChannelMode(QProcess::ForwardedChannels);
+        setStandardInputFile(QProcess::nullDevice());
+        // A signal from the terminal in which this program was started is not meant for the browser.
+        setChildProcessModifier([] { setsid(); });
+        started_.start();
+        connect(this, &QProcess::errorOccurred, this, [this, failed](QProcess::ProcessError error) {
+            if (error == QProcess::FailedToStart)
+                End(failed, true);
+        });
+        connect(this, &QProcess::finished, this, [this, failed](int status, QProcess::ExitStatus how) {
+            End(failed, how == QProcess::CrashExit || status != 0);
+        });
+    }
+    ~Browser() override { setProcessState(QProcess::NotRunning); } // else it would be killed
+    Browser(const Browser&) = delete;
+    Browser& operator=(const Browser&) = delete;
+
+private:
+    void End(const std::function<void()>& failed, bool isFailure) {
+        deleteLater();
+        if (isFailure && !started_.hasExpired(FailsAtOnce))
+            failed();
+    }
+
+    QElapsedTimer started_;
+};
+
+} // namespace
+
+bool OpenInBrowser(const QUrl& address, const std::function<void()>& failed) {
+    const QString program = QStandardPaths::findExecutable(QStringLiteral("xdg-open"));
+    if (program.isEmpty())
+        return QDesktopServices::openUrl(address);
+    (new Browser(failed))->start(program, {address.toString(QUrl::FullyEncoded)});
+    return true;
 }
 
 void ShowHelp(QWidget* parent, const AddressOpener& open) {
     const QString guide = HelpServer + QStringLiteral("/quorvant/guide.asp");
-    if (open(QUrl(guide + QStringLiteral("?section=Studio&ref=app"))))
-        return;
-    ShowMessage(parent, QStringLiteral("Internet Explorer could not be launched. Please visit ") + guide +
-                            QStringLiteral(" for the Developer's Guide"));
+    const QString sentence = QStringLiteral("Internet Explorer could not be launched. Please visit ") +
+                             guide + QStringLiteral(" for the Developer's Guide");
+    const auto failed = [window = QPointer<QWidget>(parent), sentence] { OpenMessage(window, sentence); };
+    if (!open(QUrl(guide + QStringLiteral("?section=Studio&ref=app")), failed))
+        ShowMessage(parent, sentence);
 }

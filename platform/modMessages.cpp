@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDialogButtonBox>
+#include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -39,6 +40,31 @@ QString Fitting(const QString& text) {
         .join(u'\n');
 }
 
+/// The text with invisible places to break a line at in the words that are too long for one; a word is what
+/// stands between blanks, as in a path or in a name that was never meant to be read.
+QString WithBreaks(const QString& text) {
+    constexpr qsizetype LongestWord = 40; // letters; some 400 pixels at the usual size
+    constexpr qsizetype Piece = 8;
+    QString broken;
+    qsizetype wordStart = 0;
+    for (qsizetype i = 0; i <= text.size(); ++i) {
+        if (i < text.size() && !text.at(i).isSpace())
+            continue;
+        const QString word = text.mid(wordStart, i - wordStart);
+        qsizetype from = 0;
+        while (word.size() > LongestWord && word.size() - from > Piece) {
+            const qsizetype end = Between(word, from + Piece);
+            broken += word.mid(from, end - from) + QChar(0x200B);
+            from = end;
+        }
+        broken += word.mid(from);
+        if (i < text.size())
+            broken += text.at(i);
+        wordStart = i + 1;
+    }
+    return broken;
+}
+
 /// The normal pointer for as long as a box is open, over the hourglass of a command that asks in its middle.
 class NormalPointer {
 public:
@@ -48,13 +74,46 @@ public:
     NormalPointer& operator=(const NormalPointer&) = delete;
 };
 
+/// A box that shows its text as plain text, whole.
+class PlainBox : public QMessageBox {
+public:
+    PlainBox(QWidget* parent, Icon icon, const QString& text, StandardButtons buttons)
+        : QMessageBox(icon, Title, Fitting(text), buttons, parent) {
+        setObjectName(QStringLiteral("MessageBox"));
+        setTextFormat(Qt::PlainText);
+        if (const QString breakable = WithBreaks(QMessageBox::text()); breakable != QMessageBox::text())
+            Show(breakable);
+    }
+
+private:
+    /// A second label takes the place of the box's own, which keeps the text as it is: for those who ask the
+    /// box for it, copy it or have it read to them.
+    void Show(const QString& breakable) {
+        constexpr int Widest = 480; // pixels; a box with a text of many short words is about as wide
+        auto* const own = findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+        auto* const grid = qobject_cast<QGridLayout*>(layout());
+        if (own == nullptr || grid == nullptr)
+            return;
+        int row = 0, column = 0, rows = 0, columns = 0;
+        grid->getItemPosition(grid->indexOf(own), &row, &column, &rows, &columns);
+        auto* const shown = new QLabel(breakable, this);
+        shown->setObjectName(QStringLiteral("BrokenText"));
+        shown->setTextFormat(Qt::PlainText);
+        shown->setWordWrap(true);
+        shown->setAlignment(own->alignment());
+        shown->setIndent(own->indent());
+        shown->setContentsMargins(own->contentsMargins());
+        shown->setMinimumWidth(Widest);
+        grid->addWidget(shown, row, column, rows, columns);
+        own->hide();
+    }
+};
+
 QMessageBox::StandardButton Ask(QWidget* parent, QMessageBox::Icon icon, const QString& text,
                                 QMessageBox::StandardButtons buttons, QMessageBox::StandardButton preset,
                                 QMessageBox::StandardButton escape) {
     const NormalPointer pointer;
-    QMessageBox box(icon, Title, Fitting(text), buttons, parent);
-    box.setObjectName(QStringLiteral("MessageBox"));
-    box.setTextFormat(Qt::PlainText);
+    PlainBox box(parent, icon, text, buttons);
     box.setDefaultButton(preset);
     box.setEscapeButton(escape);
     return static_cast<QMessageBox::StandardButton>(box.exec());
@@ -64,6 +123,13 @@ QMessageBox::StandardButton Ask(QWidget* parent, QMessageBox::Icon icon, const Q
 
 void ShowMessage(QWidget* parent, const QString& text) {
     Ask(parent, QMessageBox::Information, text, QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Ok);
+}
+
+void OpenMessage(QWidget* parent, const QString& text) {
+    auto* const box = new PlainBox(parent != nullptr ? parent : QApplication::activeWindow(),
+                                   QMessageBox::Information, text, QMessageBox::Ok);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
 }
 
 void ShowError(QWidget* parent, const QString& text) {

@@ -1,48 +1,68 @@
 #include "tests/app/ShellFixture.h"
-
-#include <QDesktopServices>
+#include "tests/support/desktop/FakeBrowser.h"
 
 namespace {
 
-/// Takes the place of the user's browser.
-class Browser : public QObject {
-    Q_OBJECT
-
-public:
-    Browser() { QDesktopServices::setUrlHandler(QStringLiteral("https"), this, "Open"); }
-    ~Browser() override { QDesktopServices::unsetUrlHandler(QStringLiteral("https")); }
-    const QList<QUrl>& Opened() const { return opened_; }
-
-public Q_SLOTS:
-    void Open(const QUrl& address) { opened_.append(address); }
-
-private:
-    QList<QUrl> opened_;
+class GuideOfTheWindow : public ShellTest {
+protected:
+    void ExpectSentence() {
+        Expecting().ExpectBox(
+            QStringLiteral("Internet Explorer could not be launched. Please visit "
+                           "https://www.kestova.example/quorvant/guide.asp for the Developer's Guide"));
+    }
+    /// Until the box that was expected has come; the window answers meanwhile.
+    bool SentenceCame() {
+        return QTest::qWaitFor([this] { return Expecting().IsDone(); }, 60000);
+    }
 };
 
-class GuideOfTheWindow : public ShellTest {};
-
-const auto Page = QStringLiteral("https://www.kestova.example/quorvant/guide.asp");
+constexpr const char* Page = "https://www.kestova.example/quorvant/guide.asp?section=Studio&ref=app\n";
 
 } // namespace
 
 TEST_F(GuideOfTheWindow, IsOpenedByTheMenuAndByF1) {
-    const Browser browser;
+    const FakeBrowser browser("exit 0");
     Start();
     Choose("mHelpGuide");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return browser.Opened() == Page; }, 60000)) << browser.Opened();
     QTest::keyClick(&Window(), Qt::Key_F1);
-    const QUrl wanted(Page + QStringLiteral("?section=Studio&ref=app"));
-    EXPECT_EQ(browser.Opened(), QList<QUrl>({wanted, wanted}));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return browser.Opened() == std::string(Page) + Page; }, 60000))
+        << browser.Opened();
 }
 
 TEST_F(GuideOfTheWindow, IsNamedWhenNoBrowserStarts) {
+    const NoBrowser none;
     Start();
     OpenByMenu(MakeLibrary("a.Atlavex", {{20, 20}}, 1));
     const auto map = State().currentMap;
-    Expecting().ExpectBox(QStringLiteral("Internet Explorer could not be launched. Please visit ") + Page +
-                          QStringLiteral(" for the Developer's Guide"));
+    ExpectSentence();
     Choose("mHelpGuide");
     EXPECT_EQ(State().currentMap, map);
 }
 
-#include "test_help.moc"
+TEST_F(GuideOfTheWindow, IsNamedWhenTheBrowserEndsWithAFailure) {
+    for (const char* const failure : {"exit 3", "kill -KILL $$"}) {
+        const FakeBrowser browser(failure);
+        Start();
+        Choose("mHelpGuide");
+        ExpectSentence();
+        EXPECT_TRUE(SentenceCame()) << failure;
+        EXPECT_EQ(browser.Opened(), Page);
+    }
+}
+
+TEST_F(GuideOfTheWindow, IsNamedOverWhateverDialogIsOpenByThen) {
+    const FakeBrowser browser("while [ ! -e go ]; do sleep 0.1; done; exit 3");
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(PathOf("."));
+    Start();
+    Choose("mHelpGuide");
+    Expecting().Expect(QStringLiteral("frmAbout"), [this](QWidget& about) {
+        ExpectSentence();
+        WriteWholeFile("go", "");
+        EXPECT_TRUE(SentenceCame());
+        QTest::keyClick(&about, Qt::Key_Escape);
+    });
+    Choose("mHelpAbout");
+    std::filesystem::current_path(before);
+}

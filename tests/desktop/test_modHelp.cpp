@@ -1,11 +1,24 @@
 #include "platform/modHelp.h"
 
+#include "tests/support/desktop/FakeBrowser.h"
 #include "tests/support/desktop/ModalScript.h"
+
+#include <QTest>
+
+#include <csignal>
+
+namespace {
+
+const auto Sentence =
+    QStringLiteral("Internet Explorer could not be launched. Please visit "
+                   "https://www.kestova.example/quorvant/guide.asp for the Developer's Guide");
+
+} // namespace
 
 TEST(Help, OpensThePageOnThisProgramAndSaysNothing) {
     const ModalScript nothing;
     QUrl opened;
-    ShowHelp(nullptr, [&](const QUrl& address) {
+    ShowHelp(nullptr, [&](const QUrl& address, const std::function<void()>&) {
         opened = address;
         return true;
     });
@@ -15,13 +28,43 @@ TEST(Help, OpensThePageOnThisProgramAndSaysNothing) {
 
 TEST(Help, TellsWhereTheGuideIsWhenNoBrowserStarts) {
     ModalScript script;
-    script.ExpectBox(
-        QStringLiteral("Internet Explorer could not be launched. Please visit "
-                       "https://www.kestova.example/quorvant/guide.asp for the Developer's Guide"));
-    ShowHelp(nullptr, [](const QUrl&) { return false; });
+    script.ExpectBox(Sentence);
+    ShowHelp(nullptr, [](const QUrl&, const std::function<void()>&) { return false; });
     EXPECT_TRUE(script.IsDone());
 }
 
+TEST(Help, TellsItAlsoWhenTheBrowserFailsAfterItsStart) {
+    ModalScript script;
+    std::function<void()> failLater;
+    {
+        QWidget form;
+        ShowHelp(&form, [&](const QUrl&, const std::function<void()>& failed) {
+            failLater = failed;
+            return true;
+        });
+    }
+    script.ExpectBox(Sentence);
+    failLater(); // when the form that asked is gone
+    EXPECT_TRUE(QTest::qWaitFor([&] { return script.IsDone(); }, 60000));
+}
+
 TEST(Help, FindsNoBrowserWithoutADesktop) {
-    EXPECT_FALSE(OpenInBrowser(QUrl(QStringLiteral("https://www.kestova.example/"))));
+    const NoBrowser none;
+    EXPECT_FALSE(OpenInBrowser(QUrl(QStringLiteral("https://www.kestova.example/")), [] {}));
+}
+
+TEST(Help, LeavesABrowserThatStaysOpenRunning) {
+    const TempFolder folder;
+    const FakeBrowser browser("echo $$ > '" + (folder / "new").string() + "'; mv '" +
+                              (folder / "new").string() + "' '" + (folder / "number").string() +
+                              "'; exec sleep 1000");
+    bool failed = false;
+    EXPECT_TRUE(OpenInBrowser(QUrl(QStringLiteral("https://www.kestova.example/")), [&] { failed = true; }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(folder / "number"); }, 60000));
+    const pid_t number = std::stoi(ReadWholeFile(folder / "number"));
+    // As the end of the program does.
+    qDeleteAll(QCoreApplication::instance()->findChildren<QObject*>(QStringLiteral("Browser")));
+    EXPECT_EQ(kill(number, 0), 0);
+    kill(number, SIGKILL);
+    EXPECT_FALSE(failed);
 }

@@ -39,6 +39,40 @@ TEST(MessageBoxes, LeaveOutTheMiddleOfATextThatNoScreenHasRoomFor) {
                   QStringLiteral("Delete '%1\u2026%2' map?").arg(QString(23, u'\n'), QString(7, u'\n')));
 }
 
+TEST(MessageBoxes, ShowEveryPartOfALongWord) {
+    // Two names that differ at the end alone look different, and the box is no wider than others.
+    const auto picture = [](const QString& name, const QString& text) {
+        QImage seen;
+        ModalScript script;
+        script.Expect(QStringLiteral("MessageBox"), [&](QWidget& box) {
+            EXPECT_EQ(dynamic_cast<QMessageBox&>(box).text().toStdString(), text.arg(name).toStdString());
+            EXPECT_LT(box.width(), 800);
+            seen = box.grab().toImage();
+            QTest::keyClick(&box, Qt::Key_Escape);
+        });
+        AskYesNo(nullptr, text.arg(name));
+        return seen;
+    };
+    const auto question = QStringLiteral("Are you sure you want to delete '%1' map?");
+    for (const int letters : {41, 100, 300, 700})
+        for (const char32_t letter : {U'n', U'W', U'\U0001F5FA'}) {
+            const QString start =
+                QString::fromUcs4(std::u32string(static_cast<std::size_t>(letters), letter));
+            EXPECT_NE(picture(start + u'1', question), picture(start + u'2', question))
+                << letters << " " << static_cast<unsigned>(letter);
+        }
+    const auto missing = QStringLiteral("There is no file '/%1/a.Atlavex'.");
+    EXPECT_NE(picture(QString(200, u'x') + u'1', missing), picture(QString(200, u'x') + u'2', missing));
+}
+
+TEST(MessageBoxes, ThatAreOnlyOpenedDoNotHoldAnybodyUp) {
+    ModalScript script;
+    script.ExpectBox(QStringLiteral("Later"));
+    OpenMessage(nullptr, QStringLiteral("Later"));
+    EXPECT_FALSE(script.IsDone());
+    EXPECT_TRUE(QTest::qWaitFor([&script] { return script.IsDone(); }, 60000));
+}
+
 TEST(Questions, AnswerNoOnEnterAndEscape) {
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
         ModalScript script;

@@ -1,4 +1,5 @@
 #include "platform/LinkLabel.h"
+#include "tests/support/desktop/FakeBrowser.h"
 #include "tests/support/desktop/ModalScript.h"
 #include "tests/wizard/FormDriver.h"
 #include "wizard/frmCoordinate.h"
@@ -7,7 +8,6 @@
 #include "wizard/frmSelectDatumGrid.h"
 #include "wizard/frmSelectWorldfileGrid.h"
 
-#include <QDesktopServices>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -31,18 +31,6 @@ std::unique_ptr<WizardForm> Make() {
 void PrintTo(const FormCase& form, std::ostream* out) {
     *out << form.name;
 }
-
-/// A desktop that has no browser, whatever this machine has: addresses go to something that cannot take them.
-class NoBrowser {
-public:
-    NoBrowser() { QDesktopServices::setUrlHandler(QStringLiteral("https"), &nobody_, "TakesNoAddress"); }
-    ~NoBrowser() { QDesktopServices::unsetUrlHandler(QStringLiteral("https")); }
-    NoBrowser(const NoBrowser&) = delete;
-    NoBrowser& operator=(const NoBrowser&) = delete;
-
-private:
-    QObject nobody_;
-};
 
 class WizardForms : public ::testing::TestWithParam<FormCase> {
 protected:
