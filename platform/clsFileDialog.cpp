@@ -29,6 +29,7 @@ void SetMode(QFileDialog& dialog, bool opens) {
     dialog.setFilter(QDir::AllEntries | QDir::AllDirs | QDir::NoDotAndDotDot);
     dialog.setAcceptMode(opens ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
     dialog.setFileMode(opens ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    dialog.setDefaultSuffix(QString());
 }
 
 /// Selecting an empty name does nothing in Qt; the field itself has to be emptied. Then the list: an empty
@@ -39,6 +40,16 @@ void ForgetFileName(QFileDialog& dialog) {
         field->clear();
     if (const auto* const list = dialog.findChild<QAbstractItemView*>(QStringLiteral("listView")))
         list->selectionModel()->clear();
+}
+
+/// A name that is typed without an ending gets that of the filter which is chosen at the time, before
+/// anything is asked about the file: the dialogs that open would not list it otherwise.
+QMetaObject::Connection CompleteNames(QFileDialog& dialog, const FilterText& filter) {
+    const auto complete = [&dialog, filter](const QString& selected) {
+        dialog.setDefaultSuffix(filter.EndingOf(selected));
+    };
+    complete(dialog.selectedNameFilter());
+    return QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, complete);
 }
 
 /// Qt asks before it replaces a file, but takes a name in a folder that does not exist.
@@ -76,7 +87,11 @@ bool clsFileDialog::Show(QFileDialog& systemDialog) {
     systemDialog.selectNameFilter(filter.QtFilters().value(filterIndex_ - 1, filter.QtFilters().value(0)));
     systemDialog.setDirectory(QFileInfo(initDir_).isDir() ? initDir_ : QDir::currentPath());
     ForgetFileName(systemDialog);
-    if (!AskForFile(systemDialog))
+    const bool saves = dialogType_ == Save;
+    const auto completing = saves ? CompleteNames(systemDialog, filter) : QMetaObject::Connection();
+    const bool chosen = AskForFile(systemDialog);
+    QObject::disconnect(completing);
+    if (!chosen)
         return false;
     filterIndex_ = CheckedNarrow<std::int16_t>(filter.PositionOf(systemDialog.selectedNameFilter()) + 1);
     fileName_ = systemDialog.selectedFiles().constFirst();

@@ -27,7 +27,8 @@ public:
     void SetFileName(const QString& fileName) { fileName_ = fileName; }
 
     /// Shows the system's dialog modally with everything set anew, starting without a file name. True when a
-    /// file was chosen; otherwise nothing changes.
+    /// file was chosen; otherwise nothing changes. To save, a name without a point gets the chosen filter's
+    /// ending, where that has one.
     bool Show(QFileDialog& systemDialog);
     /// Remembers filter, folder and file name.
     void SaveSettings() const;

@@ -283,13 +283,48 @@ TEST_F(FileDialogs, OpenOnlyWhatExists) {
     EXPECT_EQ(dialog.FileName().toStdString(), Path("maps/a.Atlavex"));
 }
 
-TEST_F(FileDialogs, SaveUnderTheTypedNameAsItIs) {
+TEST_F(FileDialogs, CompleteANameWithoutAnEndingByThatOfTheFilter) {
+    const auto saved = [this](int filter, const char* name) {
+        clsFileDialog dialog = Prepared("SaveAtlavexAs", clsFileDialog::Save);
+        dialog.SetInitDir(QString::fromStdString(Path("maps")));
+        Expect([=](QFileDialog& shown) {
+            PickFilter(shown, filter);
+            TypeName(shown, name);
+        });
+        EXPECT_TRUE(dialog.Show(system_));
+        return std::filesystem::path(dialog.FileName().toStdString()).filename().string();
+    };
+    EXPECT_EQ(saved(0, "new name"), "new name.Atlavex");
+    EXPECT_EQ(saved(1, "new name"), "new name") << "all files";
+    EXPECT_EQ(saved(0, "new name"), "new name.Atlavex");
+    EXPECT_EQ(saved(0, "new.atlavex"), "new.atlavex");
+    EXPECT_EQ(saved(0, "new.txt"), "new.txt");
+    EXPECT_FALSE(std::filesystem::exists(Path("maps/new name.Atlavex")));
+}
+
+TEST_F(FileDialogs, CompleteANameBeforeTheyAskWhetherToReplaceTheFile) {
     clsFileDialog dialog = Prepared("SaveAtlavexAs", clsFileDialog::Save);
     dialog.SetInitDir(QString::fromStdString(Path("maps")));
-    ExpectName("new name");
+    ExpectName("a");
+    script_.Expect(QStringLiteral("QMessageBox"), [](QWidget& box) {
+        EXPECT_EQ(dynamic_cast<QMessageBox&>(box).text(),
+                  QStringLiteral("a.Atlavex already exists.\nDo you want to replace it?"));
+        QTest::mouseClick(dynamic_cast<QMessageBox&>(box).button(QMessageBox::Yes), Qt::LeftButton);
+    });
     ASSERT_TRUE(dialog.Show(system_));
-    EXPECT_EQ(dialog.FileName().toStdString(), Path("maps/new name"));
-    EXPECT_FALSE(std::filesystem::exists(Path("maps/new name")));
+    EXPECT_EQ(dialog.FileName().toStdString(), Path("maps/a.Atlavex"));
+}
+
+TEST_F(FileDialogs, CompleteNoNameOfAFileToOpen) {
+    WriteWholeFile(folder_ / "maps/plain", "no ending");
+    clsFileDialog save = Prepared("SaveAtlavexAs", clsFileDialog::Save);
+    ExpectCancel();
+    EXPECT_FALSE(save.Show(system_));
+    clsFileDialog open = Prepared("OpenAtlavex", clsFileDialog::Open);
+    open.SetInitDir(QString::fromStdString(Path("maps")));
+    ExpectName("plain");
+    ASSERT_TRUE(open.Show(system_));
+    EXPECT_EQ(open.FileName().toStdString(), Path("maps/plain"));
 }
 
 TEST_F(FileDialogs, AskBeforeTheyReplaceAFile) {
