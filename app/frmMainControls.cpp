@@ -22,6 +22,16 @@
 #include <QMimeData>
 #include <QShortcut>
 
+namespace {
+
+/// Whatever the other program proposes: it would delete a file that it believes to be moved.
+void TakeAsCopy(QDropEvent& event) {
+    event.setDropAction(Qt::CopyAction);
+    event.setAccepted(event.possibleActions().testFlag(Qt::CopyAction));
+}
+
+} // namespace
+
 void frmMain::ConnectControls() {
     connect(ui_->ddMaps, &QComboBox::activated, this, &frmMain::ddMaps_Click);
     connect(ui_->ddIcons, &QComboBox::activated, this, &frmMain::ddIcons_Click);
@@ -171,11 +181,17 @@ void frmMain::CopyReadOut() {
 void frmMain::dragEnterEvent(QDragEnterEvent* event) {
     const QList<QUrl> urls = event->mimeData()->urls();
     if (TakesCommands() && urls.size() == 1 && urls.front().isLocalFile())
-        event->acceptProposedAction();
+        TakeAsCopy(*event);
+}
+
+void frmMain::dragMoveEvent(QDragMoveEvent* event) {
+    TakeAsCopy(*event);
 }
 
 void frmMain::dropEvent(QDropEvent* event) {
-    event->acceptProposedAction();
+    TakeAsCopy(*event);
+    if (!event->isAccepted())
+        return;
     const QString file = event->mimeData()->urls().front().toLocalFile();
     // Dialogs would hold up the program that the file comes from: it waits for the drop to end.
     QMetaObject::invokeMethod(

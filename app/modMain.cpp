@@ -1,10 +1,15 @@
 #include "app/modMain.h"
 
 #include "app/frmMain.h"
+#include "catalogue/modConst.h"
 #include "catalogue/modCountryData.h"
 #include "catalogue/modGadgets.h"
 
 #include <QApplication>
+#include <QFileInfo>
+
+#include <iostream>
+#include <string_view>
 
 namespace {
 
@@ -15,6 +20,14 @@ constexpr bool DiagnosticMode = true;
 constexpr bool DiagnosticMode = false;
 #endif
 
+constexpr std::string_view HelpPage = "Usage: quorvant-studio [FILE.Atlavex]\n"
+                                      "\n"
+                                      "The editor of map libraries; with a file it opens that library.\n"
+                                      "What it does can be done without a display by the command atlavex.\n"
+                                      "\n"
+                                      "  --help     Print this page.\n"
+                                      "  --version  Print the version.\n";
+
 void FillCatalogue() {
     FillUnits();
     FillCountries();
@@ -23,6 +36,19 @@ void FillCatalogue() {
 }
 
 } // namespace
+
+bool AnswerOption(const char* argument) {
+    const std::string_view option = argument;
+    if (QFileInfo::exists(QFile::decodeName(argument)))
+        return false;
+    if (option == "--version")
+        std::cout << ApplicationName << ' ' << VersionText() << std::endl;
+    else if (option == "--help")
+        std::cout << HelpPage << std::flush;
+    else
+        return false;
+    return true;
+}
 
 int RunStudio(QApplication& application) {
     FillCatalogue();

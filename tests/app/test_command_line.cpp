@@ -1,4 +1,6 @@
+#include "app/modMain.h"
 #include "tests/app/ShellFixture.h"
+#include "tests/support/RunProgram.h"
 
 namespace {
 
@@ -69,4 +71,30 @@ TEST_F(CommandLine, ByCommandLineARelativePathIsOfThePresentFolder) {
     // The path still leads to the file from elsewhere.
     Choose("mFileSaveAtlavex");
     EXPECT_FALSE(State().modified);
+}
+
+TEST_F(CommandLine, VersionAndHelpAloneAreAnsweredWithoutADisplay) {
+    const auto run = [](const char* option) {
+        return RunProgram({"timeout", "60", "env", "-u", "DISPLAY", "-u", "WAYLAND_DISPLAY",
+                           "QT_QPA_PLATFORM=xcb", BUILD_DIR "/quorvant-studio", option});
+    };
+    const ProgramResult version = run("--version");
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.out, "Quorvant Studio 2.31.0\n");
+    EXPECT_EQ(version.err, "");
+    const ProgramResult help = run("--help");
+    EXPECT_EQ(help.status, 0);
+    EXPECT_THAT(help.out, testing::StartsWith("Usage: quorvant-studio [FILE.Atlavex]\n"));
+    EXPECT_EQ(help.err, "");
+}
+
+TEST_F(CommandLine, AFileOfThatNameIsALibrary) {
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(std::filesystem::path(MakeLibrary("--version", {{20, 30}})).parent_path());
+    EXPECT_FALSE(AnswerOption("--version"));
+    Start(QStringLiteral("--version"));
+    EXPECT_EQ(TextOf("lbSize"), "Bitmap size: (20, 30)");
+    std::filesystem::current_path(before);
+    for (const char* const other : {"", "--versions", "-h", "a.Atlavex"})
+        EXPECT_FALSE(AnswerOption(other)) << other;
 }

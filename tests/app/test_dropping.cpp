@@ -21,6 +21,28 @@ protected:
         QApplication::processEvents();
         return drop.isAccepted();
     }
+    /// What the window makes of a drop when another action is proposed, as a file manager does while Shift is
+    /// held.
+    Qt::DropAction ActionOf(const std::string& file, Qt::DropAction proposed, Qt::DropActions possible) {
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(QString::fromStdString(file))});
+        const auto taken = [this, proposed](QDropEvent& event) {
+            event.setDropAction(proposed);
+            event.ignore();
+            QApplication::sendEvent(&Window(), &event);
+            return event.isAccepted() ? event.dropAction() : Qt::IgnoreAction;
+        };
+        QDragEnterEvent enter(QPoint(50, 50), possible, &data, Qt::LeftButton, Qt::ShiftModifier);
+        QDragMoveEvent move(QPoint(60, 50), possible, &data, Qt::LeftButton, Qt::ShiftModifier);
+        QDropEvent drop(QPointF(60, 50), possible, &data, Qt::LeftButton, Qt::ShiftModifier);
+        const Qt::DropAction entered = taken(enter);
+        if (entered == Qt::IgnoreAction)
+            return entered;
+        EXPECT_EQ(taken(move), entered);
+        EXPECT_EQ(taken(drop), entered);
+        QApplication::processEvents();
+        return entered;
+    }
     bool Drop(const std::string& file) { return Drop({QUrl::fromLocalFile(QString::fromStdString(file))}); }
 };
 
@@ -39,6 +61,15 @@ TEST_F(Dropping, ALibraryIsKnownInEitherLetterCase) {
     Start();
     EXPECT_TRUE(Drop(file));
     EXPECT_EQ(Title(), "Quorvant Studio - " + file);
+}
+
+TEST_F(Dropping, IsACopyAndNeverAMove) {
+    const std::string file = MakeLibrary("a.Atlavex", {{20, 30}});
+    Start();
+    EXPECT_EQ(ActionOf(file, Qt::MoveAction, Qt::CopyAction | Qt::MoveAction | Qt::LinkAction),
+              Qt::CopyAction);
+    EXPECT_EQ(Title(), "Quorvant Studio - " + file);
+    EXPECT_EQ(ActionOf(file, Qt::MoveAction, Qt::MoveAction), Qt::IgnoreAction);
 }
 
 TEST_F(Dropping, ALibraryIsOpenedAfterTheQuestion) {
