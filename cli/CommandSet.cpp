@@ -84,6 +84,7 @@ CommandSet::CommandSet() : app_("", "atlavex") {
     app_.require_subcommand(1);
     AddLibraryCommands(*this);
     AddMapCommands(*this);
+    AddSetGridCommand(*this);
     AddIconCommands(*this);
     AddObjectCommands(*this);
     AddReadCommands(*this);

@@ -71,6 +71,7 @@ void AddJson(CLI::App& command, bool& json);
 
 void AddLibraryCommands(CommandSet& commands);
 void AddMapCommands(CommandSet& commands);
+void AddSetGridCommand(CommandSet& commands);
 void AddIconCommands(CommandSet& commands);
 void AddObjectCommands(CommandSet& commands);
 void AddReadCommands(CommandSet& commands);

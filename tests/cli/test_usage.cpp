@@ -18,6 +18,7 @@ const std::map<std::string, Words> Commands{
     {"add-map", KeyOptions + ScalingOptions + Words{"--name", "--description", "--tile"}},
     {"add-icon", KeyOptions + Words{"--name", "--description", "--offset"}},
     {"scale", KeyOptions + ScalingOptions},
+    {"set-grid", KeyOptions + Words{"--grid", "--zone", "--datum"}},
     {"locate", KeyOptions + Words{"--wgs84", "--json"}},
     {"find", KeyOptions + Words{"--wgs84", "--json"}},
     {"render", KeyOptions + Words{"--zoom", "--at", "--size", "--out"}},

@@ -315,6 +315,38 @@ def is_shown(sheet, picture, pixel):
         return False
 
 
+def tell_work_without_home_and_bus(screen, folder, pictures):
+    """No folder for settings, cache and run-time files can be made, and there is no bus: nothing is lost by it, so
+    nothing is said. A library is opened and a map added."""
+    library = make_library(folder)
+    file = folder / "file"
+    file.write_text("no folder")
+    for name in ("HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"):
+        screen.environment[name] = str(file / "below")
+    screen.environment["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={file}/bus"
+    editor = screen.start(EDITOR, library)
+    screen.wait_for_active(f"Quorvant Studio - {library}")
+    screen.key("alt+m", "n")
+    screen.wait_for_active("Open new bitmap")
+    screen.type(str(folder / "icon.png"))
+    screen.key("Return")
+    screen.wait_for_active("New map settings...")
+    screen.key("Return")
+    screen.wait_for_active("Wizard Step 1: Select Datum or Grid")
+    screen.picture(pictures / "added.png")
+    screen.key("Escape")
+    screen.wait_for_active("Quorvant Studio")  # the wizard was cancelled
+    screen.key("Return")
+    screen.wait_for_active(f"Quorvant Studio - {library}")
+    screen.key("ctrl+q")
+    screen.wait_for_active("Quorvant Studio")  # to save? first by the command, then by the window
+    screen.key("alt+n")
+    screen.wait_for_active("Quorvant Studio")
+    screen.key("alt+n")
+    screen.wait_for("The end of the program", lambda: editor.poll() is not None)
+    assert not list(pathlib.Path("/var/tmp").glob(f"unsaved-{editor.pid}-*")), "The scratch file stays"
+
+
 def tell_leave_no_program_behind(screen, folder, pictures):
     """What the editor has started may start others and end before them; with the screen all of them go."""
     asked = folder / "asked"
