@@ -5,13 +5,14 @@
 
 #include <filesystem>
 
-/// Takes the place of the program that opens the user's browser: notes the address and then does what the shell
-/// is told here.
+/// Takes the place of the program that opens the user's browser: notes the address and then does what the
+/// shell is told here.
 class FakeBrowser {
 public:
     explicit FakeBrowser(const std::string& behaviour) {
         const std::filesystem::path program = folder_ / "xdg-open";
-        WriteWholeFile(program, "#!/bin/sh\necho \"$1\" >> '" + (folder_ / "opened").string() + "'\n" + behaviour);
+        WriteWholeFile(program,
+                       "#!/bin/sh\necho \"$1\" >> '" + (folder_ / "opened").string() + "'\n" + behaviour);
         std::filesystem::permissions(program, std::filesystem::perms::owner_all);
     }
 
