@@ -140,14 +140,23 @@ void LibraryCommands::SaveTo(const QString& fileName) {
     const int icon = window_.IconEntry();
     StampLastChanged(*state_.objAtlavex);
     CompleteIdentifiers(*state_.objAtlavex);
-    {
-        const ComponentCall call(window_);
-        state_.objAtlavex->SaveToFile(fileName.toStdString(), state_.encryptionKey.toStdString());
-    }
+    SaveWithAdvice(fileName);
     state_.modified = false;
     state_.fileName = fileName;
     window_.SetTitle(fileName); // before what may still fail: it is saved
     SelectAgain(map, icon);
+}
+
+void LibraryCommands::SaveWithAdvice(const QString& fileName) {
+    try {
+        const ComponentCall call(window_);
+        state_.objAtlavex->SaveToFile(fileName.toStdString(), state_.encryptionKey.toStdString());
+    } catch (const ComponentError& error) {
+        if (error.Number() != ErrorNumber::FileChanged || fileName != state_.fileName)
+            throw;
+        throw ComponentError(error.Number(),
+                             error.Description() + " Use Save As to keep your version under another name.");
+    }
 }
 
 void LibraryCommands::SelectAgain(int map, int icon) {

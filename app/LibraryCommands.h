@@ -39,6 +39,7 @@ private:
     void TakeLoadedFile(const QString& fileName);
     bool MayBeSaved();
     void SaveTo(const QString& fileName);
+    void SaveWithAdvice(const QString& fileName);
     void SelectAgain(int map, int icon);
     void ReportMerge(const Counts& before);
 

@@ -65,6 +65,12 @@ void AddLibrary(CLI::App& command, LibraryChoice& choice) {
     AddKey(command, choice.key, "--key", "that opens FILE, when it is sealed");
 }
 
+void AddLibraryToChange(CLI::App& command, LibraryChoice& choice) {
+    AddLibrary(command, choice);
+    AddText(command, "--wait", "SECONDS", choice.wait,
+            "Longest wait while another program uses FILE; as long as it takes when not given.");
+}
+
 void AddKey(CLI::App& command, KeyOptions& key, const std::string& prefix, const std::string& whose) {
     CLI::Option* file =
         AddText(command, prefix + "-file", "FILE", key.file,

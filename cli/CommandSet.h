@@ -62,6 +62,8 @@ CLI::Option* AddTexts(CLI::App& command, const std::string& name, const std::str
                       std::vector<std::string>& target, const std::string& help);
 /// FILE and the options of its key.
 void AddLibrary(CLI::App& command, LibraryChoice& choice);
+/// The same for a command that changes FILE, with how long it waits for other programs.
+void AddLibraryToChange(CLI::App& command, LibraryChoice& choice);
 /// The options <prefix>-file and <prefix>-env; `whose` says in the help what the key is for.
 void AddKey(CLI::App& command, KeyOptions& key, const std::string& prefix, const std::string& whose);
 void AddJson(CLI::App& command, bool& json);

@@ -39,13 +39,14 @@ ExitStatus RunAddIcon(const AddIconOptions& options) {
 void AddAddIcon(CommandSet& commands) {
     auto options = std::make_shared<AddIconOptions>();
     CLI::App& command = commands.Add(
-        {"add-icon", "FILE IMAGE [--name N] [--description T] [--offset X,Y] [--key-file K | --key-env NAME]",
+        {"add-icon",
+         "FILE IMAGE [--name N] [--description T] [--offset X,Y] [--key-file K | --key-env NAME] [--wait S]",
          "Add an image to a library as an icon.",
          "Reads a small image (BMP, GIF, JPEG, PNG or TIFF) and adds it as the last icon of the library. "
          "After any "
          "failure the library is as it was.",
          "atlavex add-icon alps.Atlavex hut.png --name Hut --offset 0,-16"});
-    AddLibrary(command, options->library);
+    AddLibraryToChange(command, options->library);
     AddNewObjectOptions(command, options->object, "The image file.");
     AddText(command, "--offset", "X,Y", options->offset, OffsetHelp);
     commands.OnRun(command, options, RunAddIcon);
@@ -73,10 +74,10 @@ ExitStatus RunOffset(const OffsetOptions& options) {
 void AddOffset(CommandSet& commands) {
     auto options = std::make_shared<OffsetOptions>();
     CLI::App& command = commands.Add(
-        {"offset", "FILE ICON X,Y [--key-file K | --key-env NAME]", "Set an icon's displacement.",
+        {"offset", "FILE ICON X,Y [--key-file K | --key-env NAME] [--wait S]", "Set an icon's displacement.",
          "Sets how far an icon is drawn from the position that it marks.",
          "atlavex offset alps.Atlavex Hut 0,-16\natlavex offset alps.Atlavex 1 -8,4"});
-    AddLibrary(command, options->library);
+    AddLibraryToChange(command, options->library);
     AddRequired(command, "ICON", options->icon, "The icon: position from 1, or name.");
     AddRequired(command, "OFFSET", options->offset, OffsetHelp, "X,Y");
     commands.OnRun(command, options, RunOffset);

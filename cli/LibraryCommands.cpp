@@ -89,7 +89,9 @@ ExitStatus RunMerge(const MergeOptions& options) {
 void AddMerge(CommandSet& commands) {
     auto options = std::make_shared<MergeOptions>();
     CLI::App& command = commands.Add(
-        {"merge", "FILE OTHER... [--other-key-file K | --other-key-env NAME] [--key-file K | --key-env NAME]",
+        {"merge",
+         "FILE OTHER... [--other-key-file K | --other-key-env NAME] [--key-file K | --key-env NAME] [--wait "
+         "S]",
          "Add the content of other libraries.",
          "Adds the maps and icons of the other libraries, in their order, behind those of FILE. Either all "
          "of them "
@@ -97,7 +99,7 @@ void AddMerge(CommandSet& commands) {
          "key, or with "
          "FILE's own key when no other key is named.",
          "atlavex merge alps.Atlavex west.Atlavex east.Atlavex"});
-    AddLibrary(command, options->library);
+    AddLibraryToChange(command, options->library);
     AddTexts(command, "OTHER", "OTHER...", options->others,
              "Libraries whose content is added; they are only read.")
         ->required();
@@ -125,14 +127,15 @@ ExitStatus RunRekey(const RekeyOptions& options) {
 void AddRekey(CommandSet& commands) {
     auto options = std::make_shared<RekeyOptions>();
     CLI::App& command = commands.Add(
-        {"rekey", "FILE (--new-key-file K | --new-key-env NAME | --no-key) [--key-file K | --key-env NAME]",
+        {"rekey",
+         "FILE (--new-key-file K | --new-key-env NAME | --no-key) [--key-file K | --key-env NAME] [--wait S]",
          "Set, change or remove the key.",
          "Seals a library under a new key, or makes a plain file of it. The whole file is written anew; "
          "until that is "
          "done the old one stays in place.",
          "atlavex rekey alps.Atlavex --new-key-file key.txt\n"
          "atlavex rekey alps.Atlavex --key-file key.txt --no-key"});
-    AddLibrary(command, options->library);
+    AddLibraryToChange(command, options->library);
     AddKey(command, options->newKey, "--new-key", "under which FILE is sealed from now on");
     command.add_flag("--no-key", options->noKey, "Make a plain file that everybody can read.");
     commands.OnRun(command, options, RunRekey);
@@ -155,11 +158,12 @@ ExitStatus RunCompact(const CompactOptions& options) {
 void AddCompact(CommandSet& commands) {
     auto options = std::make_shared<CompactOptions>();
     CLI::App& command = commands.Add(
-        {"compact", "FILE [--key-file K | --key-env NAME]", "Write the file anew without free room.",
+        {"compact", "FILE [--key-file K | --key-env NAME] [--wait S]",
+         "Write the file anew without free room.",
          "Writes the library anew without the room that removed maps and icons left in the file. Saving "
          "does this by itself when more than a quarter of the file is free.",
          "atlavex compact alps.Atlavex"});
-    AddLibrary(command, options->library);
+    AddLibraryToChange(command, options->library);
     commands.OnRun(command, options, RunCompact);
 }
 

@@ -69,7 +69,7 @@ void AddAddMap(CommandSet& commands) {
     CLI::App& command = commands.Add(
         {"add-map",
          std::string("FILE IMAGE [--name N] [--description T] [--tile WxH] [SCALING]\n"
-                     "         [--key-file K | --key-env NAME]\n"
+                     "         [--key-file K | --key-env NAME] [--wait S]\n"
                      "SCALING: ") +
              ScalingUsage,
          "Add an image to a library as a map.",
@@ -82,7 +82,7 @@ void AddAddMap(CommandSet& commands) {
          "atlavex add-map alps.Atlavex sheet.tif --grid \"UTM (etrs89)\" --zone 32 --worldfile sheet.tfw\n"
          "atlavex add-map alps.Atlavex old.png --datum ED50 --point 0,0=9,48 --point 0,999=9,47 \\\n"
          "        --point 999,999=10,47"});
-    AddLibrary(command, options->library);
+    AddLibraryToChange(command, options->library);
     AddNewObjectOptions(command, options->object, "The image file.");
     AddText(command, "--tile", "WxH", options->tile,
             "Size of the tiles in pixels, each side 64 to 1024; 256x256 when not given.");
@@ -115,7 +115,8 @@ ExitStatus RunScale(const ScaleOptions& options) {
 void AddScale(CommandSet& commands) {
     auto options = std::make_shared<ScaleOptions>();
     CLI::App& command = commands.Add(
-        {"scale", std::string("FILE MAP SCALING [--key-file K | --key-env NAME]\nSCALING: ") + ScalingUsage,
+        {"scale",
+         std::string("FILE MAP SCALING [--key-file K | --key-env NAME] [--wait S]\nSCALING: ") + ScalingUsage,
          "Tie a map's pixels to coordinates.",
          "Gives a map its coordinate system and ties its pixels to coordinates: through three points (any "
          "affine "
@@ -125,7 +126,7 @@ void AddScale(CommandSet& commands) {
          "atlavex scale alps.Atlavex 1 --grid \"UTM (etrs89)\" --zone 32 --worldfile sheet.tfw\n"
          "atlavex scale alps.Atlavex \"Sheet 12\" --datum WGS84 --corner 10,10=9,48 --corner 5,990=9,47 \\\n"
          "        --corner 990,10=10,48 --corner 995,990=10,47"});
-    AddLibrary(command, options->library);
+    AddLibraryToChange(command, options->library);
     AddRequired(command, "MAP", options->map, "The map: position from 1, name or identifier.");
     AddScalingOptions(
         command, options->scaling,

@@ -18,7 +18,7 @@ struct ObjectOptions {
 };
 
 void AddObject(CLI::App& command, ObjectOptions& options) {
-    AddLibrary(command, options.library);
+    AddLibraryToChange(command, options.library);
     AddRequired(command, "KIND", options.kind, "The word map or icon.", "map|icon");
     AddRequired(command, "WHICH", options.which,
                 "Which of them: position from 1, name, or a map's identifier.");
@@ -44,7 +44,7 @@ ExitStatus RunSet(const ObjectOptions& options) {
 void AddSet(CommandSet& commands) {
     auto options = std::make_shared<ObjectOptions>();
     CLI::App& command = commands.Add(
-        {"set", "FILE (map|icon) WHICH KEY=VALUE... [--key-file K | --key-env NAME]",
+        {"set", "FILE (map|icon) WHICH KEY=VALUE... [--key-file K | --key-env NAME] [--wait S]",
          "Set texts that belong to a map or icon.",
          "Sets one or more texts of a map or icon. The keys name, description, version, created and "
          "lastchanged are "
@@ -75,12 +75,13 @@ ExitStatus RunUnset(const ObjectOptions& options) {
 
 void AddUnset(CommandSet& commands) {
     auto options = std::make_shared<ObjectOptions>();
-    CLI::App& command = commands.Add({"unset", "FILE (map|icon) WHICH KEY... [--key-file K | --key-env NAME]",
-                                      "Remove texts that belong to a map or icon.",
-                                      "Removes one or more texts of a map or icon; a key that it does not "
-                                      "have is no error. Lastchanged is set to "
-                                      "the present time unless it is removed itself.",
-                                      "atlavex unset alps.Atlavex map 1 author"});
+    CLI::App& command =
+        commands.Add({"unset", "FILE (map|icon) WHICH KEY... [--key-file K | --key-env NAME] [--wait S]",
+                      "Remove texts that belong to a map or icon.",
+                      "Removes one or more texts of a map or icon; a key that it does not "
+                      "have is no error. Lastchanged is set to "
+                      "the present time unless it is removed itself.",
+                      "atlavex unset alps.Atlavex map 1 author"});
     AddObject(command, *options);
     AddTexts(command, "KEYS", "KEY...", options->texts, "The key whose text is removed.")->required();
     commands.OnRun(command, options, RunUnset);
@@ -106,10 +107,11 @@ ExitStatus RunRemove(const ObjectOptions& options) {
 
 void AddRemove(CommandSet& commands) {
     auto options = std::make_shared<ObjectOptions>();
-    CLI::App& command = commands.Add(
-        {"remove", "FILE (map|icon) WHICH [--key-file K | --key-env NAME]", "Remove a map or icon.",
-         "Removes a map with its tiles, or an icon. Those behind it move up by one position.",
-         "atlavex remove alps.Atlavex map 2\natlavex remove alps.Atlavex icon name:Hut"});
+    CLI::App& command =
+        commands.Add({"remove", "FILE (map|icon) WHICH [--key-file K | --key-env NAME] [--wait S]",
+                      "Remove a map or icon.",
+                      "Removes a map with its tiles, or an icon. Those behind it move up by one position.",
+                      "atlavex remove alps.Atlavex map 2\natlavex remove alps.Atlavex icon name:Hut"});
     AddObject(command, *options);
     commands.OnRun(command, options, RunRemove);
 }

@@ -2,6 +2,7 @@
 
 #include "cli/KeySource.h"
 #include "cli/ProgressBar.h"
+#include "cli/Turn.h"
 #include "component/AtlavexLibrary.h"
 
 #include <memory>
@@ -11,9 +12,11 @@
 struct LibraryChoice {
     std::string file;
     KeyOptions key;
+    std::string wait; ///< longest wait for other programs, in seconds; empty: as long as it takes
 };
 
-/// What a command will do with the library; decides where new tiles go.
+/// What a command will do with the library; decides where new tiles go. A command that writes waits until no
+/// other program does, and keeps others from writing until it is done.
 enum class Access { Read, Write };
 
 /// A library for the length of one command: opened with its key, its long work shown on the terminal and
@@ -39,11 +42,13 @@ public:
     void SaveAs(const std::string& file, const SecretText& key);
 
 private:
-    explicit OpenedLibrary(Access access, std::string file = {});
+    explicit OpenedLibrary(Access access, std::string file = {}, const std::string& wait = {});
+    void Load(const KeyOptions& key);
     void WatchWork();
 
     // On the heap, because the library's events point at it.
     std::unique_ptr<ProgressBar> progress_ = std::make_unique<ProgressBar>();
+    std::unique_ptr<Turn> turn_;
     std::unique_ptr<AtlavexLibrary> library_;
     std::string file_;
     SecretText key_;

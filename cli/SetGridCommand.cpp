@@ -24,8 +24,7 @@ void CheckSystemChoice(const SetGridOptions& options) {
 class CoordinateSystem {
 public:
     explicit CoordinateSystem(const SetGridOptions& options)
-        : grid_(options.grid.empty() ? std::nullopt
-                                     : std::optional(GridByName(options.grid, options.zone))),
+        : grid_(options.grid.empty() ? std::nullopt : std::optional(GridByName(options.grid, options.zone))),
           datum_(grid_ ? grid_->grid.Datum() : DatumByName(options.datum)) {}
 
     void ApplyTo(AtlavexMap& map) const {
@@ -78,15 +77,19 @@ ExitStatus RunSetGrid(const SetGridOptions& options) {
 
 void AddSetGridCommand(CommandSet& commands) {
     auto options = std::make_shared<SetGridOptions>();
-    CLI::App& command = commands.Add(
-        {"set-grid", "FILE MAP (--grid TEXT [--zone Z] | --datum TEXT)\n         [--key-file K | --key-env NAME]",
-         "Name another grid, zone or datum for a scaled map.",
-         "Says in which grid, zone or datum the coordinates of a scaled map are, and keeps its reference points with "
-         "their numbers as they were entered: for a map that was scaled with the right numbers in the wrong zone. A "
-         "system that is not defined at one of the points is refused.",
-         "atlavex set-grid alps.Atlavex 1 --grid \"Bundesmeldenetz\" --zone M31\n"
-         "atlavex set-grid alps.Atlavex \"Sheet 12\" --datum ED50"});
-    AddLibrary(command, options->library);
+    CLI::App& command =
+        commands.Add({"set-grid",
+                      "FILE MAP (--grid TEXT [--zone Z] | --datum TEXT)\n         [--key-file K | --key-env "
+                      "NAME] [--wait S]",
+                      "Name another grid, zone or datum for a scaled map.",
+                      "Says in which grid, zone or datum the coordinates of a scaled map are, and keeps its "
+                      "reference points with "
+                      "their numbers as they were entered: for a map that was scaled with the right numbers "
+                      "in the wrong zone. A "
+                      "system that is not defined at one of the points is refused.",
+                      "atlavex set-grid alps.Atlavex 1 --grid \"Bundesmeldenetz\" --zone M31\n"
+                      "atlavex set-grid alps.Atlavex \"Sheet 12\" --datum ED50"});
+    AddLibraryToChange(command, options->library);
     AddRequired(command, "MAP", options->map, "The map: position from 1, name or identifier.");
     AddText(command, "--grid", "TEXT", options->grid,
             "Grid of the coordinates, eastings and northings in metres, as atlavex catalogue lists it.");

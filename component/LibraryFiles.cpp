@@ -50,18 +50,20 @@ bool LibraryObject::IsOpenFile(const std::filesystem::path& path) const {
 
 bool LibraryObject::IsEncrypted(const std::string& file) {
     const std::filesystem::path path = RealPath(file);
-    return IsOpenFile(path) ? file_->Header().sealed : LibraryFile::IsSealed(path);
+    return IsOpenFile(path) ? file_->Header().sealed : LibraryFile::IsSealed(path, waitForOthers_);
 }
 
 void LibraryObject::LoadFromFile(const std::string& file, const std::string& key) {
     const std::filesystem::path path = RealPath(file);
+    const LibraryFile::Access access{waitForOthers_,
+                                     waitForOthers_ && options_.newTiles == NewTiles::LibraryFile};
     std::unique_ptr<LibraryFile> opened;
     LibraryState state;
     bool cancelled = true;
     IgnoringCancel([&] {
         operations_->Run([&](Progress& progress) {
             progress.Expect(2);
-            opened = LibraryFile::Open(path, key, path.string());
+            opened = LibraryFile::Open(path, key, path.string(), access);
             progress.Add(1);
             if (opened)
                 state = opened->ReadState();
@@ -76,6 +78,7 @@ void LibraryObject::LoadFromFile(const std::string& file, const std::string& key
     direct_.reset();
     Replace(std::move(state));
     file_ = std::move(opened);
+    direct_ = file_->TakeLock();
     scratch_.reset();
     form_ = file_->Tiles()->SharedForm();
     numbers_.Raise(file_->Header().nextNumber);
@@ -83,6 +86,13 @@ void LibraryObject::LoadFromFile(const std::string& file, const std::string& key
         key_.Remember(key); // as it is: a choice between two texts would copy it
     else
         key_.Remember({});
+}
+
+std::shared_ptr<const Envelope> LibraryObject::NewForm(const std::string& key) const {
+    if (key.empty())
+        return Envelope::Plain();
+    return Envelope::Sealed(key, {static_cast<std::uint32_t>(options_.keyOperations),
+                                  static_cast<std::uint32_t>(options_.keyMemoryMiB) * 1024});
 }
 
 void LibraryObject::SaveToFile(const std::string& file, const std::string& key) {
@@ -93,15 +103,8 @@ void LibraryObject::SaveToFile(const std::string& file, const std::string& key) 
     operations_->Run([&](Progress& progress) {
         if (sameFile && sameKey)
             SaveHere(progress);
-        else if (sameKey)
-            SaveAnew(target, form_, progress);
         else
-            SaveAnew(target,
-                     key.empty()
-                         ? Envelope::Plain()
-                         : Envelope::Sealed(key, {static_cast<std::uint32_t>(options_.keyOperations),
-                                                  static_cast<std::uint32_t>(options_.keyMemoryMiB) * 1024}),
-                     progress);
+            SaveAnew(target, sameFile ? file_.get() : nullptr, sameKey ? form_ : NewForm(key), progress);
         // Here, where the file is known to be saved: a handler may still throw, the folder not be synced.
         key_.Remember(key);
         if (!sameFile || !sameKey)
@@ -125,6 +128,7 @@ void LibraryObject::SaveHere(Progress& progress) {
     scratch_.reset();
     if (!IsMostlyFree(*file_) || !CanKeepOwnerAndGroup(file_->Path()))
         return;
+    file_->File().WaitNoMore(); // others may have their turn before the file gets smaller
     try {
         Shrink(progress);
     } catch (const ComponentError&) {
@@ -152,13 +156,13 @@ void LibraryObject::NoteKept(std::int64_t pictures) {
                          "them too, as none should.");
 }
 
-void LibraryObject::SaveAnew(const std::filesystem::path& target, std::shared_ptr<const Envelope> form,
-                             Progress& progress) {
+void LibraryObject::SaveAnew(const std::filesystem::path& target, LibraryFile* over,
+                             std::shared_ptr<const Envelope> form, Progress& progress) {
     disposal_.Wait(); // the new file may need the space
     NewFileRequest request;
     request.target = target;
     request.form = form;
-    request.replaced = file_ && target == file_->Path() ? file_.get() : nullptr;
+    request.replaced = over;
     request.begun = &direct_;
     // Should the new file not open afterwards, the old one that is open is no longer what stands there.
     if (request.replaced != nullptr)
@@ -203,7 +207,7 @@ void LibraryObject::Compact() {
 
 void LibraryObject::Shrink(Progress& progress) {
     const std::filesystem::path path = file_->Path();
-    SaveAnew(path, form_, progress);
+    SaveAnew(path, file_.get(), form_, progress);
     SyncFolderOf(*files_, path);
 }
 
@@ -218,7 +222,7 @@ bool LibraryObject::OpenOther(const std::filesystem::path& path, const std::stri
         other.state = file_->ReadState();
         return true;
     }
-    other.file = LibraryFile::Open(path, key, path.string());
+    other.file = LibraryFile::Open(path, key, path.string(), {waitForOthers_, false});
     if (!other.file)
         return false;
     other.state = other.file->ReadState();

@@ -1,5 +1,6 @@
 #include "component/LibraryObject.h"
 
+#include "component/SharedLibrary.h"
 #include "component/imaging/PyramidBuilder.h"
 #include "component/storage/LibraryWriter.h"
 #include "component/storage/Scratch.h"
@@ -49,9 +50,9 @@ void Forget(Objects& objects, std::int64_t id) {
 
 } // namespace
 
-LibraryObject::LibraryObject(const LibraryOptions& options)
-    : options_(options), files_(options.files ? options.files : SystemFiles()),
-      operations_(std::make_shared<Operations>(*this)),
+LibraryObject::LibraryObject(const LibraryOptions& options, LockWait waitForOthers)
+    : options_(options), waitForOthers_(std::move(waitForOthers)),
+      files_(options.files ? options.files : SystemFiles()), operations_(std::make_shared<Operations>(*this)),
       views_(std::make_shared<ViewMemory>(options.threads, std::chrono::milliseconds(options.viewPatience),
                                           options.viewTiesUp)),
       form_(Envelope::Plain()) {}
@@ -250,6 +251,11 @@ std::vector<Damage> LibraryObject::Verify() {
                              "The file '" + file_->Path().string() +
                                  "' was changed by another program while it was read.");
     return damages;
+}
+
+std::unique_ptr<AtlavexLibrary> CreateSharedLibrary(const LibraryOptions& options,
+                                                    WaitForOthers waitForOthers) {
+    return std::make_unique<LibraryObject>(options, std::move(waitForOthers));
 }
 
 std::unique_ptr<AtlavexLibrary> CreateAtlavexLibrary(const LibraryOptions& options) {

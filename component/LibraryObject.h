@@ -13,7 +13,7 @@
 /// saved yet.
 class LibraryObject final : public AtlavexLibrary {
 public:
-    explicit LibraryObject(const LibraryOptions& options);
+    explicit LibraryObject(const LibraryOptions& options, LockWait waitForOthers = {});
     ~LibraryObject() override;
     LibraryObject(const LibraryObject&) = delete;
     LibraryObject& operator=(const LibraryObject&) = delete;
@@ -57,11 +57,13 @@ private:
     void Replace(LibraryState state);
     std::shared_ptr<AtlavexMap> Append(std::shared_ptr<MapState> map);
     std::shared_ptr<AtlavexIcon> Append(std::shared_ptr<IconState> icon);
+    std::shared_ptr<const Envelope> NewForm(const std::string& key) const;
     bool IsOpenFile(const std::filesystem::path& path) const;
     std::shared_ptr<Container> ContainerForNew();
     void SaveHere(Progress& progress);
-    void SaveAnew(const std::filesystem::path& target, std::shared_ptr<const Envelope> form,
-                  Progress& progress);
+    /// `over` is the open file when the new one takes its place.
+    void SaveAnew(const std::filesystem::path& target, LibraryFile* over,
+                  std::shared_ptr<const Envelope> form, Progress& progress);
     /// Another program that changed the open file may have removed tiles and pictures that are still wanted
     /// here: throws FileChanged, naming what they belong to. Returns where that is not so.
     void TellRemovedPixels(Progress& progress) const;
@@ -78,6 +80,7 @@ private:
     void MakeIdentifiersUnique(LibraryState& added) const;
 
     LibraryOptions options_;
+    LockWait waitForOthers_;
     std::shared_ptr<FileSystem> files_;
     std::shared_ptr<Operations> operations_;
     std::shared_ptr<ViewMemory> views_;

@@ -5,10 +5,13 @@
 #include <cerrno>
 #include <cstring>
 #include <string_view>
+#include <thread>
 
 namespace {
 
 constexpr int BusyMilliseconds = 1500;
+/// Between two looks at a lock that is waited for.
+constexpr std::chrono::milliseconds LookInterval(20);
 constexpr std::int64_t HeapLimit = std::int64_t{256} << 20;
 
 bool IsFullDisk(int systemError) {
@@ -49,7 +52,7 @@ ComponentError ErrorOf(const std::string& name, int code, int systemError) {
         return ReadOnlyError(name, code);
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-        return {ErrorNumber::FileLocked, "The file '" + name + "' is being written by another program."};
+        return {ErrorNumber::FileLocked, "The file '" + name + "' is in use by another program."};
     case SQLITE_CANTOPEN:
         return {ErrorNumber::FileNotReadable,
                 "The file '" + name + "' could not be opened: " +
@@ -100,7 +103,23 @@ void Database::Closer::operator()(sqlite3* handle) const {
     sqlite3_close_v2(handle);
 }
 
-Database::Database(const std::filesystem::path& file, Mode mode, std::string shownName)
+int Database::OnLocked(void* waiting, int timesBefore) {
+    Waiting& wait = *static_cast<Waiting*>(waiting);
+    const auto now = std::chrono::steady_clock::now();
+    if (timesBefore == 0)
+        wait.since = now;
+    if (!wait.goOn(std::chrono::duration_cast<std::chrono::milliseconds>(now - wait.since)))
+        return 0;
+    std::this_thread::sleep_for(LookInterval);
+    return 1;
+}
+
+void Database::WaitNoMore() {
+    sqlite3_busy_timeout(Handle(), BusyMilliseconds);
+    waiting_.reset();
+}
+
+Database::Database(const std::filesystem::path& file, Mode mode, std::string shownName, const LockWait& wait)
     : mode_(mode), writeBack_(file), shownName_(std::move(shownName)) {
     sqlite3* raw = nullptr;
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_FULLMUTEX | SQLITE_OPEN_EXRESCODE;
@@ -109,7 +128,12 @@ Database::Database(const std::filesystem::path& file, Mode mode, std::string sho
     if (code != SQLITE_OK)
         throw ErrorOf(shownName_, code, raw != nullptr ? sqlite3_system_errno(raw) : 0);
     Harden(raw);
-    sqlite3_busy_timeout(raw, BusyMilliseconds);
+    if (wait) {
+        waiting_ = std::make_unique<Waiting>(Waiting{wait, {}});
+        sqlite3_busy_handler(raw, OnLocked, waiting_.get());
+    } else {
+        sqlite3_busy_timeout(raw, BusyMilliseconds);
+    }
     Execute("PRAGMA temp_store=MEMORY; PRAGMA mmap_size=0; PRAGMA cell_size_check=ON;"
             "PRAGMA trusted_schema=OFF; PRAGMA secure_delete=FAST;");
     // A hardened connection takes no journal_mode=OFF; in memory, none lies beside the file after a kill.
@@ -167,6 +191,10 @@ bool Database::HasMoved() const {
 
 bool Database::InTransaction() const {
     return sqlite3_get_autocommit(Handle()) == 0;
+}
+
+std::int64_t Database::RowsWritten() const {
+    return sqlite3_total_changes64(Handle());
 }
 
 bool Database::IsReadOnly() const {
@@ -279,7 +307,7 @@ std::string Statement::Text(int column) const {
     return {reinterpret_cast<const char*>(text), static_cast<std::size_t>(size)};
 }
 
-Transaction::Transaction(Database& database) : database_(&database) {
+Transaction::Transaction(Database& database) : database_(&database), rowsBefore_(database.RowsWritten()) {
     database.Execute("BEGIN IMMEDIATE");
 }
 

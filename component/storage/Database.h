@@ -5,12 +5,18 @@
 #include "component/storage/GuardedVfs.h"
 #include "component/storage/WriteBack.h"
 
+#include <chrono>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 
 struct sqlite3;
 struct sqlite3_stmt;
+
+/// Asked again and again while another program's lock stands in the way, with how long it has done so:
+/// whether to go on waiting. By the thread that waits; must not throw.
+using LockWait = std::function<bool(std::chrono::milliseconds waited)>;
 
 /// One connection to an SQLite file, hardened for files that nobody vouches for. Errors are ComponentErrors
 /// that name the file.
@@ -22,8 +28,9 @@ public:
         Scratch   ///< the same for a file that never has to outlive the program
     };
 
-    /// `shownName` is the name that error sentences give; the path may be that of a temporary.
-    Database(const std::filesystem::path& file, Mode mode, std::string shownName);
+    /// `shownName` is the name that error sentences give; the path may be that of a temporary. Nothing to
+    /// wait with: a lock is waited for a moment only.
+    Database(const std::filesystem::path& file, Mode mode, std::string shownName, const LockWait& wait = {});
 
     sqlite3* Handle() const { return handle_.get(); }
     const std::string& ShownName() const { return shownName_; }
@@ -40,6 +47,10 @@ public:
     /// Whether the path no longer names the file that is open.
     bool HasMoved() const;
     bool InTransaction() const;
+    /// Rows written by this connection so far, also those that were rolled back since.
+    std::int64_t RowsWritten() const;
+    /// From now on a lock is waited for a moment only.
+    void WaitNoMore();
     bool IsReadOnly() const;
 
     /// Many bytes have been written: starts to get them to the disk ahead of the sync that ends it all.
@@ -55,9 +66,16 @@ private:
     struct Closer {
         void operator()(sqlite3* handle) const;
     };
+    struct Waiting {
+        LockWait goOn;
+        std::chrono::steady_clock::time_point since;
+    };
+    static int OnLocked(void* waiting, int timesBefore);
+
     Mode mode_;
-    WriteBack writeBack_; // must outlive the connection
-    GuardedVfs files_;    // likewise
+    WriteBack writeBack_;              // must outlive the connection
+    GuardedVfs files_;                 // likewise
+    std::unique_ptr<Waiting> waiting_; // likewise
     std::unique_ptr<sqlite3, Closer> handle_;
     std::string shownName_;
 };
@@ -106,9 +124,12 @@ public:
     Transaction& operator=(const Transaction&) = delete;
 
     void Commit();
+    /// Whether something was written in it, as far as can be told: then a journal may lie beside the file.
+    bool HasWritten() const { return database_->RowsWritten() != rowsBefore_; }
 
 private:
     Database* database_;
+    std::int64_t rowsBefore_;
     bool open_ = true;
 };
 

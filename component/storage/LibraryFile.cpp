@@ -80,9 +80,10 @@ std::int64_t LargestNumberIn(const LibraryState& state) {
 /// More often than any program saves while one key is derived.
 constexpr int MostAttempts = 20;
 
-std::unique_ptr<Database> OpenChecked(const std::filesystem::path& file, const std::string& shownName) {
+std::unique_ptr<Database> OpenChecked(const std::filesystem::path& file, const std::string& shownName,
+                                      const LockWait& wait = {}) {
     RequireRegularFile(file);
-    auto database = std::make_unique<Database>(file, Database::Mode::Existing, shownName);
+    auto database = std::make_unique<Database>(file, Database::Mode::Existing, shownName, wait);
     {
         const ReadTransaction reading(*database);
         CheckLibraryFile(*database);
@@ -90,6 +91,19 @@ std::unique_ptr<Database> OpenChecked(const std::filesystem::path& file, const s
     // Only now: these read the schema.
     database->Execute("PRAGMA synchronous=EXTRA; PRAGMA cache_size=-8000");
     return database;
+}
+
+/// Once the lock is there, the name may belong to another file: others replace it while they hold the lock.
+std::unique_ptr<Database> OpenLocked(const std::filesystem::path& file, const std::string& shownName,
+                                     const LockWait& wait, std::unique_ptr<Transaction>& lock) {
+    for (;;) {
+        auto database = OpenChecked(file, shownName, wait);
+        auto taken = std::make_unique<Transaction>(*database);
+        if (!database->HasMoved()) {
+            lock = std::move(taken);
+            return database;
+        }
+    }
 }
 
 } // namespace
@@ -109,8 +123,9 @@ void RequireRegularFile(const std::filesystem::path& file) {
         throw ComponentError(ErrorNumber::FileNotReadable, "'" + name + "' is a device, not a file.");
 }
 
-LibraryFile::LibraryFile(std::filesystem::path path, std::unique_ptr<Database> database)
-    : path_(std::move(path)), opening_(std::move(database)) {
+LibraryFile::LibraryFile(std::filesystem::path path, std::unique_ptr<Database> database,
+                         std::unique_ptr<Transaction> lock)
+    : path_(std::move(path)), opening_(std::move(database)), lock_(std::move(lock)) {
     ReadHeader();
 }
 
@@ -119,14 +134,21 @@ void LibraryFile::ReadHeader() {
     header_ = DecodeHeader(*opening_, row_);
 }
 
-bool LibraryFile::IsSealed(const std::filesystem::path& file) {
-    const LibraryFile opened(file, OpenChecked(file, file.string()));
+bool LibraryFile::IsSealed(const std::filesystem::path& file, const LockWait& wait) {
+    const LibraryFile opened(file, OpenChecked(file, file.string(), wait));
     return opened.header_.sealed;
 }
 
+LibraryFile::HeaderRow LibraryFile::RowOf(const std::filesystem::path& file) {
+    return LibraryFile(file, OpenChecked(file, file.string())).row_;
+}
+
 std::unique_ptr<LibraryFile> LibraryFile::Open(const std::filesystem::path& file, const std::string& key,
-                                               const std::string& shownName) {
-    std::unique_ptr<LibraryFile> opened(new LibraryFile(file, OpenChecked(file, shownName)));
+                                               const std::string& shownName, const Access& access) {
+    std::unique_ptr<Transaction> lock;
+    auto connection = access.toWrite ? OpenLocked(file, shownName, access.wait, lock)
+                                     : OpenChecked(file, shownName, access.wait);
+    std::unique_ptr<LibraryFile> opened(new LibraryFile(file, std::move(connection), std::move(lock)));
     try {
         std::shared_ptr<const Envelope> form;
         // The key is derived while others may save: what was read before is looked at again.
@@ -267,8 +289,7 @@ void LibraryFile::RequireUnchanged() const {
     if (!IsUnchanged())
         throw ComponentError(ErrorNumber::FileChanged,
                              "The file '" + File().ShownName() +
-                                 "' was changed by another program since it was opened. Use Save As to keep "
-                                 "your version under another name.");
+                                 "' was changed by another program since it was opened.");
 }
 
 bool LibraryFile::Holds(const FileHeader& header) const {

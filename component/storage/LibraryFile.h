@@ -10,20 +10,45 @@
 /// tiles are read when they are looked at.
 class LibraryFile {
 public:
+    /// What others' locks are waited for with, and whether the file is to be written.
+    struct Access {
+        LockWait wait; ///< nothing: a moment
+        /// The write lock is taken before anything is read, so that what is read stays what is saved over.
+        bool toWrite = false;
+    };
+
+    /// The header as it is stored, with the code over it: another state, another row.
+    struct HeaderRow {
+        Bytes header;
+        HeaderMac mac{};
+        bool operator==(const HeaderRow&) const = default;
+    };
+
     /// Whether the file is sealed. Reads a flag only. Throws what opening throws.
-    static bool IsSealed(const std::filesystem::path& file);
+    static bool IsSealed(const std::filesystem::path& file, const LockWait& wait = {});
+
+    /// The header row of a file that need not be opened further. Throws what opening throws.
+    static HeaderRow RowOf(const std::filesystem::path& file);
 
     /// Nothing when the key is wrong. Throws FileNotFound, FileNotReadable, NotALibrary, NewerVersion,
     /// FileDamaged, FileLocked. `shownName` is the name that error sentences give.
     static std::unique_ptr<LibraryFile> Open(const std::filesystem::path& file, const std::string& key,
-                                             const std::string& shownName);
+                                             const std::string& shownName, const Access& access);
+    static std::unique_ptr<LibraryFile> Open(const std::filesystem::path& file, const std::string& key,
+                                             const std::string& shownName) {
+        return Open(file, key, shownName, {});
+    }
     /// With the envelope known: no key derivation.
     static std::unique_ptr<LibraryFile> Open(const std::filesystem::path& file,
                                              std::shared_ptr<const Envelope> form,
                                              const std::string& shownName);
 
+    /// The write lock of a file that was opened to be written; nothing otherwise, and the second time.
+    std::unique_ptr<Transaction> TakeLock() { return std::move(lock_); }
+
     const std::filesystem::path& Path() const { return path_; }
     const FileHeader& Header() const { return header_; }
+    const HeaderRow& Row() const { return row_; }
     const std::shared_ptr<Container>& Tiles() const { return container_; }
     Database& File() const { return container_->File(); }
     const RecordTable& Records() const { return records_; }
@@ -42,12 +67,8 @@ public:
     void Saved(const FileHeader& header, RecordTable records);
 
 private:
-    LibraryFile(std::filesystem::path path, std::unique_ptr<Database> database);
-    struct HeaderRow {
-        Bytes header;
-        HeaderMac mac{};
-        bool operator==(const HeaderRow&) const = default;
-    };
+    LibraryFile(std::filesystem::path path, std::unique_ptr<Database> database,
+                std::unique_ptr<Transaction> lock = {});
     static HeaderRow ReadHeaderRow(Database& database);
     static FileHeader DecodeHeader(Database& database, const HeaderRow& row);
     /// Reads header, records and state as they are at one moment. False when the header is no longer the one
@@ -64,7 +85,8 @@ private:
     FileHeader header_;
     std::shared_ptr<Container> container_;
     RecordTable records_;
-    std::optional<LibraryState> read_; ///< as it was read with the header, until it is asked for
+    std::optional<LibraryState> read_;  ///< as it was read with the header, until it is asked for
+    std::unique_ptr<Transaction> lock_; ///< ends before the database that it is on
 };
 
 /// Throws unless the path names a regular file: a folder, device or pipe is never opened.

@@ -146,6 +146,8 @@ std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& fi
     if (request.replaced != nullptr) {
         if (request.begun == nullptr || !*request.begun)
             held = std::make_unique<Transaction>(request.replaced->File());
+        else if (!(*request.begun)->HasWritten())
+            held = std::move(*request.begun);
         request.replaced->RequireUnchanged();
     }
     auto filling = std::make_shared<Filling>(files, request.target);

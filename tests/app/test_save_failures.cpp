@@ -103,6 +103,38 @@ TEST_F(SavingFails, WhenTheFileIsGoneAndSaveAsIsTheWayOut) {
     EXPECT_EQ(IconAt(*Open(PathOf("kept.Atlavex")), 1)->OffsetX(), 6);
 }
 
+TEST_F(SavingFails, WhenAnotherProgramRemovedAMapUntilThatIsDeletedHere) {
+    file_ = MakeLibrary("a.Atlavex", {{200, 200}, {900, 800}}, 1);
+    Start();
+    OpenByMenu(file_);
+    Edit();
+    std::string name;
+    {
+        const auto other = Open(file_);
+        name = MapAt(*other, 1)->Name();
+        other->RemoveMap(other->MapIdAt(1));
+        other->SaveToFile(file_, {});
+    }
+    ExpectMessageNaming("Use Save As to keep");
+    Choose("mFileSaveAtlavex");
+    ExpectSaveDialog(PathOf("mine.Atlavex"));
+    ExpectMessageNaming("have no pixels in it any more: map '" + name +
+                        "'. Delete them, then the rest can be saved.");
+    Choose("mFileSaveAtlavexAs");
+    ExpectUnsaved();
+    EXPECT_FALSE(std::filesystem::exists(PathOf("mine.Atlavex")));
+    Expecting().ExpectBox(QString::fromStdString("Are you sure you want to delete '" + name + "' map?"),
+                          QMessageBox::Yes);
+    Choose("mBitmapDelete");
+    ExpectSaveDialog(PathOf("mine.Atlavex"));
+    Choose("mFileSaveAtlavexAs");
+    EXPECT_FALSE(State().modified);
+    const auto saved = Open(PathOf("mine.Atlavex"));
+    EXPECT_EQ(saved->MapCount(), 1);
+    EXPECT_EQ(IconAt(*saved, 1)->OffsetX(), 5);
+    EXPECT_TRUE(saved->Verify().empty());
+}
+
 TEST_F(SavingFails, OnADiskThatIsReadOnly) {
     const MountedDisk disk(PathOf("disk"), "size=4m");
     file_ = (disk / "a.Atlavex").string();

@@ -164,27 +164,6 @@ TEST_F(Libraries, ADamagedDirectoryIsDamageToo) {
     ExpectFailure(7, {"set", library, "map", "1", "a=b"});
 }
 
-TEST_F(Libraries, AFileThatAnotherProgramChangedIsNotOverwritten) {
-    const std::string library = ScaledLibrary(), other = SealedLibrary("b.Atlavex", "secret");
-    // The key comes through a pipe, after the library has been loaded: time for another program to change it.
-    const std::string script = R"(
-import subprocess
-os.mkfifo('pipe')
-merge = subprocess.Popen([atlavex, 'merge', 'a.Atlavex', 'b.Atlavex', '--other-key-file', 'pipe'], stderr=subprocess.PIPE)
-with open('pipe', 'w') as pipe:
-    subprocess.run([atlavex, 'set', 'a.Atlavex', 'map', '1', 'author=somebody'], check=True)
-    pipe.write('secret')
-print(merge.communicate(timeout=60)[1].decode().strip())
-print(merge.returncode)
-os.remove('pipe')
-)";
-    const std::string answer = Python(script);
-    EXPECT_THAT(answer, HasSubstr("\n6\n"));
-    EXPECT_THAT(answer, HasSubstr("changed by another program"));
-    EXPECT_EQ(DoJson({"info", library})["maps"][0]["metadata"]["author"], "somebody");
-    EXPECT_EQ(FileNames().size(), 4U); // the two libraries and two images
-}
-
 TEST_F(Libraries, AStandardOutputThatCannotBeWrittenIsAFailure) {
     const std::string library = ScaledLibrary();
     const ProgramResult result =

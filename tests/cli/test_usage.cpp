@@ -9,30 +9,31 @@ using testing::HasSubstr;
 namespace {
 
 const Words KeyOptions{"--key-file", "--key-env"};
+const Words ChangeOptions = KeyOptions + Words{"--wait"};
 const Words ScalingOptions{"--grid", "--zone", "--datum", "--worldfile", "--point", "--corner"};
 
 /// Every command with all its options.
 const std::map<std::string, Words> Commands{
     {"new", KeyOptions},
     {"info", KeyOptions + Words{"--json"}},
-    {"add-map", KeyOptions + ScalingOptions + Words{"--name", "--description", "--tile"}},
-    {"add-icon", KeyOptions + Words{"--name", "--description", "--offset"}},
-    {"scale", KeyOptions + ScalingOptions},
-    {"set-grid", KeyOptions + Words{"--grid", "--zone", "--datum"}},
+    {"add-map", ChangeOptions + ScalingOptions + Words{"--name", "--description", "--tile"}},
+    {"add-icon", ChangeOptions + Words{"--name", "--description", "--offset"}},
+    {"scale", ChangeOptions + ScalingOptions},
+    {"set-grid", ChangeOptions + Words{"--grid", "--zone", "--datum"}},
     {"locate", KeyOptions + Words{"--wgs84", "--json"}},
     {"find", KeyOptions + Words{"--wgs84", "--json"}},
     {"render", KeyOptions + Words{"--zoom", "--at", "--size", "--out"}},
     {"extract", KeyOptions + Words{"--out"}},
     {"extract-icon", KeyOptions + Words{"--out"}},
     {"export-tiles", KeyOptions + Words{"--to"}},
-    {"set", KeyOptions},
-    {"unset", KeyOptions},
-    {"remove", KeyOptions},
-    {"offset", KeyOptions},
-    {"merge", KeyOptions + Words{"--other-key-file", "--other-key-env"}},
-    {"rekey", KeyOptions + Words{"--new-key-file", "--new-key-env", "--no-key"}},
+    {"set", ChangeOptions},
+    {"unset", ChangeOptions},
+    {"remove", ChangeOptions},
+    {"offset", ChangeOptions},
+    {"merge", ChangeOptions + Words{"--other-key-file", "--other-key-env"}},
+    {"rekey", ChangeOptions + Words{"--new-key-file", "--new-key-env", "--no-key"}},
     {"verify", KeyOptions + Words{"--json"}},
-    {"compact", KeyOptions},
+    {"compact", ChangeOptions},
     {"catalogue", {"--json"}},
     {"project", {"--grid", "--zone", "--inverse", "--json"}},
     {"shift", {"--datum", "--inverse", "--json"}},
