@@ -79,6 +79,8 @@ void LibraryObject::LoadFromFile(const std::string& file, const std::string& key
     Replace(std::move(state));
     file_ = std::move(opened);
     direct_ = file_->TakeLock();
+    known_.Forget();
+    known_.Remember(*file_);
     scratch_.reset();
     form_ = file_->Tiles()->SharedForm();
     numbers_.Raise(file_->Header().nextNumber);
@@ -125,6 +127,7 @@ void LibraryObject::SaveHere(Progress& progress) {
         GiveUpDirectWork();
         throw;
     }
+    known_.Remember(*file_);
     scratch_.reset();
     if (!IsMostlyFree(*file_) || !CanKeepOwnerAndGroup(file_->Path()))
         return;
@@ -163,6 +166,7 @@ void LibraryObject::SaveAnew(const std::filesystem::path& target, LibraryFile* o
     request.target = target;
     request.form = form;
     request.replaced = over;
+    request.known = &known_;
     request.begun = &direct_;
     // Should the new file not open afterwards, the old one that is open is no longer what stands there.
     if (request.replaced != nullptr)
@@ -181,6 +185,7 @@ void LibraryObject::SaveAnew(const std::filesystem::path& target, LibraryFile* o
     }
     direct_.reset();
     file_ = std::move(saved);
+    known_.Remember(*file_);
     form_ = std::move(form);
     scratch_.reset();
 }

@@ -4,7 +4,7 @@
 #include "component/IconObject.h"
 #include "component/MapObject.h"
 #include "component/storage/Disposal.h"
-#include "component/storage/LibraryFile.h"
+#include "component/storage/KnownFiles.h"
 #include "component/storage/RememberedKey.h"
 
 #include <map>
@@ -91,6 +91,7 @@ private:
     std::vector<std::string> notes_;
     std::shared_ptr<const Envelope> form_;
     std::unique_ptr<LibraryFile> file_;
+    KnownFiles known_; ///< since the last load
     std::shared_ptr<Container> scratch_;
     std::unique_ptr<Transaction> direct_; ///< open while new tiles stand in the library file unsaved
     std::map<std::int64_t, std::shared_ptr<MapObject>> mapObjects_;

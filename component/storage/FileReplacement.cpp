@@ -136,7 +136,7 @@ void FileReplacement::RequireNoJournal() const {
                                      "' belongs to it. Open it once, or choose another name.");
 }
 
-void FileReplacement::TakePlace(Former former) {
+void FileReplacement::TakePlace(Former former, const std::function<bool()>& needsNoCopy) {
     // Whoever wants to write to the target waits from here on, and then finds that it was replaced.
     std::optional<WriteLock> lock;
     if (former == Former::Kept)
@@ -145,7 +145,9 @@ void FileReplacement::TakePlace(Former former) {
     locked_->TakeRightsOf(target_);
     std::error_code ignored;
     std::filesystem::path kept;
-    if (former == Former::Kept && std::filesystem::exists(std::filesystem::symlink_status(target_, ignored)))
+    if (former == Former::Kept &&
+        std::filesystem::exists(std::filesystem::symlink_status(target_, ignored)) &&
+        !(needsNoCopy && needsNoCopy()))
         kept = KeepFormer();
     try {
         RequireNoJournal(); // of a program that knows no lock, while a copy was made

@@ -31,7 +31,8 @@ public:
         Ours, ///< its write lock is the caller's; it is replaced
         Kept  ///< any file: locked here while it is replaced, and kept as NAME.bak, NAME.bak2, …
     };
-    void TakePlace(Former former);
+    /// `needsNoCopy` is asked under the lock whether the file that stands there need not be kept after all.
+    void TakePlace(Former former, const std::function<bool()>& needsNoCopy = {});
     /// Takes the temporary's name away at once; its space stays taken as long as the object lives.
     void GiveUp() noexcept;
 

@@ -172,8 +172,9 @@ std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& fi
     }
     if (held)
         RemoveColdJournal(*files, request.target);
-    replacement.TakePlace(request.replaced == nullptr ? FileReplacement::Former::Kept
-                                                      : FileReplacement::Former::Ours);
+    replacement.TakePlace(
+        request.replaced == nullptr ? FileReplacement::Former::Kept : FileReplacement::Former::Ours,
+        [&] { return request.known != nullptr && request.known->StillHolds(request.target); });
     held.reset();
     request.placed();
     auto file = LibraryFile::Open(request.target, request.form, request.target.string());

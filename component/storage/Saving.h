@@ -1,6 +1,7 @@
 #pragma once
 
 #include "component/storage/FileSystem.h"
+#include "component/storage/KnownFiles.h"
 #include "component/storage/LibraryFile.h"
 #include "component/storage/LibraryWriter.h"
 
@@ -22,8 +23,10 @@ struct NewFileRequest {
     std::filesystem::path target;
     std::shared_ptr<const Envelope> form;
     /// The open file when it is the one that is replaced: its write lock is held until the new one is in
-    /// place, and it must be unchanged. Nothing: a file that stands at the target is kept as a .bak.
+    /// place, and it must be unchanged. Nothing: a file that stands at the target is kept as a .bak,
+    /// unless it is one of `known`.
     LibraryFile* replaced = nullptr;
+    const KnownFiles* known = nullptr;
     /// A transaction on `replaced` with unsaved work; it ends when the new file takes the file's place.
     /// Nothing: there is none.
     std::unique_ptr<Transaction>* begun = nullptr;

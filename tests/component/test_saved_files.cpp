@@ -36,6 +36,68 @@ TEST_F(SavedFiles, InPlaceUnderANewKeyAndCompactedKeepsNoCopyOfItself) {
     EXPECT_EQ(Names(), std::vector<std::string>{"lib.Atlavex"});
 }
 
+TEST_F(SavedFiles, UnderTwoNamesInTurnKeepsNoCopies) {
+    const std::string first = PathOf("first.Atlavex"), second = PathOf("second.Atlavex");
+    const auto library = NewLibrary();
+    FillRichly(*library);
+    for (int turn = 0; turn < 3; ++turn)
+        for (const std::string& key : {std::string(), std::string("key")}) {
+            MapAt(*library, 1)->SetMetadata("turn", std::to_string(turn) + key);
+            library->SaveToFile(first, key);
+            library->SaveToFile(first, key);
+            library->SaveToFile(second, key);
+            ExpectHolds(first, key, ContentOf(*library));
+            ExpectHolds(second, key, ContentOf(*library));
+        }
+    EXPECT_EQ(Names(), (std::vector<std::string>{"first.Atlavex", "second.Atlavex"}));
+}
+
+TEST_F(SavedFiles, OverTheFileThatWasLoadedAfterASaveElsewhereKeepsNoCopy) {
+    const std::string first = PathOf("first.Atlavex"), second = PathOf("second.Atlavex");
+    SaveRichLibrary(first, "key");
+    const auto library = Open(first, "key");
+    library->SaveToFile(second, {});
+    library->SaveToFile(first, "key");
+    EXPECT_EQ(Names(), (std::vector<std::string>{"first.Atlavex", "second.Atlavex"}));
+}
+
+TEST_F(SavedFiles, OverAnOwnFileThatOthersChangedOrReplacedKeepsTheirs) {
+    const std::string first = PathOf("first.Atlavex"), second = PathOf("second.Atlavex");
+    const auto library = NewLibrary();
+    FillRichly(*library);
+    const auto saveBoth = [&] {
+        library->SaveToFile(first, {});
+        library->SaveToFile(second, {});
+    };
+    saveBoth();
+    const auto other = Open(first);
+    MapAt(*other, 1)->SetMetadata("by", "another");
+    other->SaveToFile(first, {});
+    saveBoth();
+    ExpectHolds(first + ".bak", {}, ContentOf(*other));
+    std::filesystem::copy_file(first, PathOf("copy"));
+    std::filesystem::rename(PathOf("copy"), first);
+    saveBoth();
+    WriteWholeFile(first, "no library any more");
+    saveBoth();
+    EXPECT_EQ(ReadWholeFile(first + ".bak3"), "no library any more");
+    EXPECT_EQ(Names(), (std::vector<std::string>{"first.Atlavex", "first.Atlavex.bak", "first.Atlavex.bak2",
+                                                 "first.Atlavex.bak3", "second.Atlavex"}));
+}
+
+TEST_F(SavedFiles, OverAnOwnFileOfATimeBeforeTheLastLoadKeepsThatOne) {
+    const std::string first = PathOf("first.Atlavex"), second = PathOf("second.Atlavex");
+    SaveRichLibrary(second);
+    const auto library = NewLibrary();
+    AddMap(*library, MakeSheet(PixelFormat::Rgb, 99, 99));
+    library->SaveToFile(first, {});
+    const LibraryContent before = ContentOf(*library);
+    EXPECT_ERROR(library->LoadFromFile(PathOf("none"), {}), ErrorNumber::FileNotFound);
+    library->LoadFromFile(second, {});
+    library->SaveToFile(first, {});
+    ExpectHolds(first + ".bak", {}, before);
+}
+
 TEST_F(SavedFiles, ThroughALinkReplacesTheFileAndNotTheLink) {
     const std::string file = PathOf("real.Atlavex"), link = PathOf("link.Atlavex");
     SaveRichLibrary(file);
