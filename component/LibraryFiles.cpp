@@ -271,6 +271,7 @@ void LibraryObject::MakeIdentifiersUnique(LibraryState& added) const {
 void LibraryObject::MergeFromFile(const std::string& file, const std::string& key) {
     const std::filesystem::path path = RealPath(file);
     LibraryState added;
+    const Addition addition(*this);
     keyFitted_ = true;
     IgnoringCancel([&] {
         LibraryState copied;

@@ -144,6 +144,7 @@ std::shared_ptr<AtlavexMap> LibraryObject::AddMapFromImageFile(const std::string
     map->record.tileHeight = tileHeight;
     map->record.palette = info.palette;
     map->turn = info.orientation;
+    const Addition addition(*this);
     std::optional<Savepoint> savepoint; // kept when the events are over, too: their handlers may throw
     operations_->Run([&](Progress& progress) {
         progress.Expect(std::int64_t{info.width} * info.height);
@@ -161,6 +162,7 @@ std::shared_ptr<AtlavexMap> LibraryObject::AddMapFromImageFile(const std::string
 std::shared_ptr<AtlavexIcon> LibraryObject::AddIconFromImageFile(const std::string& file,
                                                                  const std::string& name) {
     auto icon = std::make_shared<IconState>();
+    const Addition addition(*this);
     icon->container = ContainerForNew();
     Savepoint savepoint(icon->container->File());
     icon->record = ImportIcon(file, name, *icon->container, numbers_);
@@ -174,13 +176,14 @@ void LibraryObject::RemoveMap(const std::string& reference) {
     if (found == state_.maps.end())
         NoSuchMap();
     const MapState& map = **found;
-    if (IsUnsavedInFile(map.container, {BlobKind::MapRecord, map.id})) {
-        Savepoint savepoint(file_->File());
+    if (IsUnsaved(map.container, {BlobKind::MapRecord, map.id}) && !IsAloneInScratch(map.container)) {
+        Savepoint savepoint(map.container->File());
         RemoveTiles(map.container, map.record);
         savepoint.Keep();
     }
     Forget(mapObjects_, map.id);
     state_.maps.erase(found);
+    LeaveScratch();
 }
 
 void LibraryObject::RemoveIcon(const std::string& reference) {
@@ -188,10 +191,34 @@ void LibraryObject::RemoveIcon(const std::string& reference) {
     if (found == state_.icons.end())
         NoSuchIcon();
     const IconState& icon = **found;
-    if (IsUnsavedInFile(icon.container, {BlobKind::IconRecord, icon.id}))
+    if (IsUnsaved(icon.container, {BlobKind::IconRecord, icon.id}) && !IsAloneInScratch(icon.container))
         icon.container->Remove(BlobKind::IconPicture, icon.record.picture.number);
     Forget(iconObjects_, icon.id);
     state_.icons.erase(found);
+    LeaveScratch();
+}
+
+bool LibraryObject::IsUnsaved(const std::shared_ptr<Container>& container, const RecordKey& key) const {
+    return container == scratch_ || IsUnsavedInFile(container, key);
+}
+
+std::ptrdiff_t LibraryObject::ObjectsInScratch() const {
+    const auto liesThere = [this](const auto& object) { return object->container == scratch_; };
+    return std::count_if(state_.maps.begin(), state_.maps.end(), liesThere) +
+           std::count_if(state_.icons.begin(), state_.icons.end(), liesThere);
+}
+
+bool LibraryObject::IsAloneInScratch(const std::shared_ptr<Container>& container) const {
+    return container == scratch_ && ObjectsInScratch() == 1;
+}
+
+void LibraryObject::LeaveScratch() noexcept {
+    try {
+        if (scratch_ && ObjectsInScratch() == 0)
+            disposal_.Take(std::move(scratch_));
+    } catch (const std::exception&) {
+        scratch_.reset(); // no memory for a thread: here and now
+    }
 }
 
 bool LibraryObject::IsUnsavedInFile(const std::shared_ptr<Container>& container, const RecordKey& key) const {

@@ -72,6 +72,23 @@ private:
     void WriteAnew(Progress& progress);
     void NoteKept(std::int64_t pictures);
     void FollowTiles();
+    /// Whether what lies there under the key is in no file's list: removing the object frees its space.
+    bool IsUnsaved(const std::shared_ptr<Container>& container, const RecordKey& key) const;
+    std::ptrdiff_t ObjectsInScratch() const;
+    bool IsAloneInScratch(const std::shared_ptr<Container>& container) const;
+    /// The scratch goes with the last object in it.
+    void LeaveScratch() noexcept;
+    /// Lets a scratch go, at the end of an addition, that nothing came to lie in.
+    class Addition {
+    public:
+        explicit Addition(LibraryObject& library) : library_(library) {}
+        ~Addition() { library_.LeaveScratch(); }
+        Addition(const Addition&) = delete;
+        Addition& operator=(const Addition&) = delete;
+
+    private:
+        LibraryObject& library_;
+    };
     bool IsUnsavedInFile(const std::shared_ptr<Container>& container, const RecordKey& key) const;
     void GiveUpDirectWork();
     bool OpenOther(const std::filesystem::path& path, const std::string& key, OtherLibrary& other);

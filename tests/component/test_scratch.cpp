@@ -22,6 +22,9 @@ protected:
         std::erase_if(names, [&start](const std::string& name) { return !name.starts_with(start); });
         return names;
     }
+    std::uintmax_t ScratchSize() const {
+        return std::filesystem::file_size(ScratchFolder() / ScratchFiles().at(0));
+    }
     /// A large file is taken back behind the call.
     bool OwnFilesGo(const std::filesystem::path& folder) const {
         for (int i = 0; i < 1000 && !OwnFiles(folder).empty(); ++i)
@@ -151,4 +154,70 @@ TEST_F(LibraryScratch, IsNotNeededForDirectWork) {
     const auto library = OpenDirectly(PathOf("lib.Atlavex"));
     AddMap(*library, MakeSheet(PixelFormat::Rgb, 100, 100));
     EXPECT_TRUE(ScratchFiles().empty());
+}
+
+TEST_F(LibraryScratch, GoesWithTheLastUnsavedObject) {
+    for (const std::string key : {"", "key"}) {
+        SaveRichLibrary(PathOf("lib.Atlavex"), key);
+        const auto library = Open(PathOf("lib.Atlavex"), key);
+        AddMap(*library, MakeSheet(PixelFormat::Rgb, 500, 400));
+        AddIcon(*library, MakeSheet(PixelFormat::Grey, 9, 9));
+        std::shared_ptr<const AtlavexImage> view;
+        EXPECT_TRUE(MapAt(*library, 3)->RenderView(0, 0, 50, 50, view));
+        library->RemoveMap(library->MapIdAt(3));
+        EXPECT_EQ(ScratchFiles().size(), 1U);
+        library->RemoveIcon(library->IconIdAt(3));
+        EXPECT_TRUE(ScratchFilesGo());
+        library->RemoveMap(library->MapIdAt(1));
+        AddMap(*library, MakeSheet(PixelFormat::Rgb, 50, 40));
+        library->SaveToFile(PathOf("lib.Atlavex"), key);
+        ExpectHolds(PathOf("lib.Atlavex"), key, ContentOf(*library));
+        std::filesystem::remove(PathOf("lib.Atlavex"));
+    }
+}
+
+TEST_F(LibraryScratch, GivesBackTheSpaceOfAMapThatIsRemoved) {
+    const auto library = NewLibrary();
+    const Sheet large = MakeSheet(PixelFormat::Rgb, 1200, 900, 1),
+                small = MakeSheet(PixelFormat::Rgb, 100, 90, 2);
+    AddMap(*library, small);
+    AddMap(*library, large);
+    AddMap(*library, small);
+    const auto full = ScratchSize();
+    for (int turn = 0; turn < 3; ++turn) {
+        library->RemoveMap(library->MapIdAt(turn == 0 ? 2 : 3));
+        AddMap(*library, large);
+        EXPECT_LE(ScratchSize(), full);
+    }
+    const LibraryContent content = ContentOf(*library);
+    library->SaveToFile(PathOf("lib.Atlavex"), {});
+    ExpectHolds(PathOf("lib.Atlavex"), {}, content);
+}
+
+TEST_F(LibraryScratch, GivesBackTheSpaceOfAnIconThatIsRemoved) {
+    const auto library = NewLibrary();
+    AddIcon(*library, MakeSheet(PixelFormat::Rgba, 9, 9));
+    AddIcon(*library, MakeSheet(PixelFormat::Rgba, 400, 300));
+    const auto full = ScratchSize();
+    for (int turn = 0; turn < 3; ++turn) {
+        library->RemoveIcon(library->IconIdAt(2));
+        AddIcon(*library, MakeSheet(PixelFormat::Rgba, 400, 300));
+        EXPECT_LE(ScratchSize(), full);
+    }
+}
+
+TEST_F(LibraryScratch, KeepsNothingOfAMapThatWasNotAdded) {
+    const auto library = NewLibrary();
+    const std::string image = ImageOf(MakeSheet(PixelFormat::Rgb, 1200, 900));
+    library->OnProgress = [&](float done) {
+        if (done > 0)
+            library->CancelOperation();
+    };
+    EXPECT_ERROR(library->AddMapFromImageFile(image, "sheet", 64, 64), ErrorNumber::Cancelled);
+    EXPECT_TRUE(ScratchFilesGo());
+    const std::string broken = PathOf("broken.png");
+    WriteWholeFile(broken, ReadWholeFile(image).substr(0, 5000));
+    EXPECT_THROW(library->AddIconFromImageFile(broken, "broken"), ComponentError);
+    EXPECT_THROW(library->AddMapFromImageFile(broken, "broken", 64, 64), ComponentError);
+    EXPECT_TRUE(ScratchFilesGo());
 }
