@@ -66,8 +66,6 @@ void OpenedLibrary::Load(const KeyOptions& key) {
         ThrowWrongKey(file_);
     if (!library_->IsSealed())
         RefuseKey(key, file_); // it may have become plain while the command waited
-    if (!library_->IsSealed()) // it may have been replaced since the first look
-        RefuseKey(choice.key, file_);
 }
 
 OpenedLibrary OpenedLibrary::MakeNew() {
