@@ -57,7 +57,7 @@ TEST(MessageBoxes, ShowEveryPartOfALongWord) {
     for (const int letters : {41, 100, 300, 700})
         for (const char32_t letter : {U'n', U'W', U'\U0001F5FA'}) {
             const QString start =
-                QString::fromUcs4(std::u32string(static_cast<std::size_t>(letters), letter));
+                QString::fromStdU32String(std::u32string(static_cast<std::size_t>(letters), letter));
             EXPECT_NE(picture(start + u'1', question), picture(start + u'2', question))
                 << letters << " " << static_cast<unsigned>(letter);
         }

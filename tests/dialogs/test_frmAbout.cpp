@@ -14,7 +14,7 @@ protected:
     }
 
     QList<QUrl> opened_;
-    frmAbout window_{nullptr, [this](const QUrl& address) {
+    frmAbout window_{nullptr, [this](const QUrl& address, const std::function<void()>&) {
                          opened_.append(address);
                          return true;
                      }};
