@@ -10,7 +10,9 @@ namespace {
 
 class SetGrid : public AtlavexTest {
 protected:
-    nlohmann::ordered_json Map(const std::string& library) const { return DoJson({"info", library})["maps"][0]; }
+    nlohmann::ordered_json Map(const std::string& library) const {
+        return DoJson({"info", library})["maps"][0];
+    }
 };
 
 } // namespace
@@ -34,15 +36,16 @@ TEST_F(SetGrid, ChangesTheZoneAndKeepsThePoints) {
     const std::string other = NewLibrary("b.Atlavex");
     Do({"add-map", other, In("Sheet.bmp"), "--grid", "Bundesmeldenetz", "--zone", "M31", "--point",
         "0,0=500000,5300000", "--point", "100,0=500200,5300000", "--point", "0,100=500000,5299800"});
-    EXPECT_EQ(Do({"locate", library, "1", "50", "50", "--wgs84"}), Do({"locate", other, "1", "50", "50", "--wgs84"}));
+    EXPECT_EQ(Do({"locate", library, "1", "50", "50", "--wgs84"}),
+              Do({"locate", other, "1", "50", "50", "--wgs84"}));
     EXPECT_EQ(Map(other)["grid"], after["grid"]);
     EXPECT_EQ(Map(other)["datum"], after["datum"]);
 }
 
 TEST_F(SetGrid, ChangesTheDatumOfAPolarSheet) {
     const std::string library = NewLibrary();
-    Do({"add-map", library, Bmp("Sheet.bmp"), "--datum", "WGS84", "--corner", "10,10=9,48", "--corner", "5,190=9,47",
-        "--corner", "290,10=10,48", "--corner", "295,190=10,47"});
+    Do({"add-map", library, Bmp("Sheet.bmp"), "--datum", "WGS84", "--corner", "10,10=9,48", "--corner",
+        "5,190=9,47", "--corner", "290,10=10,48", "--corner", "295,190=10,47"});
     const auto before = Map(library);
     Do({"set-grid", library, "Sheet", "--datum", "ED50"});
     const auto after = Map(library);
