@@ -56,7 +56,7 @@ TEST(SpoolFiles, GiveBackWhatWasWrittenInAnyOrderAndZerosElsewhere) {
     for (int i = 0; i < 400; ++i) {
         const std::size_t length = 1 + random() % (i % 20 == 0 ? 300000 : 700);
         const std::size_t offset = random() % (expected.size() - length);
-        const Pixels piece = Noise(length, random());
+        const Pixels piece = Noise(length, static_cast<unsigned>(random()));
         std::copy(piece.begin(), piece.end(), expected.begin() + static_cast<std::ptrdiff_t>(offset));
         spool.Write(static_cast<std::int64_t>(offset), piece);
     }
