@@ -15,7 +15,9 @@ enum class ExitStatus : int {
     ImageNotReadable = 5, ///< the image file is no image, damaged or too large
     FileChanged = 6,      ///< another program changed the library in the meantime
     FileDamaged = 7,      ///< the library's content does not match its digests
+    HungUp = 129,         ///< stopped because the terminal went away
     Interrupted = 130,    ///< stopped by a signal
+    Quit = 131,           ///< stopped by the terminal's quit key
 };
 
 /// A failure that the command itself found, with its exit status and one sentence for the user.

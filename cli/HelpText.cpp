@@ -9,7 +9,7 @@ constexpr std::size_t TextColumn = 26; ///< where their explanations begin
 
 constexpr const char* ExitStatusText = "0 done, 1 failed, 2 usage, 3 wrong key, 4 map not scaled, 5 image "
                                        "not readable, 6 file changed by another "
-                                       "program, 7 file damaged, 130 interrupted.";
+                                       "program, 7 file damaged, 129 hung up, 130 interrupted, 131 quit.";
 
 constexpr const char* ProgramText =
     "Makes and reads map libraries (.Atlavex): files that bundle scanned or drawn maps, tie their pixels to "

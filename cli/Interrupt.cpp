@@ -11,19 +11,38 @@ namespace {
 // A signal handler can reach nothing but a variable of the program.
 volatile std::sig_atomic_t interrupted = 0;
 
-extern "C" void RememberSignal(int) {
-    interrupted = 1;
+extern "C" void RememberSignal(int signal) {
+    interrupted = signal;
+}
+
+/// A signal that whoever started the program wants ignored, as nohup does, stays so.
+void Catch(int signal) {
+    struct sigaction former {};
+    if (sigaction(signal, nullptr, &former) == 0 && former.sa_handler == SIG_IGN)
+        return;
+    struct sigaction action {};
+    action.sa_handler = RememberSignal;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = 0; // no SA_RESTART: a read that waits for input must return
+    sigaction(signal, &action, nullptr);
 }
 
 } // namespace
 
 void CatchInterrupts() {
-    struct sigaction action {};
-    action.sa_handler = RememberSignal;
-    sigemptyset(&action.sa_mask);
-    action.sa_flags = 0; // no SA_RESTART: a read that waits for input must return
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
+        Catch(signal);
+}
+
+ExitStatus InterruptStatus() {
+    switch (interrupted) {
+    case SIGHUP:
+        return ExitStatus::HungUp;
+    case SIGQUIT:
+        return ExitStatus::Quit;
+    default:
+        return ExitStatus::Interrupted;
+    }
 }
 
 bool IsInterrupted() {
@@ -32,7 +51,7 @@ bool IsInterrupted() {
 
 void ThrowIfInterrupted() {
     if (IsInterrupted())
-        throw CommandFailure(ExitStatus::Interrupted, "The command was interrupted.");
+        throw CommandFailure(InterruptStatus(), "The command was interrupted.");
 }
 
 void WaitForInput(int descriptor) {

@@ -23,7 +23,8 @@ int main(int argumentCount, char** arguments) {
     } catch (const CommandFailure& failure) {
         return Report(failure.Status(), failure.what());
     } catch (const ComponentError& error) {
-        return Report(ExitStatusOf(error.Number(), IsInterrupted()), error.Description());
+        const ExitStatus status = ExitStatusOf(error.Number(), IsInterrupted());
+        return Report(status == ExitStatus::Interrupted ? InterruptStatus() : status, error.Description());
     } catch (const std::bad_alloc&) {
         return Report(ExitStatus::Failed, "There is not enough memory.");
     } catch (const std::exception& error) {

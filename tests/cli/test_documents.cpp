@@ -79,7 +79,7 @@ std::set<int> StatusesOfTheManual() {
     return statuses;
 }
 
-const std::set<int> AllStatuses{0, 1, 2, 3, 4, 5, 6, 7, 130};
+const std::set<int> AllStatuses{0, 1, 2, 3, 4, 5, 6, 7, 129, 130, 131};
 
 } // namespace
 

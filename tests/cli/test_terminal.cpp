@@ -77,6 +77,43 @@ for number in signal.SIGINT, signal.SIGTERM:
     EXPECT_EQ(answer, "500000 6100000\n130\n500000 6100000\n130\n");
 }
 
+TEST_F(Terminal, EachSignalHasItsStatus) {
+    ScaledLibrary();
+    const std::string answer = Python(R"(
+import resource, signal, subprocess
+resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+for number in signal.SIGHUP, signal.SIGQUIT:
+    run = subprocess.Popen([atlavex, 'locate', 'a.Atlavex', '1'], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                           stderr=subprocess.PIPE)
+    run.stdin.write(b'0 0\n')
+    run.stdin.flush()
+    run.stdout.readline()
+    run.send_signal(number)
+    print(run.wait(timeout=30), run.stderr.read().decode().startswith('atlavex: '))
+)");
+    EXPECT_EQ(answer, "129 True\n131 True\n");
+}
+
+TEST_F(Terminal, ASignalThatIsIgnoredAtTheStartStaysIgnored) {
+    ScaledLibrary();
+    const std::string answer = Python(R"(
+import signal, subprocess
+for number in signal.SIGHUP, signal.SIGINT:
+    run = subprocess.Popen([atlavex, 'locate', 'a.Atlavex', '1'], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                           preexec_fn=lambda: signal.signal(number, signal.SIG_IGN))
+    run.stdin.write(b'0 0\n')
+    run.stdin.flush()
+    run.stdout.readline()
+    run.send_signal(number)
+    run.stdin.write(b'0 0\n')
+    run.stdin.flush()
+    print(run.stdout.readline().decode().strip())
+    run.stdin.close()
+    print(run.wait(timeout=30))
+)");
+    EXPECT_EQ(answer, "500000 6100000\n0\n500000 6100000\n0\n");
+}
+
 TEST_F(Terminal, ASignalEndsAnImportAndLeavesTheLibraryAsItWas) {
     ScaledLibrary();
     const auto names = FileNames();
