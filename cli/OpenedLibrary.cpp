@@ -2,6 +2,8 @@
 
 #include "cli/ExitStatus.h"
 #include "cli/Interrupt.h"
+#include "cli/Output.h"
+#include "component/SaveNotes.h"
 #include "component/SharedLibrary.h"
 
 namespace {
@@ -93,4 +95,6 @@ void OpenedLibrary::Save() {
 void OpenedLibrary::SaveAs(const std::string& file, const SecretText& key) {
     ThrowIfInterrupted();
     InTurn([&] { library_->SaveToFile(file, key.Text()); });
+    for (const std::string& note : NotesOfLastSave(*library_))
+        PrintMessage(note);
 }

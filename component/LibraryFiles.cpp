@@ -1,6 +1,7 @@
 // Loading, saving and merging: the part of a library that deals with files.
 
 #include "component/LibraryObject.h"
+#include "component/SaveNotes.h"
 #include "component/storage/FileReplacement.h"
 #include "component/storage/FileRights.h"
 #include "component/storage/RealPath.h"
@@ -152,11 +153,17 @@ void LibraryObject::WriteAnew(Progress& progress) {
     Shrink(progress);
 }
 
+std::vector<std::string> NotesOfLastSave(const AtlavexLibrary& library) {
+    const auto* object = dynamic_cast<const LibraryObject*>(&library);
+    return object != nullptr ? object->Notes() : std::vector<std::string>();
+}
+
 void LibraryObject::NoteKept(std::int64_t pictures) {
     if (pictures > 0)
-        notes_.push_back("The file '" + file_->Path().string() + "' keeps " + std::to_string(pictures) +
-                         " pictures or directory pages of what was removed, because other maps or icons name "
-                         "them too, as none should.");
+        notes_.push_back(
+            "The file '" + file_->Path().string() + "' keeps " + std::to_string(pictures) +
+            " of the pictures and directory pages of what was removed, because other maps or icons name "
+            "them too, as none should.");
 }
 
 void LibraryObject::SaveAnew(const std::filesystem::path& target, LibraryFile* over,
