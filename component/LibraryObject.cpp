@@ -261,22 +261,33 @@ void LibraryObject::Replace(LibraryState state) {
     state_ = std::move(state);
 }
 
+/// What another program replaced while the file was read looks like damage from here.
+void LibraryObject::RequireUnchangedFile() const {
+    if (file_ && !file_->IsUnchanged())
+        throw ComponentError(ErrorNumber::FileChanged,
+                             "The file '" + file_->Path().string() +
+                                 "' was changed by another program while it was read.");
+}
+
 std::vector<Damage> LibraryObject::Verify() {
     std::vector<Damage> damages;
     const auto report = [&](const std::string& object, const std::string& reason) {
         damages.push_back({object, reason});
     };
-    operations_->Run([&](Progress& progress) {
-        progress.Expect(VerifyWork(state_));
-        VerifyTiles(state_, Depth::Decoded, progress, report);
-        if (file_ && !direct_)
-            VerifyStructure(*file_, file_->ReadState(), report);
-    });
-    // What another program replaced meanwhile looks like damage from here.
-    if (!damages.empty() && file_ && !file_->IsUnchanged())
-        throw ComponentError(ErrorNumber::FileChanged,
-                             "The file '" + file_->Path().string() +
-                                 "' was changed by another program while it was read.");
+    try {
+        operations_->Run([&](Progress& progress) {
+            progress.Expect(VerifyWork(state_));
+            VerifyTiles(state_, Depth::Decoded, progress, report);
+            if (file_ && !direct_)
+                VerifyStructure(*file_, file_->ReadState(), report);
+        });
+    } catch (const ComponentError& error) {
+        if (error.Number() == ErrorNumber::FileDamaged)
+            RequireUnchangedFile();
+        throw;
+    }
+    if (!damages.empty())
+        RequireUnchangedFile();
     return damages;
 }
 

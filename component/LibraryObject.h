@@ -71,6 +71,7 @@ private:
     /// Saves a file with a second name: under this one alone, so that the other one keeps what it has.
     void WriteAnew(Progress& progress);
     void NoteKept(std::int64_t pictures);
+    void RequireUnchangedFile() const;
     void FollowTiles();
     /// Whether what lies there under the key is in no file's list: removing the object frees its space.
     bool IsUnsaved(const std::shared_ptr<Container>& container, const RecordKey& key) const;

@@ -84,6 +84,13 @@ void CheckFirstBytes(const Database& database) {
             database.Damaged("its first page is not that of a map library");
 }
 
+bool AsksForALog(const Database& database) {
+    if (database.FileSize() < SqliteHeaderSize)
+        return false;
+    const Bytes start = database.ReadRaw(0, SqliteHeaderSize);
+    return BigEndian(start, 18, 2) != 0x0101;
+}
+
 void CheckSchema(Database& database) {
     Statement rows(database, "SELECT type, name, tbl_name, sql FROM sqlite_schema ORDER BY rowid");
     for (const TableText& table : Tables)
@@ -113,7 +120,14 @@ void CreateScratchSchema(Database& database) {
 void CheckLibraryFile(Database& database) {
     // Takes SQLite's lock, which brings back a file that was left in the middle of a save, but reads no
     // schema.
-    database.Number("PRAGMA user_version");
+    try {
+        database.Number("PRAGMA user_version");
+    } catch (const ComponentError& error) {
+        // Of a file with a write-ahead log SQLite says no more than that it cannot be opened so.
+        if (error.Number() == ErrorNumber::FileNotReadable && AsksForALog(database))
+            database.Damaged("its first page is not that of a map library");
+        throw;
+    }
     CheckFirstBytes(database);
     const Bytes start = database.ReadRaw(0, SqliteHeaderSize);
     if (BigEndian(start, 28, 4) * PageSize != database.FileSize())
