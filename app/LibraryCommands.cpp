@@ -6,6 +6,8 @@
 #include "base/CheckedNumbers.h"
 #include "platform/modMessages.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 
 bool LibraryCommands::AskToSave() {
@@ -121,6 +123,7 @@ bool LibraryCommands::SaveLibrary() {
         return false;
     if (state_.fileName.isEmpty())
         return SaveLibraryAs();
+    RequireFile();
     SaveTo(state_.fileName);
     return true;
 }
@@ -133,6 +136,15 @@ bool LibraryCommands::SaveLibraryAs() {
         return false;
     SaveTo(*fileName);
     return true;
+}
+
+void LibraryCommands::RequireFile() const {
+    if (!state_.objAtlavex->FileName().empty() && !QFileInfo::exists(state_.fileName))
+        throw ComponentError(
+            ErrorNumber::FileChanged,
+            "The file '" + state_.fileName.toStdString() +
+                "' was removed by another program since it was opened. Use Save As to keep your "
+                "version under this or another name.");
 }
 
 void LibraryCommands::SaveTo(const QString& fileName) {

@@ -38,6 +38,8 @@ private:
     std::optional<QString> AskForKey(bool sealed);
     void TakeLoadedFile(const QString& fileName);
     bool MayBeSaved();
+    /// FileChanged when the file that is open has gone: only Save As makes another.
+    void RequireFile() const;
     void SaveTo(const QString& fileName);
     void SaveWithAdvice(const QString& fileName);
     void SelectAgain(int map, int icon);

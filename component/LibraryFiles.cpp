@@ -43,6 +43,11 @@ bool HasSecondName(const std::filesystem::path& file) {
     return !unknown && names > 1;
 }
 
+bool IsSomethingAt(const std::filesystem::path& path) {
+    std::error_code unknown;
+    return std::filesystem::symlink_status(path, unknown).type() != std::filesystem::file_type::not_found;
+}
+
 } // namespace
 
 bool LibraryObject::IsOpenFile(const std::filesystem::path& path) const {
@@ -100,7 +105,10 @@ std::shared_ptr<const Envelope> LibraryObject::NewForm(const std::string& key) c
 
 void LibraryObject::SaveToFile(const std::string& file, const std::string& key) {
     const std::filesystem::path target = RealPath(file);
-    const bool sameFile = file_ && target == file_->Path();
+    // Where the open file is gone from its name, nothing is lost by writing it there again. Not so what
+    // stands in the file alone, without a scratch: whoever took the file away took that, too.
+    const bool isGone = options_.newTiles == NewTiles::Scratch && !IsSomethingAt(target);
+    const bool sameFile = file_ && target == file_->Path() && !isGone;
     const bool sameKey = key_.Is(key);
     notes_.clear();
     operations_->Run([&](Progress& progress) {

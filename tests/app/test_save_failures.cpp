@@ -91,7 +91,7 @@ TEST_F(SavingFails, WhileAnotherProgramHoldsTheFile) {
 TEST_F(SavingFails, WhenTheFileIsGoneAndSaveAsIsTheWayOut) {
     StartWithEdit();
     std::filesystem::remove(file_);
-    ExpectMessageNaming("Use Save As to keep");
+    ExpectMessageNaming("was removed by another program since it was opened. Use Save As to keep");
     Choose("mFileSaveAtlavex");
     ExpectUnsaved();
     EXPECT_FALSE(std::filesystem::exists(file_));
@@ -101,6 +101,18 @@ TEST_F(SavingFails, WhenTheFileIsGoneAndSaveAsIsTheWayOut) {
     Edit(QStringLiteral("6"));
     Choose("mFileSaveAtlavex");
     EXPECT_EQ(IconAt(*Open(PathOf("kept.Atlavex")), 1)->OffsetX(), 6);
+}
+
+TEST_F(SavingFails, NotBySaveAsUnderTheNameOfAFileThatIsGone) {
+    StartWithEdit();
+    std::filesystem::remove(file_);
+    ExpectSaveDialog(file_);
+    Choose("mFileSaveAtlavexAs");
+    EXPECT_FALSE(State().modified);
+    EXPECT_EQ(IconAt(*Open(file_), 1)->OffsetX(), 5);
+    Edit(QStringLiteral("6"));
+    Choose("mFileSaveAtlavex");
+    EXPECT_EQ(IconAt(*Open(file_), 1)->OffsetX(), 6);
 }
 
 TEST_F(SavingFails, WhenAnotherProgramRemovedAMapUntilThatIsDeletedHere) {

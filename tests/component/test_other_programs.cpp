@@ -95,20 +95,41 @@ TEST_F(LibraryBesideOthers, ACopyWithTheSameContentIsAnotherFileToo) {
     ExpectRefusedUntilSavedElsewhere(*mine, file_, {});
 }
 
-TEST_F(LibraryBesideOthers, ADeletedFileIsNotMadeAgainUnasked) {
-    SaveRichLibrary(file_);
-    const auto mine = Open(file_);
-    std::filesystem::remove(file_);
-    ExpectRefusedUntilSavedElsewhere(*mine, file_, {});
+TEST_F(LibraryBesideOthers, ADeletedFileIsWrittenAgainUnderItsName) {
+    for (const std::string key : {"", "key"})
+        for (const std::string newKey : {"", "key", "another"}) {
+            LibraryContent content = SaveRichLibrary(file_, key);
+            const auto mine = Open(file_, key);
+            std::filesystem::remove(file_);
+            EXPECT_ERROR(mine->Compact(), ErrorNumber::FileChanged);
+            mine->SaveToFile(file_, newKey);
+            ExpectHolds(file_, newKey, content);
+            MapAt(*mine, 1)->SetMetadata("by", "me");
+            mine->SaveToFile(file_, newKey);
+            ExpectHolds(file_, newKey, ContentOf(*mine));
+            EXPECT_EQ(Names(), std::vector<std::string>{"lib.Atlavex"});
+            std::filesystem::remove(file_);
+        }
 }
 
-TEST_F(LibraryBesideOthers, ARenamedFileCanStillBeReadAndSavedAs) {
+TEST_F(LibraryBesideOthers, ARenamedFileStaysAndCanBeReadAndSavedAgain) {
     const LibraryContent content = SaveRichLibrary(file_, "key");
     const auto mine = Open(file_, "key");
     std::filesystem::rename(file_, PathOf("elsewhere.Atlavex"));
     EXPECT_EQ(ContentOf(*mine), content);
-    ExpectRefusedUntilSavedElsewhere(*mine, file_, "key");
+    MapAt(*mine, 1)->SetMetadata("by", "me");
+    mine->SaveToFile(file_, "key");
+    ExpectHolds(file_, "key", ContentOf(*mine));
     ExpectHolds(PathOf("elsewhere.Atlavex"), "key", content);
+}
+
+TEST_F(LibraryBesideOthers, DirectWorkIsNotBroughtBackWithoutItsFile) {
+    SaveRichLibrary(file_);
+    const auto mine = OpenDirectly(file_);
+    AddMap(*mine, MakeSheet(PixelFormat::Rgb, 99, 99));
+    std::filesystem::remove(file_);
+    EXPECT_ERROR(mine->SaveToFile(file_, {}), ErrorNumber::FileChanged);
+    EXPECT_FALSE(std::filesystem::exists(file_));
 }
 
 TEST_F(LibraryBesideOthers, DirectWorkIsRefusedBeforeItBegins) {

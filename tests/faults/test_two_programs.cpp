@@ -102,10 +102,11 @@ TEST_F(TwoPrograms, DoNotOverwriteAFileThatWasReplaced) {
     EXPECT_EQ(ReadWholeFile(file_), theirs);
 }
 
-TEST_F(TwoPrograms, DoNotBringBackAFileThatWasDeleted) {
+TEST_F(TwoPrograms, WriteAFileThatWasDeletedWhole) {
+    const std::string mine = ContentOf(*library_);
     fs::remove(file_);
-    EXPECT_EQ(SaveError(file_), ErrorNumber::FileChanged) << sentence_;
-    EXPECT_FALSE(fs::exists(file_));
+    EXPECT_EQ(SaveError(file_), ErrorNumber{}) << sentence_;
+    EXPECT_EQ(ContentOfFile(file_), mine);
 }
 
 TEST_F(TwoPrograms, WaitForALockAMomentAndThenSaySo) {
