@@ -21,9 +21,3 @@ NamedGrid GridByName(const std::string& grid, const std::string& zone);
 
 /// The datum of a catalogue text ("ED50"). Throws UnknownDatum.
 QuorvantDatum DatumByName(const std::string& datum);
-
-/// The catalogue's text of a grid identifier; empty for an identifier that is in no list.
-std::string GridName(std::int32_t identifier);
-
-/// The catalogue's text of a datum identifier, likewise.
-std::string DatumName(std::int32_t identifier);

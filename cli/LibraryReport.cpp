@@ -1,8 +1,7 @@
 #include "cli/LibraryReport.h"
 
-#include "cli/CoordinateSystem.h"
-
 #include "cli/Output.h"
+#include "coordinates/SystemNames.h"
 
 #include <nlohmann/json.hpp>
 
@@ -17,13 +16,23 @@ Json MetadataAsJson(const Metadata& metadata) {
     return texts;
 }
 
+SystemNames NamesOf(const Georeference& georeference) {
+    return ::NamesOf(georeference.datum, georeference.grid, georeference.gridIdentifier);
+}
+
+/// As text: nothing where there is no grid.
+std::string ZoneOf(const Georeference& georeference) {
+    return georeference.grid ? ZoneText(*georeference.grid, georeference.zone) : std::string();
+}
+
 Json DatumAsJson(const Georeference& georeference) {
     if (!georeference.datum)
         return nullptr;
     const QuorvantDatum& datum = *georeference.datum;
-    const std::int16_t identifier = FindDatumIdentifier(datum);
-    return {{"name", DatumName(identifier)},
-            {"identifier", identifier},
+    const SystemNames names = NamesOf(georeference);
+    return {{"name", names.DatumName()},
+            {"names", names.DatumNames()},
+            {"identifier", names.datums.size() == 1 ? names.datums.front() : 0},
             {"semiMajorAxis", datum.SemiMajorAxis()},
             {"e2", datum.e2()},
             {"deltaX", datum.DeltaX()},
@@ -39,7 +48,9 @@ Json GridAsJson(const Georeference& georeference) {
     if (!georeference.grid)
         return nullptr;
     const GridNumbers& grid = *georeference.grid;
-    return {{"name", GridName(georeference.gridIdentifier)},
+    const SystemNames names = NamesOf(georeference);
+    return {{"name", names.GridName()},
+            {"names", names.GridNames()},
             {"identifier", georeference.gridIdentifier},
             {"method", grid.method},
             {"zone", grid.zone},
@@ -87,7 +98,7 @@ Json MapAsJson(const AtlavexMap& map, std::int32_t position) {
             {"scaling", ScalingName(georeference.kind)},
             {"datum", DatumAsJson(georeference)},
             {"grid", GridAsJson(georeference)},
-            {"zone", georeference.zone},
+            {"zone", ZoneOf(georeference)},
             {"referencePoints", PointsAsJson(georeference)},
             {"metadata", MetadataAsJson(map)}};
 }
@@ -131,13 +142,15 @@ std::string PointsAsText(const Georeference& georeference) {
 }
 
 std::string GeoreferenceAsText(const Georeference& georeference) {
+    const SystemNames names = NamesOf(georeference);
+    const std::string zone = ZoneOf(georeference);
     std::string text = Line("scaling", ScalingName(georeference.kind));
     if (georeference.grid)
-        text += Line("grid", NameOrNumbers(GridName(georeference.gridIdentifier)));
-    if (!georeference.zone.empty())
-        text += Line("zone", georeference.zone);
+        text += Line("grid", NameOrNumbers(names.GridName()));
+    if (!zone.empty())
+        text += Line("zone", zone);
     if (georeference.datum)
-        text += Line("datum", NameOrNumbers(DatumName(FindDatumIdentifier(*georeference.datum))));
+        text += Line("datum", NameOrNumbers(names.DatumName()));
     return text + PointsAsText(georeference);
 }
 

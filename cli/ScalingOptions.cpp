@@ -1,11 +1,13 @@
 #include "cli/ScalingOptions.h"
 
+#include "base/NumberText.h"
 #include "cli/Arguments.h"
 #include "cli/CoordinateSystem.h"
 #include "cli/ExitStatus.h"
 #include "component/scaling/Worldfile.h"
 
 #include <algorithm>
+#include <cmath>
 #include <span>
 
 namespace {
@@ -48,6 +50,48 @@ std::span<const ReferencePoint, CornerCount> AsCorners(const std::vector<Referen
     return std::span<const ReferencePoint, CornerCount>(points.data(), CornerCount);
 }
 
+/// What rounding may add to a pole that is a point's own latitude.
+constexpr double RoundingDegrees = 1e-9;
+
+/// Places looked at along each side of the map; the arcs of a polar one bend in between by less than matters.
+constexpr int Places = 33;
+
+void RequireOnEarth(const WorldPosition& world, const std::string& where) {
+    const bool latitude = std::abs(world.y) > 90 + RoundingDegrees;
+    if (!latitude && std::abs(world.x) <= 360 + RoundingDegrees)
+        return;
+    throw ComponentError(ErrorNumber::OutsideArea,
+                         where + " would have the " + (latitude ? "latitude " : "longitude ") +
+                             NumberToText(latitude ? world.y : world.x) + ", which is not within " +
+                             (latitude ? "±90" : "±360") + " degrees.");
+}
+
+void RequirePointsOnEarth(const std::vector<ReferencePoint>& points) {
+    int number = 0;
+    for (const ReferencePoint& point : points)
+        RequireOnEarth({point.x, point.y}, "Point " + std::to_string(++number));
+}
+
+void RequirePixelOnEarth(const AtlavexMap& map, const PixelPosition& pixel) {
+    const WorldPosition world = map.PixelToWorld(pixel);
+    // The middle of a sheet whose meridians meet on it has no coordinate, and does no harm.
+    if (std::isfinite(world.x) && std::isfinite(world.y))
+        RequireOnEarth(world,
+                       "The pixel " + NumberToText(pixel.x) + "," + NumberToText(pixel.y) + " of the map");
+}
+
+/// In degrees a map ends at the poles: what lies beyond could be stored, but not be located.
+void RequireOnEarth(const AtlavexMap& map) {
+    if (map.HasGrid())
+        return;
+    const double right = map.Width() - 1, bottom = map.Height() - 1;
+    for (int i = 0; i < Places; ++i) {
+        const double x = std::round(right * i / (Places - 1)), y = std::round(bottom * i / (Places - 1));
+        for (const PixelPosition& pixel : {PixelPosition{x, 0}, {x, bottom}, {0, y}, {right, y}})
+            RequirePixelOnEarth(map, pixel);
+    }
+}
+
 } // namespace
 
 ScalingPlan::ScalingPlan(const ScalingOptions& options) {
@@ -55,6 +99,8 @@ ScalingPlan::ScalingPlan(const ScalingOptions& options) {
     CheckSourceChoice(options);
     ChoosePoints(options);
     ChooseSystem(options);
+    if (!grid_)
+        RequirePointsOnEarth(points_);
 }
 
 void ScalingPlan::ChooseSystem(const ScalingOptions& options) {
@@ -102,4 +148,5 @@ void ScalingPlan::ApplyTo(AtlavexMap& map, Orientation orientation) const {
     } else {
         map.SetScalingThreePoints(points_[0], points_[1], points_[2]);
     }
+    RequireOnEarth(map);
 }

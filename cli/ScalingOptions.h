@@ -33,7 +33,8 @@ public:
     explicit ScalingPlan(const ScalingOptions& options);
 
     /// Gives the map its datum, grid and scaling. `orientation` is the turn from the pixels as stored, which
-    /// a worldfile counts, to the map's; points and corners count the map's own pixels.
+    /// a worldfile counts, to the map's; points and corners count the map's own pixels. Throws OutsideArea
+    /// when pixels of the map would lie beyond a pole; the map is then not to be saved.
     void ApplyTo(AtlavexMap& map, Orientation orientation = Orientation::TopLeft) const;
 
 private:

@@ -15,6 +15,10 @@ std::string OriginText(const GridNumbers& grid) {
 }
 
 std::string LambertText(const GridNumbers& grid) {
+    const auto& v = grid.values;
+    // With one parallel as the origin PROJ takes the scale for what it is: that of the parallel.
+    if (v[5] == v[0] && v[6] == v[0])
+        return "+proj=lcc" + OriginText(grid) + ProjParameter("lat_1", v[5]);
     return "+proj=lcc" + OriginText(grid) + ProjParameter("lat_1", grid.values[5]) +
            ProjParameter("lat_2", grid.values[6]);
 }
@@ -27,7 +31,9 @@ std::string NewZealandText(const GridNumbers& grid) {
         throw ComponentError(
             ErrorNumber::UnknownGrid,
             "The New Zealand Map Grid has one origin only, and the grid's numbers differ from it.");
-    return "+proj=nzmg" + OriginText(grid);
+    // Without the scale, which this projection does not take: PROJ would keep it as a foreign addition.
+    return "+proj=nzmg" + ProjParameter("lat_0", origin[0]) + ProjParameter("lon_0", origin[1]) +
+           ProjParameter("x_0", origin[3]) + ProjParameter("y_0", origin[4]);
 }
 
 bool AllFinite(auto numbers) {

@@ -29,8 +29,3 @@ QuorvantDatum MakeDatum(std::int16_t identifier) {
                              "There is no datum with the identifier " + std::to_string(identifier) + ".");
     return QuorvantDatum(row->numbers);
 }
-
-std::int16_t FindDatumIdentifier(const QuorvantDatum& datum) {
-    const auto row = std::ranges::find(DatumTable, datum.AsNumbers(), &DatumRow::numbers);
-    return row == DatumTable.end() ? std::int16_t{0} : row->identifier;
-}

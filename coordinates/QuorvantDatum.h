@@ -39,6 +39,3 @@ private:
 
 /// The datum of an identifier of the catalogue (1 to 27); UnknownDatum for any other number.
 QuorvantDatum MakeDatum(std::int16_t identifier);
-
-/// The identifier whose datum has exactly these numbers (the lowest, where several agree); 0 when none has.
-std::int16_t FindDatumIdentifier(const QuorvantDatum& datum);

@@ -4,6 +4,7 @@
 #include "component/render/Wgs84Bounds.h"
 #include "component/scaling/Scaling.h"
 #include "coordinates/CrsText.h"
+#include "coordinates/SystemNames.h"
 
 #include <nlohmann/json.hpp>
 
@@ -28,12 +29,17 @@ Json DescribeLevels(const PyramidLayout& layout) {
     return levels;
 }
 
-Json DescribeDatum(const QuorvantDatum& datum) {
+SystemNames NamesOf(const Georeference& georeference) {
+    return ::NamesOf(georeference.datum, georeference.grid, georeference.gridIdentifier);
+}
+
+Json DescribeDatum(const Georeference& georeference) {
     constexpr std::array names = {"SemiMajorAxis", "e2",   "DeltaX", "DeltaY",     "DeltaZ",
                                   "RotX",          "RotY", "RotZ",   "ScaleFactor"};
     Json numbers;
     for (std::size_t i = 0; i < names.size(); ++i)
-        numbers[names[i]] = datum.AsNumbers()[i];
+        numbers[names[i]] = georeference.datum->AsNumbers()[i];
+    numbers["name"] = NamesOf(georeference).DatumName();
     return numbers;
 }
 
@@ -44,7 +50,8 @@ Json DescribeGrid(const Georeference& georeference) {
     for (std::size_t i = 0; i < names.size(); ++i)
         numbers[names[i]] = georeference.grid->values[i];
     numbers["identifier"] = georeference.gridIdentifier;
-    numbers["zoneText"] = ValidUtf8(georeference.zone);
+    numbers["name"] = NamesOf(georeference).GridName();
+    numbers["zoneText"] = ValidUtf8(ZoneText(*georeference.grid, georeference.zone));
     return numbers;
 }
 
@@ -72,15 +79,15 @@ Json DescribeGeoreference(const Georeference& georeference) {
             {"pixelRule", "whole numbers are pixel centres, (0, 0) is the upper left pixel"},
             {"points", DescribePoints(georeference)},
             {"affine", DescribeAffine(georeference)},
-            {"datum", georeference.datum ? DescribeDatum(*georeference.datum) : Json(nullptr)},
+            {"datum", georeference.datum ? DescribeDatum(georeference) : Json(nullptr)},
             {"grid", georeference.grid ? DescribeGrid(georeference) : Json(nullptr)}};
 }
 
-Json DescribeCrs(const Georeference& georeference) {
-    const std::string text = georeference.kind == ScalingKind::None
-                                 ? std::string()
-                                 : CrsAsWkt(georeference.datum.value_or(QuorvantDatum()), georeference.grid);
-    return text.empty() ? Json(nullptr) : Json(ValidUtf8(text));
+CrsText CrsOf(const Georeference& georeference) {
+    if (georeference.kind == ScalingKind::None)
+        return {};
+    return DescribeCrs(georeference.datum.value_or(QuorvantDatum()), georeference.grid,
+                       georeference.gridIdentifier);
 }
 
 Json DescribeBounds(const ExportedMap& map) {
@@ -95,6 +102,7 @@ Json DescribeBounds(const ExportedMap& map) {
 
 std::string DescribeMap(const ExportedMap& map, bool complete) {
     const PyramidLayout& layout = map.layout;
+    const CrsText crs = CrsOf(map.georeference);
     const Json description = {
         {"formatVersion", TileFolderVersion},
         {"complete", complete},
@@ -109,7 +117,9 @@ std::string DescribeMap(const ExportedMap& map, bool complete) {
         {"edgeRule", "every tile has full size; beyond the map it is transparent"},
         {"levels", DescribeLevels(layout)},
         {"georeference", DescribeGeoreference(map.georeference)},
-        {"crs", DescribeCrs(map.georeference)},
+        {"crs", crs.wkt.empty() ? Json(nullptr) : Json(ValidUtf8(crs.wkt))},
+        {"crsName", crs.name.empty() ? Json(nullptr) : Json(crs.name)},
+        {"epsg", crs.epsg == 0 ? Json(nullptr) : Json(crs.epsg)},
         {"boundsWgs84", DescribeBounds(map)},
     };
     return description.dump(1) + "\n";

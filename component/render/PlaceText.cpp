@@ -40,11 +40,16 @@ std::optional<std::string> ControlPoint(const Scaling& scaling, const PixelPosit
            Attribute("Y", world.y);
 }
 
-std::string ControlPointList(const ExportedMap& map, const std::string& crs) {
+/// Which of the system's axes a point's X and Y are.
+std::string AxisMapping(const CrsText& crs) {
+    return std::string(" dataAxisToSRSAxisMapping=\"") + (crs.northFirst ? "2,1" : "1,2") + "\"";
+}
+
+std::string ControlPointList(const ExportedMap& map, const CrsText& crs) {
     const auto scaling = MakeScaling(map.georeference);
     std::string text = "  <GCPList";
-    if (!crs.empty())
-        text += " Projection=\"" + MarkupText(crs) + "\" dataAxisToSRSAxisMapping=\"1,2\"";
+    if (!crs.wkt.empty())
+        text += " Projection=\"" + MarkupText(crs.wkt) + "\"" + AxisMapping(crs);
     text += ">\n";
     int number = 0;
     const auto place = [](int i, std::int32_t size) {
@@ -64,10 +69,11 @@ std::string PlaceText(const ExportedMap& map) {
     const Georeference& georeference = map.georeference;
     if (georeference.kind == ScalingKind::None)
         return {};
-    const std::string crs = CrsAsWkt(georeference.datum.value_or(QuorvantDatum()), georeference.grid);
+    const CrsText crs = DescribeCrs(georeference.datum.value_or(QuorvantDatum()), georeference.grid,
+                                    georeference.gridIdentifier);
     if (georeference.kind == ScalingKind::Polar)
         return ControlPointList(map, crs);
-    const std::string system =
-        crs.empty() ? crs : "  <SRS dataAxisToSRSAxisMapping=\"1,2\">" + MarkupText(crs) + "</SRS>\n";
-    return system + Geotransform(georeference);
+    const std::string place = Geotransform(georeference);
+    return crs.wkt.empty() ? place
+                           : "  <SRS" + AxisMapping(crs) + ">" + MarkupText(crs.wkt) + "</SRS>\n" + place;
 }

@@ -4,6 +4,7 @@
 #include "catalogue/modCountryData.h"
 #include "coordinates/QuorvantDatum.h"
 #include "coordinates/QuorvantGrid.h"
+#include "coordinates/SystemNames.h"
 
 #include <gtest/gtest.h>
 
@@ -84,6 +85,22 @@ TEST(GridIdentifier, AddsTheZoneOfAListZoneGrid) {
     EXPECT_EQ(GridIdentifier("French Grid (ntf)", 3), 26);
     EXPECT_EQ(GridIdentifier("Gauss Boaga (roma40)", 1), 36);
     EXPECT_EQ(GridIdentifier("Finnish Grid", -1), 8); // the place is not checked against the list
+}
+
+TEST(GridIdentifier, LeadsBackToTheText) {
+    for (const CountryRow& country : CountryTable()) {
+        for (const std::string_view grid : country.grids)
+            EXPECT_EQ(GridText(GridIdentifier(grid, 0)), grid);
+        for (const std::string_view datum : country.datums)
+            EXPECT_EQ(DatumText(DatumIdentifier(datum)), datum);
+    }
+    for (const ZoneListRow& list : ZoneListTable())
+        for (std::size_t zone = 0; zone < list.zones.size(); ++zone)
+            EXPECT_EQ(GridText(GridIdentifier(list.grid, static_cast<std::int16_t>(zone))), list.grid);
+    for (const std::int32_t identifier : {-1, 0, 5, 8, 46, 50, 70000})
+        EXPECT_EQ(GridText(identifier), "") << identifier;
+    for (const std::int32_t identifier : {-1, 0, 28, 70000})
+        EXPECT_EQ(DatumText(identifier), "") << identifier;
 }
 
 TEST(GridIdentifier, IgnoresTheZoneOfEveryOtherGrid) {

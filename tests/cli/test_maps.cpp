@@ -8,6 +8,7 @@
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::MatchesRegex;
+using testing::Not;
 
 namespace {
 
@@ -107,7 +108,7 @@ TEST_F(Maps, AWorldfileHasSixNumbers) {
     for (const std::string& file : {In("missing.tfw"), std::string("/"), std::string("/dev/null")})
         ExpectFailure(1, {"scale", library, "1", "--datum", "WGS84", "--worldfile", file});
     Do({"scale", library, "1", "--datum", "WGS84", "--worldfile",
-        Write("good", "2\r\n0\r\n\r\n0\r\n-2\r\n9\r\n48")});
+        Write("good", "0.01\r\n0\r\n\r\n0\r\n-0.01\r\n9\r\n48")});
 }
 
 TEST_F(Maps, PointsAndCornersMustSpanSomething) {
@@ -135,6 +136,60 @@ TEST_F(Maps, AScalingThatIsRefusedLeavesTheFormer) {
     ExpectFailure(1, scale + Words{"--corner", "0,0=500000,6200000", "--corner", "0,0=500000,6100000",
                                    "--corner", "0,0=600000,6200000", "--corner", "0,0=600000,6100000"});
     EXPECT_EQ(DoJson({"info", library}), before);
+}
+
+TEST_F(Maps, AGeoreferenceBeyondThePolesIsRefused) {
+    const std::string library = ScaledLibrary();
+    const Words scale{"scale", library, "1", "--datum", "WGS84"};
+    const Words add{"add-map", library, In("Sheet.bmp"), "--datum", "WGS84"};
+    for (const Words& command : {scale, add}) {
+        // In a point, where it is said before anything is read.
+        ExpectFailure(1,
+                      command + Words{"--point", "0,0=9,80", "--point", "9,0=10,80", "--point", "0,9=9,90.5"},
+                      "Point 3");
+        ExpectFailure(1,
+                      command + Words{"--point", "0,0=9,80", "--point", "9,0=361,80", "--point", "0,9=9,79"},
+                      "longitude");
+        ExpectFailure(1,
+                      command + Words{"--corner", "0,0=9,-80", "--corner", "0,199=9,-91", "--corner",
+                                      "299,0=10,-80", "--corner", "299,199=10,-91"},
+                      "latitude");
+        // In the map: 200 rows of a degree each.
+        ExpectFailure(1,
+                      command + Words{"--point", "0,0=9,80", "--point", "9,0=9.1,80", "--point", "0,9=9,71"},
+                      "latitude");
+        ExpectFailure(1, command + Words{"--worldfile", Write("metres.tfw", "2\n0\n0\n-2\n1000\n5000\n")},
+                      "latitude");
+    }
+    // From pole to pole is a map, and a grid knows no degrees.
+    Do(scale + Words{"--point", "0,0=-180,90", "--point", "299,0=180,90", "--point", "0,199=-180,-90"});
+    Do({"scale", library, "1", "--grid", "UTM (etrs89)", "--zone", "32", "--worldfile", In("metres.tfw")});
+}
+
+TEST_F(Maps, AMapTellsTheNamesOfItsSystem) {
+    const std::string library = ScaledLibrary();
+    const Words points{"--point", "0,0=500000,1000000", "--point", "99,0=500099,1000000",
+                       "--point", "0,99=500000,999901"};
+    const auto info = [&] { return DoJson({"info", library})["maps"][0]; };
+    // Four datums have the numbers of NAD83; the grid tells which is meant.
+    Do(Words{"scale", library, "1", "--grid", "UTM (nad83)", "--zone", "15"} + points);
+    EXPECT_EQ(info()["datum"]["name"], "NAD83");
+    EXPECT_EQ(info()["datum"]["identifier"], 19);
+    EXPECT_THAT(Do({"info", library}), HasSubstr("datum: NAD83\n"));
+    Do(Words{"scale", library, "1", "--grid", "State Plane (nad83)", "--zone", "4204"} + points);
+    EXPECT_EQ(info()["datum"]["name"], "NAD83");
+    EXPECT_EQ(info()["zone"], "4204");
+    Do(Words{"scale", library, "1", "--grid", "NZ Transverse Mercator (2000)"} + points);
+    EXPECT_EQ(info()["datum"]["name"], "NZGD2000");
+    EXPECT_EQ(info()["zone"], "");
+    EXPECT_THAT(Do({"info", library}), Not(HasSubstr("zone")));
+    // Without a grid nothing tells.
+    Do({"scale", library, "1", "--datum", "NAD83", "--point", "0,0=9,48", "--point", "99,0=10,48", "--point",
+        "0,99=9,47"});
+    EXPECT_EQ(info()["datum"]["name"], "ETRS89, GDA94, NZGD2000 or NAD83");
+    EXPECT_EQ(info()["datum"]["names"].size(), 4U);
+    EXPECT_EQ(info()["datum"]["identifier"], 0);
+    EXPECT_THAT(Do({"info", library}), HasSubstr("datum: ETRS89, GDA94, NZGD2000 or NAD83\n"));
 }
 
 TEST_F(Maps, AScalingIsKeptAsItWasGiven) {

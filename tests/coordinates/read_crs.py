@@ -9,9 +9,11 @@ import math
 import sys
 
 import pyproj
-from osgeo import osr
+from osgeo import gdal, osr
 
 osr.UseExceptions()
+# A system that it knows by its code GDAL would move by the registry's shift; what the text itself says is looked at.
+gdal.SetConfigOption("OGR_CT_PREFER_OFFICIAL_SRS_DEF", "NO")
 
 
 def pyproj_transform(wkt):

@@ -49,16 +49,6 @@ TEST(MakeDatum, KnowsTheIdentifiers1To27Only) {
             << identifier;
 }
 
-TEST(FindDatumIdentifier, FindsTheLowestIdentifierWithTheseNumbers) {
-    for (std::int16_t identifier = 1; identifier <= 27; ++identifier) {
-        const bool likeEtrs89 = identifier == 11 || identifier == 14 || identifier == 19;
-        EXPECT_EQ(FindDatumIdentifier(MakeDatum(identifier)), likeEtrs89 ? 2 : identifier);
-    }
-    auto numbers = MakeDatum(3).AsNumbers();
-    numbers[8] += 1e-12;
-    EXPECT_EQ(FindDatumIdentifier(QuorvantDatum(numbers)), 0);
-}
-
 TEST(DatumShift, RefusesNumbersThatAreNoDatum) {
     const auto with = [](std::size_t index, double value) {
         auto numbers = QuorvantDatum().AsNumbers();

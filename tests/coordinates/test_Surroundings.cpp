@@ -82,12 +82,12 @@ std::string Everything() {
 
 TEST(Surroundings, ADecimalCommaChangesNothing) {
     const std::string expected = Everything();
-    const std::string wkt = CrsAsWkt(MakeDatum(3), MakeGrid(3, 0).AsNumbers());
+    const std::string wkt = DescribeCrs(MakeDatum(3), MakeGrid(3, 0).AsNumbers()).wkt;
     const ScopedDecimalComma german;
     ASSERT_STREQ(std::localeconv()->decimal_point, ",");
     ASSERT_EQ((std::ostringstream() << 12.5).str(), "12,5");
     EXPECT_EQ(Everything(), expected);
-    EXPECT_EQ(CrsAsWkt(MakeDatum(3), MakeGrid(3, 0).AsNumbers()), wkt);
+    EXPECT_EQ(DescribeCrs(MakeDatum(3), MakeGrid(3, 0).AsNumbers()).wkt, wkt);
     EXPECT_EQ(TextToNumber("12.5"), 12.5);
     EXPECT_FALSE(TextToNumber("12,5"));
 }
@@ -106,7 +106,7 @@ TEST(Surroundings, NoDatabaseIsNeededNorMissedAloud) {
     const ScopedVariable library("PROJ_LIB", empty.Path().string());
     testing::internal::CaptureStderr();
     EXPECT_EQ(Everything(), expected);
-    EXPECT_NE(CrsAsWkt(MakeDatum(3), MakeGrid(3, 0).AsNumbers()), "");
+    EXPECT_NE(DescribeCrs(MakeDatum(3), MakeGrid(3, 0).AsNumbers()).wkt, "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 

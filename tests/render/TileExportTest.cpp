@@ -183,17 +183,21 @@ TEST(TileExport, PutsALinearMapWhereItsScalingDoes) {
     }
 }
 
-TEST(TileExport, NamesAReferenceSystemThatLeadsToTheSameWgs84) {
+/// The middle of the map in WGS84, as the mosaic's reference system has it and as it is.
+void ExpectSystemLeadsToWgs84(const Georeference& georeference, const std::string& name) {
     const TempFolder folder;
     DrawnMap map(SpeckledPicture(200, 150), 64, 64, PixelFormat::Rgb);
-    const Georeference georeference = LinearGeoreference();
     Export(Described(map, georeference), map, folder.Path());
+    EXPECT_THAT(ReadMosaic(folder).out, HasSubstr("system " + name + "\n"));
     auto lines = LinesOf(ReadMosaic(folder).out, "middle");
     ASSERT_EQ(lines.size(), 1U);
     LonLat found;
     ASSERT_TRUE(lines[0] >> found.longitude >> found.latitude);
     const WorldPosition world = MakeScaling(georeference)->PixelToWorld({99.5, 74.5});
-    const LonLat own = GridProjection(*georeference.grid, *georeference.datum).Inverse({world.x, world.y});
+    const LonLat own =
+        georeference.grid
+            ? GridProjection(*georeference.grid, *georeference.datum).Inverse({world.x, world.y})
+            : LonLat{world.x, world.y};
     const LonLat wgs84 = DatumShift(*georeference.datum).ToWgs84(own);
     EXPECT_NEAR(found.longitude, wgs84.longitude, 1e-6);
     EXPECT_NEAR(found.latitude, wgs84.latitude, 1e-6);
@@ -202,6 +206,23 @@ TEST(TileExport, NamesAReferenceSystemThatLeadsToTheSameWgs84) {
     EXPECT_GT(bounds["east"], wgs84.longitude);
     EXPECT_LT(bounds["south"], wgs84.latitude);
     EXPECT_GT(bounds["north"], wgs84.latitude);
+}
+
+TEST(TileExport, NamesAReferenceSystemThatLeadsToTheSameWgs84) {
+    Georeference georeference = LinearGeoreference();
+    ExpectSystemLeadsToWgs84(georeference, "WGS 84 / UTM zone 32N");
+    // Systems whose first axis is the northing or the latitude.
+    const QuorvantGrid strip = MakeGrid(29, 3);
+    georeference.datum = strip.Datum();
+    georeference.grid = strip.AsNumbers();
+    georeference.gridIdentifier = 29;
+    georeference.points = {{3500000, 5600000, 0, 0}, {3500400, 5600000, 200, 0}, {3500000, 5599700, 0, 150}};
+    ExpectSystemLeadsToWgs84(georeference, "DHDN / 3-degree Gauss-Kruger zone 3");
+    georeference.datum = MakeDatum(17);
+    georeference.grid.reset();
+    georeference.gridIdentifier = 0;
+    georeference.points = {{9, 56, 0, 0}, {10, 56, 200, 0}, {9, 55, 0, 150}};
+    ExpectSystemLeadsToWgs84(georeference, "ED50");
 }
 
 TEST(TileExport, GivesAPolarMapControlPoints) {
@@ -238,7 +259,14 @@ TEST(TileExport, DescribesTheMapInTilesJson) {
     EXPECT_EQ(json["georeference"]["points"][2]["pixelY"], 150);
     EXPECT_EQ(json["georeference"]["datum"]["SemiMajorAxis"], georeference.datum->SemiMajorAxis());
     EXPECT_EQ(json["georeference"]["grid"]["falseEasting"], 500000);
-    EXPECT_THAT(json["crs"].get<std::string>(), HasSubstr("CRS["));
+    EXPECT_EQ(json["georeference"]["datum"]["name"], "WGS84");
+    EXPECT_EQ(json["georeference"]["grid"]["name"], "UTM North (wgs84)");
+    EXPECT_EQ(json["georeference"]["grid"]["identifier"], 1);
+    EXPECT_EQ(json["georeference"]["grid"]["zoneText"], "32");
+    EXPECT_THAT(json["crs"].get<std::string>(), HasSubstr("PROJCRS[\"WGS 84 / UTM zone 32N\""));
+    EXPECT_THAT(json["crs"].get<std::string>(), HasSubstr("ID[\"EPSG\",32632]"));
+    EXPECT_EQ(json["crsName"], "WGS 84 / UTM zone 32N");
+    EXPECT_EQ(json["epsg"], 32632);
     EXPECT_EQ(RunProgram({"/usr/bin/python3", "-m", "json.tool", (folder / "tiles.json").string()}).status,
               0);
 }
@@ -250,6 +278,8 @@ TEST(TileExport, DescribesAMapWithoutAScaling) {
     const auto json = Description(folder.Path());
     EXPECT_TRUE(json["georeference"].is_null());
     EXPECT_TRUE(json["crs"].is_null());
+    EXPECT_TRUE(json["crsName"].is_null());
+    EXPECT_TRUE(json["epsg"].is_null());
     EXPECT_TRUE(json["boundsWgs84"].is_null());
 }
 

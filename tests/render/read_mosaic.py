@@ -11,6 +11,8 @@ from osgeo import gdal, osr
 
 gdal.UseExceptions()
 osr.UseExceptions()
+# A system that it knows by its code GDAL would move by the registry's shift; what the text itself says is looked at.
+gdal.SetConfigOption("OGR_CT_PREFER_OFFICIAL_SRS_DEF", "NO")
 mosaic = gdal.Open(sys.argv[1])
 pixels = numpy.atleast_3d(mosaic.ReadAsArray() if mosaic.RasterCount == 1
                           else numpy.moveaxis(mosaic.ReadAsArray(), 0, -1))
