@@ -97,7 +97,8 @@ void FieldChecks::Leave(QLineEdit& field, Qt::FocusReason reason) {
     if (IsStillInField(reason))
         return;
     current_ = nullptr;
-    if (!form_.isVisible() || Check(field))
+    const bool wasSaid = fields_.at(&field).refused == field.text();
+    if (!form_.isVisible() || wasSaid || Check(field))
         return;
     // Later, when the press or key that led away has been dealt with: a box in its middle would leave a
     // button pressed.
@@ -114,11 +115,12 @@ bool FieldChecks::Check(QLineEdit& field) {
         state.refused.reset();
         return true;
     } catch (const NumberError& error) {
+        refusedField_ = &field;
         state.refused = field.text();
         refusal_ = error.Description();
     } catch (const ComponentError&) {
+        refusedField_ = &field;
         Write(field, state.written);
-        field.selectAll();
         refusal_ = QString(); // nothing to be said, but the form stays open
     }
     return false;
@@ -127,6 +129,7 @@ bool FieldChecks::Check(QLineEdit& field) {
 void FieldChecks::Edited(QLineEdit& field, const QString& text) {
     State& state = fields_.at(&field);
     const QString before = std::exchange(state.known, text);
+    state.refused.reset(); // typed anew, though it may be the same
     const QString inserted = InsertedPart(before, text);
     // What an undo brings back was there already.
     const bool cameInOnePiece = inserted.size() > 1 && !field.isRedoAvailable();
@@ -181,11 +184,9 @@ void FieldChecks::ShowRefusal() {
     ReleaseButtons();
     if (!sentence->isEmpty())
         ShowMessage(&form_, *sentence);
-    // Whoever is still in the box types over what was refused.
-    for (const auto& [field, state] : fields_) {
-        if (field->hasFocus() && state.refused == field->text())
-            field->selectAll();
-    }
+    // To be typed over.
+    refusedField_->setFocus();
+    refusedField_->selectAll();
 }
 
 void FieldChecks::ReleaseButtons() {

@@ -11,7 +11,7 @@ class QLineEdit;
 class QWidget;
 
 /// Takes over what was typed into a form's text boxes when they are left, each text once, and says in a
-/// message box what is no number. Entering a box selects its whole text.
+/// message box what is no number; the box then has the focus again. Entering a box selects its whole text.
 class FieldChecks : public QObject {
     Q_OBJECT
 
@@ -66,5 +66,6 @@ private:
     std::map<QLineEdit*, State> fields_;
     QLineEdit* current_ = nullptr;       ///< the box that was entered and not left yet
     std::optional<QString> refusal_;     ///< the sentence to show
+    QLineEdit* refusedField_ = nullptr;  ///< the box of which it says so
     std::optional<Insertion> insertion_; ///< the last one, until a box is written anew
 };

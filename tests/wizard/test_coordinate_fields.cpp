@@ -182,6 +182,42 @@ TEST_F(CoordinateFields, SaysWhatIsWrongOfEachFieldThatIsLeft) {
     EXPECT_FALSE(form.ShowModal());
 }
 
+TEST_F(CoordinateFields, HasTheFocusBackWithItsTextSelectedAfterARefusal) {
+    form.Latitude = 55;
+    const auto expectSelected = [](QWidget& shown, const char* name, const char* text) {
+        Wait();
+        auto& field = Find<QLineEdit>(shown, name);
+        EXPECT_EQ(shown.focusWidget(), &field) << name;
+        EXPECT_EQ(field.selectedText().toStdString(), text);
+    };
+    script
+        .Expect(Name(),
+                [&](QWidget& shown) {
+                    TypeAndLeave(shown, "txtLonDecDeg", QStringLiteral("12a"));
+                    expectSelected(shown, "txtLonDecDeg", "12a");
+                    // Left as it is, it is not said again; typed again, it is.
+                    Click(shown, "txtX");
+                    Wait();
+                    EXPECT_EQ(shown.focusWidget(), &Find<QLineEdit>(shown, "txtX"));
+                    TypeAndLeave(shown, "txtLonDecDeg", QStringLiteral("12a"));
+                    expectSelected(shown, "txtLonDecDeg", "12a");
+                    TypeAndLeave(shown, "txtLatDecDeg", QStringLiteral("91"));
+                    expectSelected(shown, "txtLatDecDeg", "55");
+                    Type(shown, "txtY", QStringLiteral("x"));
+                    QTest::keyClick(&Find<QLineEdit>(shown, "txtY"), Qt::Key_Return);
+                    expectSelected(shown, "txtY", "x");
+                    Type(shown, "txtY", QStringLiteral("y"));
+                    Click(shown, "bNext");
+                    expectSelected(shown, "txtY", "y");
+                    Click(shown, "bCancel");
+                })
+        .ExpectBox(QStringLiteral("'12a' is not a number!"))
+        .ExpectBox(QStringLiteral("'12a' is not a number!"))
+        .ExpectBox(QStringLiteral("'x' is not a number!"))
+        .ExpectBox(QStringLiteral("'y' is not a number!"));
+    EXPECT_FALSE(form.ShowModal());
+}
+
 TEST_F(CoordinateFields, SelectsTheWholeTextOfAFieldThatIsEntered) {
     form.PixelX = 1234;
     Show([](QWidget& shown) {
