@@ -1,5 +1,6 @@
 #include "app/ReadOut.h"
 
+#include "base/CheckedNumbers.h"
 #include "coordinates/QuorvantPosition.h"
 #include "platform/modFields.h"
 
@@ -8,6 +9,7 @@
 
 namespace {
 
+constexpr int DegreeDecimals = 7;
 constexpr int RadianDecimals = 9;
 constexpr double HalfOfLastDegreeDigit = 5e-8;
 constexpr double HalfOfLastRadianDigit = 5e-10;
@@ -23,11 +25,18 @@ double WithoutTrace(double degrees, AngleUnit unit) {
     return isZero ? 0.0 : degrees;
 }
 
+/// With so many decimals, rounded half to even, and no group separators.
+QString FixedText(double value, int decimals, QLocale locale) {
+    const double scale = std::pow(10.0, decimals);
+    locale.setNumberOptions(QLocale::OmitGroupSeparator);
+    return locale.toString(RoundHalfEven(value * scale) / scale, 'f', decimals);
+}
+
 /// The angle without its sign: the hemisphere carries it.
-QString AngleText(double degrees, const std::string& degreesText, AngleUnit unit, char hemisphere) {
-    const QString number = unit == AngleUnit::Degrees
-                               ? QString::fromStdString(degreesText)
-                               : QString::number(std::abs(Radians(degrees)), 'f', RadianDecimals);
+QString AngleText(double degrees, AngleUnit unit, char hemisphere, const QLocale& locale) {
+    const double angle = std::abs(degrees);
+    const QString number = unit == AngleUnit::Degrees ? FixedText(angle, DegreeDecimals, locale)
+                                                      : FixedText(Radians(angle), RadianDecimals, locale);
     return number + QLatin1Char(' ') + QLatin1Char(hemisphere);
 }
 
@@ -38,13 +47,9 @@ QString GridReadOut(double easting, double northing, const QLocale& locale) {
            QStringLiteral(" Northing: ") + NumberText(northing, 2, locale);
 }
 
-QString GeographicReadOut(double longitude, double latitude, AngleUnit unit) {
+QString GeographicReadOut(double longitude, double latitude, AngleUnit unit, const QLocale& locale) {
     const QuorvantPosition position(WithoutTrace(longitude, unit), WithoutTrace(latitude, unit));
-    const QuorvantPosition unsignedPosition(std::abs(longitude), std::abs(latitude));
     return QStringLiteral("Longitude: ") +
-           AngleText(longitude, unsignedPosition.LongitudeText(AngleFormat::DecimalDegrees), unit,
-                     position.LongitudeHemisphere()) +
-           QStringLiteral(" Latitude: ") +
-           AngleText(latitude, unsignedPosition.LatitudeText(AngleFormat::DecimalDegrees), unit,
-                     position.LatitudeHemisphere());
+           AngleText(longitude, unit, position.LongitudeHemisphere(), locale) +
+           QStringLiteral(" Latitude: ") + AngleText(latitude, unit, position.LatitudeHemisphere(), locale);
 }

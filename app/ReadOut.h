@@ -3,6 +3,8 @@
 #include <QLocale>
 #include <QString>
 
+// Numbers are written as the user writes them, so that what is read out can be typed into a field.
+
 /// How longitude and latitude are read out.
 enum class AngleUnit { Degrees, Radians };
 
@@ -11,4 +13,5 @@ QString GridReadOut(double easting, double northing, const QLocale& locale = QLo
 
 /// "Longitude: 12.5683333 E Latitude: 55.6761111 N": decimal degrees with seven decimals, or radians with
 /// nine, and the hemisphere.
-QString GeographicReadOut(double longitude, double latitude, AngleUnit unit);
+QString GeographicReadOut(double longitude, double latitude, AngleUnit unit,
+                          const QLocale& locale = QLocale::system());

@@ -1,9 +1,11 @@
 #include "app/ReadOut.h"
+#include "platform/modFields.h"
 #include "tests/coordinates/ReferenceProj.h"
 #include "tests/wizard/ReadOutTruth.h"
 #include "tests/wizard/WizardRun.h"
 
 #include <QImage>
+#include <QLineEdit>
 #include <QPainter>
 
 #include <cmath>
@@ -278,7 +280,21 @@ TEST(ReadOutTexts, HaveSevenDecimalsOfADegreeOrNineOfARadianAndAHemisphere) {
           Row{-1e-15, -4e-8, AngleUnit::Degrees, "Longitude: 0.0000000 E Latitude: 0.0000000 N"},
           Row{-6e-8, -1e-7, AngleUnit::Degrees, "Longitude: 0.0000001 W Latitude: 0.0000001 S"},
           Row{-2e-8, -6e-8, AngleUnit::Radians, "Longitude: 0.000000000 E Latitude: 0.000000001 S"}})
-        EXPECT_EQ(GeographicReadOut(row.longitude, row.latitude, row.unit).toStdString(), row.text);
+        EXPECT_EQ(GeographicReadOut(row.longitude, row.latitude, row.unit, QLocale::c()).toStdString(),
+                  row.text);
+}
+
+TEST(ReadOutTexts, HaveAnglesThatCanBeTypedBackByTheUser) {
+    const QLocale german(QLocale::German, QLocale::Germany);
+    EXPECT_EQ(GeographicReadOut(10.2428911, -56.5, AngleUnit::Degrees, german).toStdString(),
+              "Longitude: 10,2428911 E Latitude: 56,5000000 S");
+    EXPECT_EQ(GeographicReadOut(-90, 45, AngleUnit::Radians, german).toStdString(),
+              "Longitude: 1,570796327 W Latitude: 0,785398163 N");
+    for (const QLocale& locale : {german, QLocale::c(), QLocale(QLocale::Arabic, QLocale::Egypt)}) {
+        const QStringList words = GeographicReadOut(10.2428911, 56.5, AngleUnit::Degrees, locale).split(u' ');
+        const QLineEdit field(words.at(1));
+        EXPECT_EQ(GetNumber(field, locale), 10.2428911) << words.at(1).toStdString();
+    }
 }
 
 TEST(ReadOutTexts, HaveLengthsRoundedToEvenInTheUsersDigits) {
