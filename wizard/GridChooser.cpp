@@ -6,6 +6,7 @@
 #include "platform/modFields.h"
 #include "platform/modMessages.h"
 #include "wizard/GridDatumCombos.h"
+#include "wizard/NameList.h"
 
 #include <QComboBox>
 #include <QLabel>
@@ -29,6 +30,11 @@ std::int16_t StatePlaneZone(const Codes& codes, int row) {
 }
 
 } // namespace
+
+GridChooser::GridChooser(const Fields& fields) : fields_(fields) {
+    // A zone's text begins with its code, which hardly anybody knows.
+    fields_.ddZone.setView(new NameList(&fields_.ddZone));
+}
 
 void GridChooser::Offer(const QString& country, QComboBox* ddDatum) {
     FillGridDatumCombos(fields_.ddGrid, ddDatum, country);
@@ -66,6 +72,7 @@ std::optional<ChosenGrid> GridChooser::Choose(QWidget* form) {
     if (GridHasNumericZone(grid) && (!zone || *zone < LowestZone || *zone > HighestZone)) {
         ShowMessage(form, QStringLiteral("Invalid Zone. Should be between 1 and 60"));
         fields_.txtZone.setFocus();
+        fields_.txtZone.selectAll();
         return std::nullopt;
     }
     return ChosenGrid{identifier, *zone, MakeGrid(identifier, *zone)};

@@ -31,7 +31,7 @@ public:
     };
 
     /// The fields must outlive the chooser.
-    explicit GridChooser(const Fields& fields) : fields_(fields) {}
+    explicit GridChooser(const Fields& fields);
 
     /// Offers the country's grids (and datums) and selects its defaults: the first of each list, the national
     /// grid and WGS84.

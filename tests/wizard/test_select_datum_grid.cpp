@@ -5,6 +5,7 @@
 #include "wizard/GridDatumCombos.h"
 #include "wizard/frmSelectDatumGrid.h"
 
+#include <QAbstractItemView>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QRadioButton>
@@ -294,4 +295,36 @@ TEST(GridAndDatumCombos, AreEmptyForWhatIsNoCountry) {
     FillGridDatumCombos(grids, &datums, QStringLiteral("<Custom>"));
     EXPECT_EQ(grids.count(), 0);
     EXPECT_EQ(datums.count(), 0);
+}
+
+TEST(SelectDatumGrid, FindsAStatePlaneZoneByPartOfItsName) {
+    struct Row {
+        const char* typed;
+        const char* found;
+    };
+    // "kan" is also in Arkansas, which stands before Kansas.
+    for (const Row& row : {Row{"oreg", "3601 Oregon North"}, Row{"kan", "1501 Kansas North"},
+                           Row{"0402", "0402 California Zone 2"}, Row{"york e", "3101 New York East"},
+                           Row{"bama w", "0102 Alabama West"}, Row{"qqq", "0101 Alabama East"}}) {
+        for (const bool isOpen : {false, true}) {
+            SCOPED_TRACE(row.typed);
+            frmSelectDatumGrid form;
+            Show(form, [&row, isOpen](QWidget& shown) {
+                ChooseGrid(shown, QStringLiteral("United States"), QStringLiteral("State Plane (nad27)"));
+                auto& zones = Find<QComboBox>(shown, "ddZone");
+                zones.setFocus();
+                if (isOpen)
+                    zones.showPopup();
+                for (const char key : std::string_view(row.typed)) {
+                    // A blank opens the list.
+                    QWidget* const receiver = zones.view()->isVisible() ? zones.view() : nullptr;
+                    QTest::keyClick(receiver != nullptr ? receiver : &zones, key);
+                }
+                if (zones.view()->isVisible())
+                    QTest::keyClick(zones.view(), Qt::Key_Return);
+                EXPECT_EQ(zones.currentText().toStdString(), row.found);
+                Click(shown, "bCancel");
+            });
+        }
+    }
 }
