@@ -4,6 +4,7 @@
 #include "base/ComponentError.h"
 #include "component/viewer/KarvelViewer.h"
 #include "platform/modMessages.h"
+#include "wizard/WizardMessages.h"
 #include "wizard/clsScalingWizard.h"
 #include "wizard/clsWorldfileWizard.h"
 
@@ -56,14 +57,31 @@ void WizardCommands::StartScalingWizard() {
 }
 
 void WizardCommands::ShowPrompt() {
-    if (wizard_ != nullptr)
-        window_.SetHeader(wizard_->Prompt());
+    if (wizard_ == nullptr)
+        return;
+    window_.SetHeader(wizard_->Prompt());
+    window_.MapView().Viewer()->SetPointer(Qt::CrossCursor);
+}
+
+void WizardCommands::HidePrompt() {
+    window_.SetHeader(QString());
+    window_.MapView().Viewer()->SetPointer(Qt::ArrowCursor);
+}
+
+std::optional<QPoint> WizardCommands::OnScreen(const ImagePixel& pixel) const {
+    const KarvelViewer& viewer = *window_.MapView().Viewer();
+    try {
+        const QPointF place = window_.MapView().ViewerPosition(pixel.x, pixel.y);
+        return viewer.mapToGlobal(place / viewer.devicePixelRatioF()).toPoint();
+    } catch (const ComponentError&) {
+        return std::nullopt;
+    }
 }
 
 void WizardCommands::WizardMapClick(const ImagePixel& pixel) {
-    window_.SetHeader(QString());
+    HidePrompt();
     ShowCrosshair(pixel);
-    const bool defined = wizard_->DoDefineCoordinate(pixel.x, pixel.y);
+    const bool defined = wizard_->DoDefineCoordinate(pixel.x, pixel.y, OnScreen(pixel));
     ShowCrosshair(std::nullopt);
     if (!defined) {
         Discard();
@@ -102,8 +120,16 @@ void WizardCommands::Discard() {
         return;
     wizard_.reset();
     crosshair_.reset();
-    window_.SetHeader(QString());
+    HidePrompt();
     ShowMarks();
+}
+
+void WizardCommands::CancelWaiting() {
+    if (wizard_ == nullptr)
+        return;
+    HidePrompt();
+    ShowWizardCancelled(window_.Widget());
+    Discard();
 }
 
 void WizardCommands::ShowMarks() {

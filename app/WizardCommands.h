@@ -29,8 +29,11 @@ public:
     bool IsRunning() const { return wizard_ != nullptr; }
     /// Gives up a running wizard without a word; lHeader becomes empty.
     void Discard();
+    /// Gives up a wizard that waits for a click, as Cancel in one of its forms does; nothing without one.
+    void CancelWaiting();
 
-    /// Writes the prompt of a running wizard into lHeader again, which a command may have emptied.
+    /// Says what a running wizard waits for: writes its prompt into lHeader again, which a command may have
+    /// emptied, and makes the pointer over the map a cross.
     void ShowPrompt();
     /// Puts the reference points given so far where the map view shows their pixels now, and those of an
     /// earlier scaling, faintly, for as long as a wizard runs. Silent when there are none to be had.
@@ -43,8 +46,10 @@ public:
 
 private:
     void Finish();
+    void HidePrompt();
     std::vector<ViewerMark> Marks() const;
     ImagePixel MiddleOfView() const;
+    std::optional<QPoint> OnScreen(const ImagePixel& pixel) const;
     void ShowCrosshair(std::optional<ImagePixel> pixel);
 
     EditorState& state_;

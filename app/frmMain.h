@@ -85,6 +85,7 @@ private:
     void viewerMap_MouseMove(const QPoint& position);
     void viewerMap_Click(const QPoint& position);
     void viewerMap_Enter();
+    void Form_Escape();
     void viewerMap_Resize();
     void viewerMap_Zoom(int steps, const QPoint& position);
     void viewer_Pan(const QPoint& delta);

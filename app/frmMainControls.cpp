@@ -64,6 +64,7 @@ void frmMain::ConnectControls() {
     shortcut(Qt::CTRL | Qt::Key_0, &frmMain::ShowActualSize);
     shortcut(Qt::CTRL | Qt::Key_9, &frmMain::ShowWhole);
     shortcut(QKeySequence::Copy, &frmMain::CopyReadOut);
+    shortcut(Qt::Key_Escape, &frmMain::Form_Escape);
     for (const Qt::Key enter : {Qt::Key_Return, Qt::Key_Enter})
         connect(new QShortcut(enter, ui_->viewerMap, nullptr, nullptr, Qt::WidgetShortcut),
                 &QShortcut::activated, this, &frmMain::viewerMap_Enter);
@@ -135,6 +136,10 @@ void frmMain::viewerMap_Click(const QPoint& position) {
 
 void frmMain::viewerMap_Enter() {
     Run([this] { wizardCommands_->PlacePoint(); });
+}
+
+void frmMain::Form_Escape() {
+    Run([this] { wizardCommands_->CancelWaiting(); });
 }
 
 void frmMain::ShowReadOut(const QPoint& position) {

@@ -15,7 +15,7 @@ void frmMain::SetTitle(const QString& name) {
 }
 
 void frmMain::SetHeader(const QString& text) {
-    ui_->lHeader->setText(text);
+    ui_->lHeader->Say(text);
 }
 
 void frmMain::SetStatus(const QString& text) {

@@ -52,8 +52,10 @@ void clsScalingWizard::PrepareCoordinateForm() {
     coordinateForm_->ProjectionType = projection_;
 }
 
-bool clsScalingWizard::DoDefineCoordinate(std::int32_t pixelX, std::int32_t pixelY) {
+bool clsScalingWizard::DoDefineCoordinate(std::int32_t pixelX, std::int32_t pixelY,
+                                          const std::optional<QPoint>& onScreen) {
     HandPointToForm(pixelX, pixelY);
+    coordinateForm_->PlaceOnScreen = onScreen;
     if (projection_ == PolarProjection)
         FillInCorner();
     if (!coordinateForm_->ShowModal()) {

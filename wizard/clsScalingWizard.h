@@ -4,6 +4,7 @@
 #include "coordinates/QuorvantGrid.h"
 #include "wizard/ScaleHandover.h"
 
+#include <QPoint>
 #include <QString>
 
 #include <cstdint>
@@ -32,8 +33,10 @@ public:
     std::int16_t Projection() const { return projection_; }
     /// Asks for datum or grid and for the projection. False: cancelled.
     bool DoSelectDatumGrid();
-    /// Asks for the coordinate of the reference point at this unzoomed pixel. False: cancelled.
-    bool DoDefineCoordinate(std::int32_t pixelX, std::int32_t pixelY);
+    /// Asks for the coordinate of the reference point at this unzoomed pixel, which `onScreen`, in the
+    /// screen's coordinates, the form leaves in sight. False: cancelled.
+    bool DoDefineCoordinate(std::int32_t pixelX, std::int32_t pixelY,
+                            const std::optional<QPoint>& onScreen = std::nullopt);
     /// Hands everything to the map. A failure is shown to the user and goes no further; only that there is no
     /// map is thrown (NoSuchMap).
     void ScaleMap(AtlavexMap* map);

@@ -7,8 +7,12 @@
 #include "platform/modMessages.h"
 #include "ui_frmCoordinate.h"
 #include "wizard/CoordinateText.h"
+#include "wizard/FormPlacement.h"
 #include "wizard/Projections.h"
 
+#include <QGuiApplication>
+#include <QScreen>
+#include <QShowEvent>
 #include <QSignalBlocker>
 
 #include <array>
@@ -153,6 +157,24 @@ void frmCoordinate::EnableFields() {
 
 void frmCoordinate::showEvent(QShowEvent* event) {
     WizardForm::showEvent(event);
+    if (event->spontaneous())
+        return;
+    MoveAside();
+    FocusFirstField();
+}
+
+void frmCoordinate::MoveAside() {
+    if (!PlaceOnScreen)
+        return;
+    const QScreen* const on = QGuiApplication::screenAt(*PlaceOnScreen);
+    const QWidget& behind = parentWidget() != nullptr ? *parentWidget()->window() : *this;
+    // This form has no frame before it is on the screen: the window's will be as wide.
+    const QSize frame = behind.frameGeometry().size() - behind.geometry().size();
+    move(PlaceBeside(*PlaceOnScreen, size() + frame, behind.frameGeometry(),
+                     (on != nullptr ? on : screen())->availableGeometry()));
+}
+
+void frmCoordinate::FocusFirstField() {
     // The coordinate is what has to be typed; the pixel is right as a rule.
     const std::array<QLineEdit*, 6> fields{ui_->txtLatDecDeg, ui_->txtLatDeg,  ui_->txtLonDecDeg,
                                            ui_->txtLonDeg,    ui_->txtEasting, ui_->txtNorthing};

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace Ui {
 class frmCoordinate;
@@ -30,6 +31,9 @@ public:
     std::int16_t Zone = 0; ///< kept for the caller
     bool LockX = false;    ///< longitude or easting is given and cannot be edited
     bool LockY = false;    ///< latitude or northing likewise
+    /// Where the reference point is on the screen: the form opens beside it. Nothing: in the middle, as
+    /// others.
+    std::optional<QPoint> PlaceOnScreen;
 
     // Set before the form is shown, read once it is confirmed.
     std::int32_t PixelX = 0; ///< unzoomed pixels
@@ -45,6 +49,8 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    void MoveAside();
+    void FocusFirstField();
     void ConnectFields();
     void ConnectLists();
     void WatchParts(bool latitude);

@@ -38,6 +38,9 @@ public:
     void SetMarks(std::vector<ViewerMark> marks);
     const std::vector<ViewerMark>& Marks() const { return marks_; }
 
+    /// The pointer over the viewer while nothing is dragged; an arrow at first.
+    void SetPointer(Qt::CursorShape shape);
+
     QSize sizeHint() const override;
 
 Q_SIGNALS:
@@ -89,6 +92,7 @@ private:
     QSize reportedSize_;
     WheelTurns wheel_;
     std::optional<Drag> drag_;
+    Qt::CursorShape pointer_ = Qt::ArrowCursor;
     bool leftPressed_ = false;
     bool spaceHeld_ = false;
 };

@@ -111,11 +111,16 @@ void KarvelViewer::ForgetButtons() {
     ShowPointer();
 }
 
+void KarvelViewer::SetPointer(Qt::CursorShape shape) {
+    if (std::exchange(pointer_, shape) != shape)
+        ShowPointer();
+}
+
 void KarvelViewer::ShowPointer() {
     if (drag_)
         setCursor(Qt::ClosedHandCursor);
     else if (spaceHeld_)
         setCursor(Qt::OpenHandCursor);
     else
-        unsetCursor();
+        setCursor(pointer_);
 }

@@ -160,6 +160,7 @@ TEST_F(GivingUp, EachRefusedInputCanBeMended) {
         EXPECT_EQ(shown.focusWidget(), &::Find<QWidget>(shown, "txtZone"));
         Type(shown, "txtZone", QStringLiteral("61"));
         Click(shown, "bNext");
+        EXPECT_EQ(::Find<QLineEdit>(shown, "txtZone").selectedText().toStdString(), "61");
         Type(shown, "txtZone", QStringLiteral("60"));
         Click(shown, "bNext");
     });
@@ -355,6 +356,49 @@ TEST_F(GivingUp, ANewMapThatComesToNothingLeavesThePromptStanding) {
     ExpectFileDialog(QStringLiteral("Open new bitmap"), std::nullopt);
     Choose("mBitmapNew");
     EXPECT_EQ(TextOf("lHeader"), "");
+}
+
+TEST_F(GivingUp, ByEscapeWhileAClickIsAwaited) {
+    OpenUnscaled();
+    StartByClick("rbPolar");
+    GivePoint(1);
+    const auto pressEscape = [this] {
+        Window().activateWindow();
+        QApplication::processEvents();
+        QTest::keyClick(Window().windowHandle(), Qt::Key_Escape);
+    };
+    Expecting().ExpectBox(WizardCancelled());
+    pressEscape();
+    ExpectNothingHappened();
+    pressEscape(); // nobody waits any more: there is nothing to be left
+    ExpectNothingHappened();
+    StartByClick("rbCartesian");
+    EXPECT_EQ(TextOf("lHeader"), "Wizard step 3: Click on a known coordinate");
+}
+
+TEST_F(GivingUp, ShowsACrossOnlyWhileAClickIsAwaited) {
+    const auto pointer = [this] { return Viewer().cursor().shape(); };
+    OpenUnscaled();
+    EXPECT_EQ(pointer(), Qt::ArrowCursor);
+    StartByClick("rbCartesian");
+    EXPECT_EQ(pointer(), Qt::CrossCursor);
+    EXPECT_TRUE(Find<QLabel>("lHeader").font().bold());
+    // Dragged in between, the map shows the hand.
+    QTest::mousePress(&Viewer(), Qt::MiddleButton, {}, QPoint(40, 40));
+    EXPECT_EQ(pointer(), Qt::ClosedHandCursor);
+    QTest::mouseRelease(&Viewer(), Qt::MiddleButton, {}, QPoint(40, 40));
+    EXPECT_EQ(pointer(), Qt::CrossCursor);
+    Expecting().Expect(QStringLiteral("frmCoordinate"), [&pointer](QWidget& shown) {
+        EXPECT_EQ(pointer(), Qt::ArrowCursor);
+        Type(shown, "txtLatDecDeg", QStringLiteral("1"));
+        Click(shown, "bNext");
+    });
+    ClickPixel({20, 20});
+    EXPECT_EQ(pointer(), Qt::CrossCursor);
+    Expecting().Expect(QStringLiteral("frmCoordinate"), WaysOut[0]);
+    Expecting().ExpectBox(WizardCancelled());
+    ClickPixel({30, 30});
+    EXPECT_EQ(pointer(), Qt::ArrowCursor);
 }
 
 TEST_F(GivingUp, WhileAnotherProgramHangsTheWindowCanBeClosedAfterwards) {

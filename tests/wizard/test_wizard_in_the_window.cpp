@@ -5,9 +5,11 @@
 #include "tests/support/desktop/ModalScript.h"
 #include "tests/wizard/FormDriver.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QImage>
 #include <QLabel>
+#include <QScreen>
 
 #include <cmath>
 
@@ -227,4 +229,39 @@ TEST_F(WizardInTheWindow, KeepsTheCrosshairOnTheMapAndInSight) {
     const QPoint place = Viewer().Marks().front().position;
     EXPECT_TRUE(QRect(0, 0, Viewer().PixelWidth(), Viewer().PixelHeight()).contains(place));
     EXPECT_EQ(place.x() + Find<QScrollBar>(window, "hscrollMap").value(), SheetWidth - 1);
+}
+
+TEST_F(WizardInTheWindow, ShowsItsPromptToScreenReadersAsANotice) {
+    ExpectSteps("rbCartesian");
+    ClickMap({30, 40});
+    QAccessibleInterface* const header =
+        QAccessible::queryAccessibleInterface(window.findChild<QLabel*>(QStringLiteral("lHeader")));
+    ASSERT_NE(header, nullptr);
+    EXPECT_EQ(header->role(), QAccessible::Notification);
+    EXPECT_EQ(header->text(QAccessible::Name).toStdString(), "Wizard step 3: Click on a known coordinate");
+}
+
+TEST_F(WizardInTheWindow, OpensTheCoordinateFormBesideThePixelThatWasClicked) {
+    const QRect screen = window.screen()->availableGeometry();
+    window.setGeometry(screen);
+    QApplication::processEvents();
+    for (const QPoint& part : {QPoint(5, 5), QPoint(95, 5), QPoint(5, 95), QPoint(95, 95), QPoint(20, 50),
+                               QPoint(80, 50), QPoint(50, 10), QPoint(50, 90), QPoint(30, 30)}) {
+        SCOPED_TRACE(std::to_string(part.x()) + ", " + std::to_string(part.y()));
+        const QPoint place(Viewer().width() * part.x() / 100, Viewer().height() * part.y() / 100);
+        const QPoint clicked = Viewer().mapToGlobal(place);
+        ExpectSteps("rbCartesian");
+        ClickMap(place);
+        script.Expect(QStringLiteral("frmCoordinate"), [&](QWidget& shown) {
+            const QRect form = shown.frameGeometry();
+            EXPECT_TRUE(screen.contains(form))
+                << form.x() << "," << form.y() << " " << form.width() << "x" << form.height() << " on "
+                << screen.width() << "x" << screen.height();
+            EXPECT_FALSE(form.contains(clicked));
+            Click(shown, "bCancel");
+        });
+        script.ExpectBox(QStringLiteral(
+            "Wizard canceled! Select 'Bitmap -> Scaling Wizard...' from menu to restart the Wizard."));
+        ClickMap(place);
+    }
 }
