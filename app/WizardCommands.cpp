@@ -170,10 +170,7 @@ void WizardCommands::ShowCrosshair(std::optional<ImagePixel> pixel) {
 
 ImagePixel WizardCommands::MiddleOfView() const {
     const clsBitmapView& view = window_.MapView();
-    const ImagePixel first = view.PixelAt({0, 0});
-    const ImagePixel last =
-        Inside(view.PixelAt({view.Viewer()->PixelWidth() - 1, view.Viewer()->PixelHeight() - 1}), view);
-    return {first.x + (last.x - first.x) / 2, first.y + (last.y - first.y) / 2};
+    return view.PixelAt(view.MiddleOfImagePart()).value_or(ImagePixel());
 }
 
 bool WizardCommands::ViewerKey(const QKeyEvent& key) {

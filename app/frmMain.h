@@ -103,6 +103,7 @@ private:
     /// Runs what must stay silent when it fails: mouse moves, scrolling, layout.
     void Quietly(const std::function<void()>& handler) noexcept;
     void LoadFromCommandLine(const QString& commandLine);
+    void ClickMap(const QPoint& position);
     void ShowReadOut(const QPoint& position);
     /// The preferred one when it is there; empty: the user's cache folder.
     std::string ScratchFolder() const;

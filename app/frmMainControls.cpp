@@ -123,15 +123,24 @@ void frmMain::viewerMap_MouseMove(const QPoint& position) {
 
 void frmMain::viewerMap_Click(const QPoint& position) {
     Run([&] {
-        if (wizardCommands_->IsRunning())
-            wizardCommands_->WizardMapClick(mapView_.PixelAt(position));
-        else if (state_.currentMap == nullptr)
+        if (state_.currentMap == nullptr && !wizardCommands_->IsRunning())
             mapIconCommands_->AddMap();
-        else if (!state_.mapScaled)
-            wizardCommands_->StartScalingWizard();
         else
-            Quietly([&] { ShowReadOut(position); });
+            ClickMap(position);
     });
+}
+
+void frmMain::ClickMap(const QPoint& position) {
+    std::optional<ImagePixel> pixel;
+    Quietly([&] { pixel = mapView_.PixelAt(position); });
+    if (!pixel)
+        return; // a click beside the map
+    if (wizardCommands_->IsRunning())
+        wizardCommands_->WizardMapClick(*pixel);
+    else if (!state_.mapScaled)
+        wizardCommands_->StartScalingWizard();
+    else
+        Quietly([&] { ShowReadOut(position); });
 }
 
 void frmMain::viewerMap_Enter() {
@@ -143,9 +152,11 @@ void frmMain::Form_Escape() {
 }
 
 void frmMain::ShowReadOut(const QPoint& position) {
-    const ImagePixel pixel = mapView_.PixelAt(position);
+    const std::optional<ImagePixel> pixel = mapView_.PixelAt(position);
+    if (!pixel)
+        return;
     const WorldPosition world =
-        state_.currentMap->PixelToWorld({static_cast<double>(pixel.x), static_cast<double>(pixel.y)});
+        state_.currentMap->PixelToWorld({static_cast<double>(pixel->x), static_cast<double>(pixel->y)});
     SetStatus(state_.currentMap->HasGrid()
                   ? GridReadOut(world.x, world.y)
                   : GeographicReadOut(world.x, world.y,

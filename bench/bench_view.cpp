@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
@@ -126,8 +127,10 @@ public:
 
 private:
     void ReadOut(QPoint at) {
-        const ImagePixel pixel = view.PixelAt(at);
-        const WorldPosition world = map_->PixelToWorld({double(pixel.x), double(pixel.y)});
+        const std::optional<ImagePixel> pixel = view.PixelAt(at);
+        if (!pixel)
+            return;
+        const WorldPosition world = map_->PixelToWorld({double(pixel->x), double(pixel->y)});
         status_.setText(QString::number(world.x, 'f', 2) + ' ' + QString::number(world.y, 'f', 2));
     }
 

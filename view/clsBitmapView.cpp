@@ -18,6 +18,13 @@ std::int32_t VisibleLength(std::int32_t imageSize, double zoom, std::int32_t vie
     return zoomed < viewerSize ? CheckedRound<std::int32_t>(zoomed) : viewerSize;
 }
 
+/// The image pixel at a position in zoomed pixels; nothing where the image does not show.
+std::optional<std::int32_t> PixelUnder(std::int32_t position, std::int32_t imageSize, double zoom) {
+    if (position < 0 || position >= imageSize * zoom)
+        return std::nullopt;
+    return CheckedRound<std::int32_t>(std::min<double>(RoundHalfEven(position / zoom), imageSize - 1));
+}
+
 int NearestInteger(double value) {
     return static_cast<int>(std::clamp<double>(RoundHalfEven(value), std::numeric_limits<int>::min(),
                                                std::numeric_limits<int>::max()));
@@ -138,10 +145,20 @@ void clsBitmapView::SetBusy(bool busy) {
         AdjustSize();
 }
 
-ImagePixel clsBitmapView::PixelAt(const QPoint& viewerPosition) const {
-    const auto x = CheckedAdd<std::int32_t>(viewerPosition.x(), HorizontalOffset());
-    const auto y = CheckedAdd<std::int32_t>(viewerPosition.y(), VerticalOffset());
-    return {CheckedRound<std::int32_t>(x / zoom_), CheckedRound<std::int32_t>(y / zoom_)};
+std::optional<ImagePixel> clsBitmapView::PixelAt(const QPoint& viewerPosition) const {
+    const auto x = PixelUnder(CheckedAdd<std::int32_t>(viewerPosition.x(), HorizontalOffset()), ImageWidth(),
+                              zoom_);
+    const auto y = PixelUnder(CheckedAdd<std::int32_t>(viewerPosition.y(), VerticalOffset()), ImageHeight(),
+                              zoom_);
+    if (!x || !y)
+        return std::nullopt;
+    return ImagePixel{*x, *y};
+}
+
+QPoint clsBitmapView::MiddleOfImagePart() const {
+    const QSize viewer = ViewerSize();
+    return {VisibleLength(ImageWidth(), zoom_, viewer.width()) / 2,
+            VisibleLength(ImageHeight(), zoom_, viewer.height()) / 2};
 }
 
 QPoint clsBitmapView::ViewerPosition(double imageX, double imageY) const {

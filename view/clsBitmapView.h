@@ -95,9 +95,12 @@ public:
     bool HorizontalIsCoarse() const { return horizontal_.IsCoarse(); }
     bool VerticalIsCoarse() const { return vertical_.IsCoarse(); }
     /// The image pixel under a position in the viewer: position plus offset (checked 32-bit sum), divided by
-    /// the zoom, rounded half to even. ErrorNumber::Overflow.
-    ImagePixel PixelAt(const QPoint& viewerPosition) const;
-    /// The reverse: the viewer's pixel at the centre of an image pixel, also where that is outside the
+    /// the zoom, rounded half to even, at most the last. Nothing beside the image, which shows at the sums
+    /// from 0 up to but without size times zoom. ErrorNumber::Overflow.
+    std::optional<ImagePixel> PixelAt(const QPoint& viewerPosition) const;
+    /// The viewer's position in the middle of what it shows of the image.
+    QPoint MiddleOfImagePart() const;
+    /// The reverse of PixelAt: the viewer's pixel at the centre of an image pixel, also where that is outside the
     /// viewer.
     QPoint ViewerPosition(double imageX, double imageY) const;
 

@@ -118,6 +118,25 @@ TEST_F(ReadingOut, AClickReadsOutToo) {
     EXPECT_FALSE(State().modified);
 }
 
+TEST_F(ReadingOut, TheLastPixelIsReadOutUpToTheMapsEdge) {
+    StartWithLonLat({20, 10});
+    Find<QSlider>("sldZoom").setValue(15); // 89.6 × 44.8 on the screen
+    const std::string last = "Longitude: 2.1000000 W Latitude: 2.5500000 N";
+    EXPECT_EQ(At(85, 40), last);
+    EXPECT_EQ(At(89, 44), last) << "Rounded it would be one pixel too many each way.";
+}
+
+TEST_F(ReadingOut, BesideTheMapNothingIsReadOut) {
+    StartWithGrid({200, 100});
+    const std::string untouched = TextOf("lStatus");
+    for (const QPoint& beside : {QPoint(200, 50), QPoint(50, 100), QPoint(300, 200)}) {
+        EXPECT_EQ(At(beside.x(), beside.y()), untouched);
+        QTest::mouseClick(&Find<QWidget>("viewerMap"), Qt::LeftButton, {}, beside);
+        EXPECT_EQ(TextOf("lStatus"), untouched);
+    }
+    EXPECT_EQ(At(199, 99), "(meters) Easting: 500049.75 Northing: 6199975.25");
+}
+
 TEST_F(ReadingOut, AnUnscaledMapKeepsItsText) {
     Start();
     OpenByMenu(MakeMixedLibrary("a.Atlavex", {false}));
@@ -141,6 +160,14 @@ TEST_F(ReadingOut, OnAnUnscaledMapAClickStartsTheWizard) {
     ExpectWizardGivenUp();
     QTest::mouseClick(&Find<QWidget>("viewerMap"), Qt::LeftButton, {}, QPoint(5, 5));
     EXPECT_EQ(TextOf("lHeader"), "");
+}
+
+TEST_F(ReadingOut, BesideAnUnscaledMapAClickStartsNoWizard) {
+    Start();
+    OpenByMenu(MakeMixedLibrary("a.Atlavex", {false})); // of 50 × 40 pixels
+    for (const QPoint& beside : {QPoint(50, 5), QPoint(5, 40)})
+        QTest::mouseClick(&Find<QWidget>("viewerMap"), Qt::LeftButton, {}, beside);
+    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
 }
 
 TEST_F(ReadingOut, IsCopied) {

@@ -173,6 +173,25 @@ TEST_F(WizardInTheWindow, WaitsWhileTheUserPansScrollsAndZooms) {
     EXPECT_EQ(Viewer().Marks().size(), 1U);
 }
 
+TEST_F(WizardInTheWindow, AClickBesideTheMapIsNone) {
+    ExpectSteps("rbCartesian");
+    ClickMap({30, 40});
+    Find<QSlider>(window, "sldZoom").setValue(-20); // 162.4 × 121.8 on the screen
+    for (const QPoint& beside : {QPoint(163, 60), QPoint(80, 122), QPoint(400, 300)}) {
+        ClickMap(beside);
+        EXPECT_EQ(Header(), "Wizard step 3: Click on a known coordinate");
+        EXPECT_TRUE(Viewer().Marks().empty());
+    }
+    script.Expect(QStringLiteral("frmCoordinate"), [](QWidget& shown) {
+        EXPECT_EQ(Text(shown, "txtX"), std::to_string(SheetWidth - 1));
+        EXPECT_EQ(Text(shown, "txtY"), std::to_string(SheetHeight - 1));
+        Type(shown, "txtLatDecDeg", QStringLiteral("5"));
+        Click(shown, "bNext");
+    });
+    ClickMap({162, 121});
+    EXPECT_EQ(Header(), "Wizard step 5: Click on a known coordinate");
+}
+
 TEST_F(WizardInTheWindow, StartsAnewFromTheMenuWhileItRuns) {
     ExpectSteps("rbCartesian");
     ClickMap({30, 40});
