@@ -3,10 +3,13 @@
 #include "app/EditorState.h"
 #include "app/EditorWindow.h"
 
+QString ScalingText(bool scaled) {
+    return scaled ? QStringLiteral("Click on map to verify positions") : QStringLiteral("Not scaled");
+}
+
 void SetScaled(EditorState& state, EditorWindow& window, bool scaled) {
     state.mapScaled = scaled;
-    window.SetStatus(scaled ? QStringLiteral("Click on map to verify positions")
-                            : QStringLiteral("Not scaled"));
+    window.SetStatus(ScalingText(scaled));
 }
 
 void TakeStoredScaling(EditorState& state, EditorWindow& window) {

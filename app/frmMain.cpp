@@ -5,6 +5,7 @@
 #include "app/LibraryCommands.h"
 #include "app/MapIconCommands.h"
 #include "app/MapZoom.h"
+#include "app/PointerReadOut.h"
 #include "app/ProgressDisplay.h"
 #include "app/WizardCommands.h"
 #include "app/modResize.h"
@@ -37,6 +38,9 @@ frmMain::frmMain(bool diagnosticMode, LibraryMaker makeLibrary)
     progress_ = std::make_unique<ProgressDisplay>(*this, state_);
     lists_ = std::make_unique<EntryLists>(state_, *ui_->ddMaps, *ui_->ddIcons, mapView_, iconView_);
     zoom_ = std::make_unique<MapZoom>(*ui_->sldZoom, *ui_->lbZoomPercentage, mapView_);
+    readOut_ = std::make_unique<PointerReadOut>(*ui_->lStatus, state_, mapView_, [this] {
+        return preferences_->Radians() ? AngleUnit::Radians : AngleUnit::Degrees;
+    });
     EditorWindow& window = *this;
     libraryCommands_ = std::make_unique<LibraryCommands>(state_, window);
     mapIconCommands_ = std::make_unique<MapIconCommands>(state_, window);

@@ -14,6 +14,7 @@ class EntryLists;
 class LibraryCommands;
 class MapIconCommands;
 class MapZoom;
+class PointerReadOut;
 class ProgressDisplay;
 class WizardCommands;
 class frmPreferences;
@@ -104,7 +105,6 @@ private:
     void Quietly(const std::function<void()>& handler) noexcept;
     void LoadFromCommandLine(const QString& commandLine);
     void ClickMap(const QPoint& position);
-    void ShowReadOut(const QPoint& position);
     /// The preferred one when it is there; empty: the user's cache folder.
     std::string ScratchFolder() const;
 
@@ -151,6 +151,7 @@ private:
     std::unique_ptr<ProgressDisplay> progress_;
     std::unique_ptr<EntryLists> lists_;
     std::unique_ptr<MapZoom> zoom_;
+    std::unique_ptr<PointerReadOut> readOut_;
     std::unique_ptr<LibraryCommands> libraryCommands_;
     std::unique_ptr<MapIconCommands> mapIconCommands_;
     std::unique_ptr<WizardCommands> wizardCommands_;

@@ -5,7 +5,7 @@
 #include "app/LibraryCommands.h"
 #include "app/MapIconCommands.h"
 #include "app/MapZoom.h"
-#include "app/ReadOut.h"
+#include "app/PointerReadOut.h"
 #include "app/ScaledFlag.h"
 #include "app/ScrollKeys.h"
 #include "app/WheelGuard.h"
@@ -51,7 +51,10 @@ void frmMain::ConnectControls() {
         connect(viewer, &KarvelViewer::Turned, this, &frmMain::viewer_Pan);
     }
 
-    mapView_.OnViewChanged = [this] { wizardCommands_->ShowMarks(); };
+    mapView_.OnViewChanged = [this] {
+        wizardCommands_->ShowMarks();
+        Quietly([this] { readOut_->Renew(); });
+    };
     auto* const guard = new WheelGuard(this);
     for (QWidget* const control : std::initializer_list<QWidget*>{ui_->ddMaps, ui_->ddIcons, ui_->sldZoom})
         control->installEventFilter(guard);
@@ -118,7 +121,7 @@ void frmMain::vscrollIcon_Change() {
 
 void frmMain::viewerMap_MouseMove(const QPoint& position) {
     if (!state_.busy && state_.currentMap != nullptr && state_.mapScaled && !wizardCommands_->IsRunning())
-        Quietly([&] { ShowReadOut(position); });
+        Quietly([&] { readOut_->Show(position); });
 }
 
 void frmMain::viewerMap_Click(const QPoint& position) {
@@ -140,7 +143,7 @@ void frmMain::ClickMap(const QPoint& position) {
     else if (!state_.mapScaled)
         wizardCommands_->StartScalingWizard();
     else
-        Quietly([&] { ShowReadOut(position); });
+        Quietly([&] { readOut_->Show(position); });
 }
 
 void frmMain::viewerMap_Enter() {
@@ -149,18 +152,6 @@ void frmMain::viewerMap_Enter() {
 
 void frmMain::Form_Escape() {
     Run([this] { wizardCommands_->CancelWaiting(); });
-}
-
-void frmMain::ShowReadOut(const QPoint& position) {
-    const std::optional<ImagePixel> pixel = mapView_.PixelAt(position);
-    if (!pixel)
-        return;
-    const WorldPosition world =
-        state_.currentMap->PixelToWorld({static_cast<double>(pixel->x), static_cast<double>(pixel->y)});
-    SetStatus(state_.currentMap->HasGrid()
-                  ? GridReadOut(world.x, world.y)
-                  : GeographicReadOut(world.x, world.y,
-                                      preferences_->Radians() ? AngleUnit::Radians : AngleUnit::Degrees));
 }
 
 void frmMain::viewerMap_Resize() {

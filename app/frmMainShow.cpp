@@ -2,6 +2,7 @@
 
 #include "app/EntryLists.h"
 #include "app/MapZoom.h"
+#include "app/PointerReadOut.h"
 #include "app/WizardCommands.h"
 #include "app/frmMain.h"
 #include "base/ComponentError.h"
@@ -20,6 +21,7 @@ void frmMain::SetHeader(const QString& text) {
 
 void frmMain::SetStatus(const QString& text) {
     ui_->lStatus->setText(text);
+    readOut_->Forget();
 }
 
 void frmMain::SetSizeText(const QString& text) {

@@ -74,6 +74,12 @@ std::int32_t KarvelViewer::PixelHeight() const {
     return PixelSize().height();
 }
 
+std::optional<QPoint> KarvelViewer::PointerPosition() const {
+    if (!pointer_ || !QRectF(rect()).contains(*pointer_))
+        return std::nullopt;
+    return DevicePixelAt(*this, *pointer_);
+}
+
 void KarvelViewer::SetMarks(std::vector<ViewerMark> marks) {
     if (marks == marks_)
         return;

@@ -34,6 +34,10 @@ public:
     std::int32_t PixelWidth() const;
     std::int32_t PixelHeight() const;
 
+    /// The device pixel under the pointer, as far as the pointer's own events tell; nothing while the pointer
+    /// is elsewhere.
+    std::optional<QPoint> PointerPosition() const;
+
     /// Signs drawn over the image. They stay where they are when the image moves: their owner places them.
     void SetMarks(std::vector<ViewerMark> marks);
     const std::vector<ViewerMark>& Marks() const { return marks_; }
@@ -70,6 +74,7 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void leaveEvent(QEvent* event) override;
 
@@ -91,6 +96,7 @@ private:
     std::vector<ViewerMark> marks_;
     QSize reportedSize_;
     WheelTurns wheel_;
+    std::optional<QPointF> pointer_; ///< in the widget's own units
     std::optional<Drag> drag_;
     Qt::CursorShape pointer_ = Qt::ArrowCursor;
     bool leftPressed_ = false;

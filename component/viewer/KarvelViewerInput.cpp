@@ -18,12 +18,14 @@ void KarvelViewer::changeEvent(QEvent* event) {
 }
 
 void KarvelViewer::hideEvent(QHideEvent*) {
+    pointer_.reset();
     ForgetButtons();
     SetSpaceHeld(false);
 }
 
 void KarvelViewer::mousePressEvent(QMouseEvent* event) {
     const Qt::MouseButton button = event->button();
+    pointer_ = event->position();
     if (drag_)
         return;
     if (button == Qt::MiddleButton || (button == Qt::LeftButton && spaceHeld_)) {
@@ -42,6 +44,7 @@ void KarvelViewer::mouseDoubleClickEvent(QMouseEvent* event) {
 
 void KarvelViewer::mouseMoveEvent(QMouseEvent* event) {
     const QPoint pixel = DevicePixelAt(*this, event->position());
+    pointer_ = event->position();
     // A window that opened meanwhile may have taken the release.
     if (drag_ && (event->buttons() & drag_->button) == 0)
         ForgetButtons();
@@ -68,6 +71,7 @@ void KarvelViewer::mouseReleaseEvent(QMouseEvent* event) {
 
 void KarvelViewer::wheelEvent(QWheelEvent* event) {
     event->accept();
+    pointer_ = event->position();
     if ((event->modifiers() & Qt::ControlModifier) != 0) {
         if (const int steps = wheel_.Steps(*event); steps != 0)
             Q_EMIT ZoomTurned(steps, DevicePixelAt(*this, event->position()));
@@ -95,7 +99,13 @@ void KarvelViewer::focusOutEvent(QFocusEvent* event) {
     QWidget::focusOutEvent(event);
 }
 
+void KarvelViewer::enterEvent(QEnterEvent* event) {
+    pointer_ = event->position();
+    QWidget::enterEvent(event);
+}
+
 void KarvelViewer::leaveEvent(QEvent* event) {
+    pointer_.reset();
     Q_EMIT PointerLeft();
     QWidget::leaveEvent(event);
 }

@@ -1,9 +1,11 @@
+#include "app/ReadOut.h"
 #include "tests/app/ShellFixture.h"
 
 #include <QClipboard>
 #include <QMouseEvent>
 #include <QRadioButton>
 #include <QScrollBar>
+#include <QWheelEvent>
 
 namespace {
 
@@ -40,6 +42,12 @@ protected:
         auto& viewer = Find<KarvelViewer>("viewerMap");
         QMouseEvent event(QEvent::MouseMove, position, viewer.mapToGlobal(QPointF(position)), Qt::NoButton,
                           Qt::NoButton, Qt::NoModifier);
+        QApplication::sendEvent(&viewer, &event);
+    }
+    void TurnWheel(const QPoint& position, int angle) {
+        auto& viewer = Find<KarvelViewer>("viewerMap");
+        QWheelEvent event(position, viewer.mapToGlobal(QPointF(position)), QPoint(), QPoint(0, angle),
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
         QApplication::sendEvent(&viewer, &event);
     }
     std::string At(int x, int y) {
@@ -178,13 +186,61 @@ TEST_F(ReadingOut, IsCopied) {
               QStringLiteral("(meters) Easting: 500000.25 Northing: 6199999.5"));
 }
 
+TEST_F(ReadingOut, FollowsEveryChangeOfTheViewUnderAStillPointer) {
+    StartWithGrid({2000, 1600});
+    EXPECT_EQ(At(4, 8), "(meters) Easting: 500001 Northing: 6199998");
+    Find<QScrollBar>("hscrollMap").setValue(100);
+    EXPECT_EQ(TextOf("lStatus"), "(meters) Easting: 500026 Northing: 6199998");
+    Focus("viewerMap");
+    QTest::keyClick(&Find<QWidget>("viewerMap"), Qt::Key_Down, Qt::ControlModifier);
+    EXPECT_EQ(TextOf("lStatus"), "(meters) Easting: 500026 Northing: 6199958");
+    PressShortcut(Qt::Key_C);
+    EXPECT_EQ(QApplication::clipboard()->text(),
+              QStringLiteral("(meters) Easting: 500026 Northing: 6199958"));
+    TurnWheel({4, 8}, -120);
+    const int top = Find<QScrollBar>("vscrollMap").value();
+    ASSERT_GT(top, 160);
+    EXPECT_EQ(TextOf("lStatus"), GridReadOut(500026, 6200000 - (top + 8) / 4.0).toStdString());
+    PressShortcut(Qt::Key_9);
+    const double zoom = State().currentMap->Zoom();
+    EXPECT_EQ(TextOf("lStatus"),
+              GridReadOut(500000 + std::nearbyint(4 / zoom) / 4, 6200000 - std::nearbyint(8 / zoom) / 4)
+                  .toStdString());
+}
+
+TEST_F(ReadingOut, GivesWayToTheScalingWhereThePointerShowsNoMapAnyMore) {
+    StartWithGrid({700, 400});
+    const std::string scaled = "Click on map to verify positions";
+    At(300, 200);
+    Find<QSlider>("sldZoom").setValue(-10); // 257.5 × 147.2 on the screen
+    EXPECT_EQ(TextOf("lStatus"), scaled);
+    Find<QSlider>("sldZoom").setValue(0);
+    EXPECT_EQ(TextOf("lStatus"), scaled) << "What was not in the line does not come back by itself.";
+    At(3, 2);
+    EXPECT_NE(TextOf("lStatus"), scaled);
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(&Find<QWidget>("viewerMap"), &leave);
+    EXPECT_NE(TextOf("lStatus"), scaled) << "It stays for as long as the view does.";
+    Find<QSlider>("sldZoom").setValue(-1);
+    EXPECT_EQ(TextOf("lStatus"), scaled);
+}
+
+TEST_F(ReadingOut, GoesWithTheMapThatTheSaveQuestionTakesAway) {
+    StartWithGrid({200, 100});
+    Edit();
+    At(4, 8);
+    ExpectSaveQuestion(QMessageBox::Cancel);
+    Choose("mFileNewAtlavex");
+    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+}
+
 TEST_F(ReadingOut, BeyondTheCoordinatesIsQuiet) {
     StartWithLonLat({2000, 200}, 170, 3);
-    const std::string before = At(0, 0);
-    EXPECT_EQ(before, "Longitude: 170.0000000 E Latitude: 3.0000000 N");
+    EXPECT_EQ(At(0, 0), "Longitude: 170.0000000 E Latitude: 3.0000000 N");
     auto& viewer = Find<KarvelViewer>("viewerMap");
     for (const int scrolled : {0, 100}) {
         Find<QScrollBar>("hscrollMap").setValue(scrolled);
+        const std::string before = TextOf("lStatus");
         const auto image = viewer.Image();
         Q_EMIT viewer.MouseMoved(QPoint(std::numeric_limits<int>::max(), 0), Qt::NoButton, Qt::NoModifier);
         Q_EMIT viewer.Clicked(QPoint(std::numeric_limits<int>::max(), 0));

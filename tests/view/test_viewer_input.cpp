@@ -54,6 +54,22 @@ TEST_F(ViewerInput, NamesTheDevicePixelOfAClickByTheToolkitsOwnDriver) {
     }
 }
 
+TEST_F(ViewerInput, KnowsWhereThePointerIsUntilItLeaves) {
+    Move({7, 9});
+    EXPECT_EQ(Viewer().PointerPosition(), QPoint(7, 9));
+    Move({-3, 9}, Qt::MiddleButton);
+    EXPECT_EQ(Viewer().PointerPosition(), std::nullopt);
+    Wheel({0, 120});
+    EXPECT_EQ(Viewer().PointerPosition(), QPoint(20, 10));
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(&Viewer(), &leave);
+    EXPECT_EQ(Viewer().PointerPosition(), std::nullopt);
+    const QPointF at(30, 40);
+    QEnterEvent enter(at, at, at);
+    QApplication::sendEvent(&Viewer(), &enter);
+    EXPECT_NE(Viewer().PointerPosition(), std::nullopt);
+}
+
 TEST_F(ViewerInput, TellsButtonsAndModifiersOfAMove) {
     window_.SendMouse(QEvent::MouseMove, {5, 6}, Qt::NoButton, Qt::RightButton, Qt::ShiftModifier);
     ASSERT_EQ(moved_.count(), 1);
