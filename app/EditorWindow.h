@@ -61,6 +61,7 @@ public:
     virtual void ShowPage(int page) = 0; ///< 0: maps, 1: icons
     virtual void LayOut() = 0;           ///< both views lay themselves out
     virtual void EnableZoom(bool enabled) = 0;
+    virtual void ResetZoom() = 0; ///< 100 %, where no map is shown
 
     /// The state of the component call on the stack: hourglass, no new views, no further commands. Use
     /// ComponentCall.

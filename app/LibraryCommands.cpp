@@ -35,6 +35,7 @@ void LibraryCommands::NewLibrary() {
     state_.fileName.clear();
     state_.encryptionKey.clear(); // the key is that of the open library, and there is none
     SetScaled(state_, window_, false);
+    window_.ResetZoom();
     window_.SetTitle(QString());
     window_.RefillIcons(-1);
     window_.RefillMaps(-1);
@@ -61,6 +62,10 @@ void LibraryCommands::StartEmptyLibrary() {
     state_.objAtlavex = window_.CreateLibrary();
     // A key belongs to the library that it opened; a mistyped one must never seal the next save.
     state_.encryptionKey.clear();
+    // What an opening that fails leaves behind; one that brings maps says otherwise.
+    SetScaled(state_, window_, false);
+    window_.ResetZoom();
+    window_.EnableZoom(false);
     window_.RefillIcons(-1);
     window_.RefillMaps(-1);
 }

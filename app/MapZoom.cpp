@@ -22,8 +22,19 @@ void MapZoom::TakeFromMap() {
         slider_.setValue(position);
     }
     slider_.setEnabled(true);
+    // From the upper left, so that the map stays where it begins or was left.
     if (position > highest)
-        view_.SetZoom(highest);
+        view_.ZoomAbout(highest, {0, 0});
+    ShowPercentage(view_.Zoom());
+}
+
+void MapZoom::Reset() {
+    {
+        const QSignalBlocker silent(slider_);
+        slider_.setMaximum(TopSliderPosition);
+        slider_.setValue(0);
+    }
+    view_.SetZoom(0);
     ShowPercentage(view_.Zoom());
 }
 

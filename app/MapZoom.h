@@ -14,6 +14,8 @@ public:
     /// Shows the zoom of the map that has come into the view; the map's zoom itself stays as it is, unless
     /// parts of the map could not be reached at it.
     void TakeFromMap();
+    /// Without a map: the slider stands at 100 %, and the view with it.
+    void Reset();
     /// The slider has moved: the map is shown at its position.
     void Follow();
     /// Moves the slider by so many positions; the pixel at `about` (device pixels of the viewer) stays there.

@@ -133,6 +133,7 @@ private:
     void ShowPage(int page) override;
     void LayOut() override;
     void EnableZoom(bool enabled) override;
+    void ResetZoom() override;
     void BeginCall() override;
     void EndCall() override;
     void StartScalingWizard() override;

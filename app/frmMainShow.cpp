@@ -118,6 +118,10 @@ void frmMain::EnableZoom(bool enabled) {
     ui_->sldZoom->setEnabled(enabled);
 }
 
+void frmMain::ResetZoom() {
+    zoom_->Reset();
+}
+
 void frmMain::StartScalingWizard() {
     wizardCommands_->StartScalingWizard();
 }

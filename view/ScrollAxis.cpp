@@ -39,12 +39,23 @@ std::int32_t ScrollAxis::Offset() const {
     return bar_ ? std::min(bar_->value() * step_, overhang_) : 0;
 }
 
+double ScrollAxis::ExactOffset() const {
+    return Offset() + Owed();
+}
+
+double ScrollAxis::Owed() const {
+    return bar_ && bar_->value() == valueOfOwed_ ? owed_ : 0;
+}
+
 void ScrollAxis::MoveTo(double offset) {
     const double wanted = std::clamp<double>(offset, 0, overhang_);
     if (!bar_)
         return;
     const QSignalBlocker silent(bar_);
     bar_->setValue(CheckedRound<std::int32_t>(wanted / step_));
+    // A coarse bar's last position is less than a whole step behind the one before.
+    if (overhang_ - wanted < std::abs(wanted - Offset()))
+        bar_->setValue(bar_->maximum());
     owed_ = wanted - Offset();
     valueOfOwed_ = bar_->value();
 }
@@ -52,6 +63,5 @@ void ScrollAxis::MoveTo(double offset) {
 void ScrollAxis::MoveBy(std::int32_t pixels) {
     if (!bar_)
         return;
-    const double owed = bar_->value() == valueOfOwed_ ? owed_ : 0;
-    MoveTo(Offset() + owed + pixels);
+    MoveTo(ExactOffset() + pixels);
 }

@@ -28,6 +28,9 @@ public:
     /// Zoomed pixels from the image's edge to the viewer's. Ten times a coarse bar's value; only its last
     /// position, which may be up to nine pixels too far, shows the image's end at the viewer's.
     std::int32_t Offset() const;
+    /// The same, with the part of a unit by which the bar fell short when it was last moved here: what is
+    /// zoomed and zoomed back must not creep away.
+    double ExactOffset() const;
     bool IsCoarse() const { return step_ != 1; }
 
     /// Sets the bar to the nearest value, with silent signals.
@@ -36,6 +39,8 @@ public:
     void MoveBy(std::int32_t pixels);
 
 private:
+    double Owed() const;
+
     QPointer<QScrollBar> bar_;
     std::int32_t step_ = 1;
     std::int32_t overhang_ = 0;

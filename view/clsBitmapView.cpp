@@ -67,7 +67,9 @@ std::int32_t clsBitmapView::MapHeight() const {
 
 void clsBitmapView::SetMap(std::shared_ptr<AtlavexMap> map) {
     const double zoom = map ? map->Zoom() : zoom_;
+    KeepPlace();
     map_ = std::move(map);
+    arrival_ = places_.Of(map_);
     zoom_ = zoom;
     // The map renders what the bars select; the viewer shows its answer from the first pixel on.
     if (viewer_ != nullptr) {
@@ -83,6 +85,20 @@ void clsBitmapView::SetObjBitmap(std::shared_ptr<const AtlavexImage> image) {
         viewer_->ShowImage(objBitmap_);
 }
 
+void clsBitmapView::KeepPlace() {
+    if (map_)
+        places_.Keep(map_, arrival_.value_or(QPointF(HorizontalOffset(), VerticalOffset()) / zoom_));
+}
+
+QPointF clsBitmapView::PlaceAt(const QPointF& viewerPosition) const {
+    return (viewerPosition + QPointF(horizontal_.ExactOffset(), vertical_.ExactOffset())) / zoom_;
+}
+
+void clsBitmapView::BringTo(const QPointF& place, const QPointF& viewerPosition) {
+    horizontal_.MoveTo(place.x() * zoom_ - viewerPosition.x());
+    vertical_.MoveTo(place.y() * zoom_ - viewerPosition.y());
+}
+
 void clsBitmapView::TakeZoom(std::int32_t sliderPosition) {
     const double zoom = ZoomAtSliderPosition(sliderPosition);
     if (map_)
@@ -93,19 +109,24 @@ void clsBitmapView::TakeZoom(std::int32_t sliderPosition) {
 void clsBitmapView::SetZoom(std::int32_t sliderPosition) {
     if (busy_)
         return;
+    const auto middle = [this] {
+        const QSizeF part = ImagePartSize();
+        return QPointF(part.width(), part.height()) / 2;
+    };
+    const QPointF place = PlaceAt(middle());
     TakeZoom(sliderPosition);
-    AdjustSize();
+    LayOutAxes();
+    BringTo(place, middle());
+    ShowVisiblePart();
 }
 
 void clsBitmapView::ZoomAbout(std::int32_t sliderPosition, const QPoint& viewerPosition) {
     if (busy_)
         return;
-    const QPointF offset(HorizontalOffset(), VerticalOffset());
-    const QPointF place = (viewerPosition + offset) / zoom_;
+    const QPointF place = PlaceAt(viewerPosition);
     TakeZoom(sliderPosition);
     LayOutAxes();
-    horizontal_.MoveTo(place.x() * zoom_ - viewerPosition.x());
-    vertical_.MoveTo(place.y() * zoom_ - viewerPosition.y());
+    BringTo(place, viewerPosition);
     ShowVisiblePart();
 }
 
@@ -134,7 +155,9 @@ std::int32_t clsBitmapView::FitPosition() const {
 }
 
 void clsBitmapView::Clear() {
+    KeepPlace();
     map_.reset();
+    arrival_.reset();
     SetObjBitmap(nullptr);
     LayOutAxes();
     ShowVisiblePart();
@@ -146,19 +169,18 @@ void clsBitmapView::SetBusy(bool busy) {
 }
 
 std::optional<ImagePixel> clsBitmapView::PixelAt(const QPoint& viewerPosition) const {
-    const auto x = PixelUnder(CheckedAdd<std::int32_t>(viewerPosition.x(), HorizontalOffset()), ImageWidth(),
-                              zoom_);
-    const auto y = PixelUnder(CheckedAdd<std::int32_t>(viewerPosition.y(), VerticalOffset()), ImageHeight(),
-                              zoom_);
+    const auto x =
+        PixelUnder(CheckedAdd<std::int32_t>(viewerPosition.x(), HorizontalOffset()), ImageWidth(), zoom_);
+    const auto y =
+        PixelUnder(CheckedAdd<std::int32_t>(viewerPosition.y(), VerticalOffset()), ImageHeight(), zoom_);
     if (!x || !y)
         return std::nullopt;
     return ImagePixel{*x, *y};
 }
 
 QPoint clsBitmapView::MiddleOfImagePart() const {
-    const QSize viewer = ViewerSize();
-    return {VisibleLength(ImageWidth(), zoom_, viewer.width()) / 2,
-            VisibleLength(ImageHeight(), zoom_, viewer.height()) / 2};
+    const QSize part = ImagePartSize();
+    return {part.width() / 2, part.height() / 2};
 }
 
 QPoint clsBitmapView::ViewerPosition(double imageX, double imageY) const {
@@ -181,6 +203,13 @@ QSize clsBitmapView::ViewerSize() const {
     return viewer_ != nullptr ? QSize(viewer_->PixelWidth(), viewer_->PixelHeight()) : QSize(0, 0);
 }
 
+/// What the viewer shows of the image at its zoom.
+QSize clsBitmapView::ImagePartSize() const {
+    const QSize viewer = ViewerSize();
+    return {VisibleLength(ImageWidth(), zoom_, viewer.width()),
+            VisibleLength(ImageHeight(), zoom_, viewer.height())};
+}
+
 void clsBitmapView::LayOutAxes() {
     const QSize viewer = ViewerSize();
     horizontal_.LayOut(ImageWidth(), zoom_, viewer.width());
@@ -191,6 +220,8 @@ void clsBitmapView::AdjustSize() {
     if (busy_)
         return;
     LayOutAxes();
+    if (const auto place = std::exchange(arrival_, std::nullopt))
+        BringTo(*place, {0, 0});
     ShowVisiblePart();
 }
 
@@ -210,8 +241,7 @@ void clsBitmapView::ScrollBy(const QPoint& devicePixels) {
 
 void clsBitmapView::CenterOn(double imageX, double imageY) {
     const QSize viewer = ViewerSize();
-    horizontal_.MoveTo(imageX * zoom_ - viewer.width() / 2.0);
-    vertical_.MoveTo(imageY * zoom_ - viewer.height() / 2.0);
+    BringTo({imageX, imageY}, QPointF(viewer.width(), viewer.height()) / 2);
     ShowVisiblePart();
 }
 
@@ -229,11 +259,9 @@ void clsBitmapView::ShowVisiblePart() {
 }
 
 void clsBitmapView::ShowMapPart() {
-    const QSize viewer = ViewerSize();
-    if (viewer.isEmpty())
+    if (ViewerSize().isEmpty())
         return;
-    const QSize visible(VisibleLength(ImageWidth(), zoom_, viewer.width()),
-                        VisibleLength(ImageHeight(), zoom_, viewer.height()));
+    const QSize visible = ImagePartSize();
     std::shared_ptr<const AtlavexImage> image;
     try {
         if (Render(visible, image))

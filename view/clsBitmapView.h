@@ -2,6 +2,7 @@
 
 #include "component/AtlavexMap.h"
 #include "view/ScrollAxis.h"
+#include "view/VisitedPlaces.h"
 
 #include <QMetaObject>
 #include <QPoint>
@@ -50,14 +51,16 @@ public:
     void SetMapHeight(std::int32_t pixels) { mapHeight_ = pixels; }
 
     const std::shared_ptr<AtlavexMap>& Map() const { return map_; }
-    /// Stores the map, makes it the shown image and takes its zoom. AdjustSize brings its pixels.
+    /// Stores the map, makes it the shown image and takes its zoom. AdjustSize brings its pixels, where it
+    /// was looked at when this view last showed it, else from its upper left.
     void SetMap(std::shared_ptr<AtlavexMap> map);
     const std::shared_ptr<const AtlavexImage>& objBitmap() const { return objBitmap_; }
     void SetObjBitmap(std::shared_ptr<const AtlavexImage> image);
 
     double Zoom() const { return zoom_; }
-    /// zoom = e^(slider position / 10), written to the map's zoom; lays out anew. The scroll bars keep their
-    /// values as far as they can. Errors: those of ZoomAtSliderPosition and of the map.
+    /// zoom = e^(slider position / 10), written to the map's zoom; lays out anew. What is in the middle of
+    /// the part shown stays there, as far as the image's edges allow. Errors: those of ZoomAtSliderPosition
+    /// and of the map.
     void SetZoom(std::int32_t sliderPosition);
     /// The same, where what is under the viewer's pixel stays there as far as the image's edges and coarse
     /// scroll bars allow.
@@ -100,8 +103,8 @@ public:
     std::optional<ImagePixel> PixelAt(const QPoint& viewerPosition) const;
     /// The viewer's position in the middle of what it shows of the image.
     QPoint MiddleOfImagePart() const;
-    /// The reverse of PixelAt: the viewer's pixel at the centre of an image pixel, also where that is outside the
-    /// viewer.
+    /// The reverse of PixelAt: the viewer's pixel at the centre of an image pixel, also where that is outside
+    /// the viewer.
     QPoint ViewerPosition(double imageX, double imageY) const;
 
     /// Called when another part may be shown, or at another zoom: marks have to be placed anew.
@@ -111,7 +114,11 @@ private:
     std::int32_t ImageWidth() const;
     std::int32_t ImageHeight() const;
     QSize ViewerSize() const;
+    QSize ImagePartSize() const;
     void TakeZoom(std::int32_t sliderPosition);
+    void KeepPlace();
+    QPointF PlaceAt(const QPointF& viewerPosition) const;
+    void BringTo(const QPointF& place, const QPointF& viewerPosition);
     void LayOutAxes();
     void ShowVisiblePart();
     void ShowMapPart();
@@ -126,6 +133,8 @@ private:
     std::int32_t mapWidth_ = 0;
     std::int32_t mapHeight_ = 0;
     double zoom_ = 1.0;
+    VisitedPlaces places_;
+    std::optional<QPointF> arrival_; ///< the place at which a map that is not yet laid out begins
     bool busy_ = false;
     QTimer draft_; ///< runs while a draft is shown
 };

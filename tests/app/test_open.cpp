@@ -1,5 +1,7 @@
 #include "tests/app/ShellFixture.h"
 
+#include <QSlider>
+
 namespace {
 
 using testing::ElementsAre;
@@ -35,6 +37,8 @@ protected:
         EXPECT_TRUE(EntriesOf("ddMaps").empty());
         EXPECT_TRUE(EntriesOf("ddIcons").empty());
         EXPECT_EQ(State().rememberedMap, -1);
+        EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+        EXPECT_FALSE(Find<QSlider>("sldZoom").isEnabled());
         EXPECT_EQ(QApplication::overrideCursor(), nullptr);
         ExpectNothingShown();
     }

@@ -142,6 +142,59 @@ TEST_F(Zooming, CtrlZeroIsActualSizeAndCtrlNineTheWholeMap) {
     ExpectAt(0, "100%");
 }
 
+TEST_F(Zooming, SliderAndShortcutKeepTheMiddleOfTheView) {
+    StartWithMap({6000, 5000});
+    const auto& viewer = Find<KarvelViewer>("viewerMap");
+    auto& horizontal = Find<QScrollBar>("hscrollMap");
+    auto& vertical = Find<QScrollBar>("vscrollMap");
+    horizontal.setValue(2500);
+    vertical.setValue(2200);
+    const double x = 2500 + viewer.PixelWidth() / 2.0, y = 2200 + viewer.PixelHeight() / 2.0;
+    const auto expectMiddle = [&] {
+        EXPECT_NEAR(horizontal.value() + viewer.PixelWidth() / 2.0, x * Zoom(), 1);
+        EXPECT_NEAR(vertical.value() + viewer.PixelHeight() / 2.0, y * Zoom(), 1);
+    };
+    for (const int position : {1, 8, -7, 5}) {
+        Slider().setValue(position);
+        expectMiddle();
+    }
+    PressShortcut(Qt::Key_0);
+    expectMiddle();
+    PressShortcut(Qt::Key_9);
+    ASSERT_LT(Slider().value(), 0);
+    EXPECT_EQ(horizontal.maximum() + vertical.maximum(), 0);
+}
+
+TEST_F(Zooming, AChosenMapStartsWhereItWasLastLookedAtInThisLibrary) {
+    const std::string file = MakeLibrary("a.Atlavex", {{3000, 2000}, {2500, 2400}});
+    Start();
+    OpenByMenu(file);
+    const auto place = [this] {
+        return QPoint(Find<QScrollBar>("hscrollMap").value(), Find<QScrollBar>("vscrollMap").value());
+    };
+    Find<QScrollBar>("hscrollMap").setValue(321);
+    Find<QScrollBar>("vscrollMap").setValue(123);
+    Pick("ddMaps", 1);
+    EXPECT_EQ(place(), QPoint(0, 0));
+    Find<QScrollBar>("vscrollMap").setValue(222);
+    Pick("ddMaps", 0);
+    EXPECT_EQ(place(), QPoint(321, 123));
+    Pick("ddMaps", 1);
+    EXPECT_EQ(place(), QPoint(0, 222));
+    OpenByMenu(file);
+    EXPECT_EQ(place(), QPoint(0, 0));
+    Pick("ddMaps", 1);
+    EXPECT_EQ(place(), QPoint(0, 0)) << "Another opening begins afresh.";
+}
+
+TEST_F(Zooming, NewPutsTheSliderAtAHundredPercent) {
+    StartWithMap({40, 30});
+    MoveTo(7);
+    Choose("mFileNewAtlavex");
+    EXPECT_EQ(Slider().value(), 0);
+    EXPECT_EQ(TextOf("lbZoomPercentage"), "100%");
+}
+
 TEST_F(Zooming, WithoutAMapTheShortcutsDoNothing) {
     Start();
     PressShortcut(Qt::Key_9);

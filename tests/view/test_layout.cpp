@@ -169,13 +169,13 @@ TEST_F(ViewLayout, OfACoarseBarShowsThePartAtTenTimesItsValue) {
 }
 
 TEST_F(ViewLayout, KeepsItsPartWhenABarBecomesCoarseOrFine) {
-    const auto map = Show(20000, 20000);
+    const auto map = Show(32767 + Width(), 800);
     Horizontal().setValue(8000);
-    View().SetZoom(7);
+    window_.ResizeViewer({100, 121});
     ASSERT_TRUE(View().HorizontalIsCoarse());
     EXPECT_EQ(Horizontal().value(), 800);
     EXPECT_EQ(map->calls.back().left, 8000);
-    View().SetZoom(0);
+    window_.ResizeViewer({161, 121});
     ASSERT_FALSE(View().HorizontalIsCoarse());
     EXPECT_EQ(Horizontal().value(), 8000);
 }

@@ -59,6 +59,58 @@ TEST_F(ViewLayout, ZoomsAboutThePointerOnlyAsFarAsTheEdgesAllow) {
     EXPECT_EQ(Horizontal().maximum(), 0);
 }
 
+TEST_F(ViewLayout, TheZoomKeepsTheMiddleWhereItIs) {
+    for (const std::int32_t size : {4000, 20000}) {
+        Show(size, size);
+        Horizontal().setValue(1000);
+        Vertical().setValue(800);
+        const double x = 1000 + Width() / 2.0, y = 800 + Height() / 2.0;
+        for (const std::int32_t position : {3, -10, 20, 7, -9, 1, 19, 0}) {
+            View().SetZoom(position);
+            const double zoom = View().Zoom();
+            const double unit = View().HorizontalIsCoarse() ? 10 : 1;
+            EXPECT_NEAR(View().HorizontalOffset() + Width() / 2.0, x * zoom, unit / 2 + 1e-6) << position;
+            EXPECT_NEAR(View().VerticalOffset() + Height() / 2.0, y * zoom, unit / 2 + 1e-6) << position;
+        }
+        EXPECT_EQ(View().HorizontalOffset(), 1000) << "Nothing creeps away.";
+        EXPECT_EQ(View().VerticalOffset(), 800);
+    }
+}
+
+TEST_F(ViewLayout, TheZoomOfASmallImageKeepsItsOwnMiddle) {
+    Show(Width() / 2, Height() / 2);
+    View().SetZoom(15);
+    EXPECT_NEAR(Horizontal().value(), Horizontal().maximum() / 2.0, 1);
+    EXPECT_NEAR(Vertical().value(), Vertical().maximum() / 2.0, 1);
+    EXPECT_GT(Horizontal().maximum(), 0);
+}
+
+TEST_F(ViewLayout, AMapStartsWhereItWasLastLookedAt) {
+    const auto select = [this](const std::shared_ptr<RecordingMap>& map) {
+        View().SetMap(map);
+        View().SetMapWidth(map->Width());
+        View().SetMapHeight(map->Height());
+        View().AdjustSize();
+    };
+    const auto first = Show(40003, 800);
+    Horizontal().setValue(Horizontal().maximum());
+    Vertical().setValue(77);
+    const std::int32_t end = View().HorizontalOffset();
+    const auto second = Show(1000, 900, 2.0);
+    EXPECT_EQ(second->calls.back(), (Call{0, 0, Width(), Height(), 2.0})) << "at its upper left";
+    Horizontal().setValue(31);
+    select(first);
+    EXPECT_EQ(View().HorizontalOffset(), end);
+    EXPECT_EQ(View().VerticalOffset(), 77);
+    View().Clear();
+    select(second);
+    EXPECT_EQ(second->calls.back().left, 31);
+    select(second);
+    EXPECT_EQ(View().HorizontalOffset(), 31);
+    select(first);
+    EXPECT_EQ(View().HorizontalOffset(), end) << "also after the view was empty";
+}
+
 TEST_F(ViewLayout, ScrollsByPixelsAndRendersOnce) {
     const auto map = Show(1000, 800);
     map->calls.clear();
