@@ -14,6 +14,7 @@ class EntryLists;
 class LibraryCommands;
 class MapIconCommands;
 class MapZoom;
+class MouseChoice;
 class PointerReadOut;
 class ProgressDisplay;
 class WizardCommands;
@@ -149,6 +150,8 @@ private:
     QFileDialog* fileDialog_ = nullptr;     ///< owned by this window
     frmPreferences* preferences_ = nullptr; ///< owned by this window
     std::unique_ptr<ArrowKeys> arrowKeys_;
+    MouseChoice* mapChoice_ = nullptr;  ///< owned by its list
+    MouseChoice* iconChoice_ = nullptr; ///< likewise
     std::unique_ptr<ProgressDisplay> progress_;
     std::unique_ptr<EntryLists> lists_;
     std::unique_ptr<MapZoom> zoom_;

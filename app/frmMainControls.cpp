@@ -5,6 +5,7 @@
 #include "app/LibraryCommands.h"
 #include "app/MapIconCommands.h"
 #include "app/MapZoom.h"
+#include "app/MouseChoice.h"
 #include "app/PointerReadOut.h"
 #include "app/ScaledFlag.h"
 #include "app/ScrollKeys.h"
@@ -55,12 +56,16 @@ void frmMain::ConnectControls() {
         wizardCommands_->ShowMarks();
         Quietly([this] { readOut_->Renew(); });
     };
+    mapChoice_ = new MouseChoice(*ui_->ddMaps);
+    iconChoice_ = new MouseChoice(*ui_->ddIcons);
     auto* const guard = new WheelGuard(this);
     for (QWidget* const control : std::initializer_list<QWidget*>{ui_->ddMaps, ui_->ddIcons, ui_->sldZoom})
         control->installEventFilter(guard);
-    arrowKeys_ = std::make_unique<ArrowKeys>(
-        *this, std::vector<QWidget*>{ui_->viewerMap, ui_->hscrollMap, ui_->vscrollMap},
-        [this](const QKeyEvent& key) { Form_KeyDown(key); });
+    arrowKeys_ = std::make_unique<ArrowKeys>(*this,
+                                             std::vector<QWidget*>{ui_->viewerMap, ui_->hscrollMap,
+                                                                   ui_->vscrollMap, ui_->viewerIcon,
+                                                                   ui_->hscrollIcon, ui_->vscrollIcon},
+                                             [this](const QKeyEvent& key) { Form_KeyDown(key); });
     const auto shortcut = [this](const QKeySequence& keys, void (frmMain::*handler)()) {
         connect(new QShortcut(keys, this), &QShortcut::activated, this, handler);
     };
@@ -87,11 +92,17 @@ void frmMain::ddMaps_Click(int entry) {
         TakeStoredScaling(state_, *this);
         if (state_.currentMap != before)
             wizardCommands_->Discard();
+        if (mapChoice_->IsByMouse())
+            ui_->viewerMap->setFocus();
     });
 }
 
 void frmMain::ddIcons_Click(int entry) {
-    Run([this, entry] { SelectIcon(entry); });
+    Run([this, entry] {
+        SelectIcon(entry);
+        if (iconChoice_->IsByMouse())
+            ui_->viewerIcon->setFocus();
+    });
 }
 
 void frmMain::tabAtlavex_Click() {
@@ -176,7 +187,10 @@ void frmMain::ShowWhole() {
 
 void frmMain::Form_KeyDown(const QKeyEvent& key) {
     Quietly([&] {
-        if (!wizardCommands_->ViewerKey(key))
+        if (ui_->tabAtlavex->currentIndex() != 0)
+            ScrollByKey(key, {iconView_.MapWidth(), iconView_.MapHeight()}, *ui_->hscrollIcon,
+                        *ui_->vscrollIcon);
+        else if (!wizardCommands_->ViewerKey(key))
             ScrollByKey(key, {mapView_.MapWidth(), mapView_.MapHeight()}, *ui_->hscrollMap, *ui_->vscrollMap);
     });
 }

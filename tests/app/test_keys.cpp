@@ -122,6 +122,40 @@ TEST_F(Keys, OnAListReachTheList) {
     EXPECT_EQ(EntryOf("ddMaps"), 1);
 }
 
+TEST_F(Keys, OnTheIconsPageMoveTheIcon) {
+    const std::string file = MakeLibrary("a.Atlavex", {{3000, 3000}});
+    {
+        const auto library = Open(file);
+        AddIcon(*library, MakeSheet(PixelFormat::Rgb, 1500, 1300), "large");
+        library->SaveToFile(file, {});
+    }
+    Start();
+    OpenByMenu(file);
+    ClickTab(1);
+    const auto& viewer = Find<KarvelViewer>("viewerIcon");
+    const auto place = [&] { return QPoint(viewer.HorizontalPosition(), viewer.VerticalPosition()); };
+    Focus("viewerIcon");
+    Press(Qt::Key_Right);
+    Press(Qt::Key_Down);
+    EXPECT_EQ(place(), QPoint(1, 1));
+    Press(Qt::Key_Right, Qt::ControlModifier);
+    Press(Qt::Key_Down, Qt::ControlModifier);
+    EXPECT_EQ(place(), QPoint(151, 131));
+    for (const char* const bar : {"hscrollIcon", "vscrollIcon"}) {
+        Find<QScrollBar>(bar).setFocusPolicy(Qt::StrongFocus);
+        Focus(bar);
+        Press(Qt::Key_Left);
+        Press(Qt::Key_Up);
+    }
+    EXPECT_EQ(place(), QPoint(149, 129));
+    EXPECT_EQ(Position(), QPoint(0, 0)) << "The map stays where it is.";
+    ClickTab(0);
+    Focus("viewerMap");
+    Press(Qt::Key_Right);
+    EXPECT_EQ(Position(), QPoint(1, 0));
+    EXPECT_EQ(place(), QPoint(149, 129));
+}
+
 TEST_F(Keys, OnTheMenuBarMoveNoMap) {
     StartWithMap({300, 300});
     Window().menuBar()->setFocus();

@@ -1,5 +1,6 @@
 #include "tests/app/ShellFixture.h"
 
+#include <QAbstractItemView>
 #include <QScrollBar>
 #include <QWheelEvent>
 
@@ -33,6 +34,14 @@ protected:
                         testing::AllOf(testing::HasSubstr(file), testing::HasSubstr("damaged")));
             QTest::keyClick(&window, Qt::Key_Return);
         });
+    }
+    /// Clicks the entry in the open list.
+    void PickWithTheMouse(const char* list, int entry) {
+        auto& combo = Find<QComboBox>(list);
+        combo.showPopup();
+        QAbstractItemView* const view = combo.view();
+        const QPoint place = view->visualRect(view->model()->index(entry, 0)).center();
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, place);
     }
     static void Turn(QWidget& control) {
         const QPointF middle = control.rect().center();
@@ -69,6 +78,24 @@ TEST_F(Selecting, TheSameEntryTwiceIsFetchedTwice) {
     Pick("ddIcons", 0);
     EXPECT_THAT(TakeCalls(), ElementsAre("IconIdAt 1", "GetIcon", "IconIdAt 1", "GetIcon"));
     EXPECT_EQ(State().currentIcon, icon);
+}
+
+TEST_F(Selecting, WithTheMouseGivesTheViewerTheFocus) {
+    StartWith(MakeLibrary("a.Atlavex", {{20, 20}, {30, 45}}, 2));
+    Focus("ddMaps");
+    PickWithTheMouse("ddMaps", 1);
+    EXPECT_EQ(State().currentMap->Name(), "map2");
+    EXPECT_TRUE(Find<QWidget>("viewerMap").hasFocus());
+    Pick("ddMaps", 0);
+    EXPECT_EQ(State().currentMap->Name(), "map1");
+    EXPECT_TRUE(Find<QWidget>("ddMaps").hasFocus());
+    QTest::keyClick(&Find<QComboBox>("ddMaps"), Qt::Key_Down);
+    EXPECT_EQ(State().currentMap->Name(), "map2");
+    EXPECT_TRUE(Find<QWidget>("ddMaps").hasFocus());
+    ClickTab(1);
+    PickWithTheMouse("ddIcons", 1);
+    EXPECT_EQ(State().currentIcon->Name(), "icon2");
+    EXPECT_TRUE(Find<QWidget>("viewerIcon").hasFocus());
 }
 
 TEST_F(Selecting, AnUnscaledMapCannotBeLeft) {
