@@ -25,6 +25,10 @@ std::optional<std::int32_t> PixelUnder(std::int32_t position, std::int32_t image
     return CheckedRound<std::int32_t>(std::min<double>(RoundHalfEven(position / zoom), imageSize - 1));
 }
 
+/// Milliseconds until a draft is asked for again whose map failed: nothing says that it will do better at
+/// once, and a window that asks without end has no time for anything else.
+constexpr int PauseAfterFailure = 1000;
+
 int NearestInteger(double value) {
     return static_cast<int>(std::clamp<double>(RoundHalfEven(value), std::numeric_limits<int>::min(),
                                                std::numeric_limits<int>::max()));
@@ -263,14 +267,16 @@ void clsBitmapView::ShowMapPart() {
         return;
     const QSize visible = ImagePartSize();
     std::shared_ptr<const AtlavexImage> image;
+    int pause = 0;
     try {
         if (Render(visible, image))
             SetObjBitmap(std::move(image));
     } catch (const ComponentError&) {
         // The map is gone or there is no memory: what the viewer has is better than nothing.
+        pause = PauseAfterFailure;
     }
     if (map_->ViewIsDraft())
-        draft_.start();
+        draft_.start(pause);
 }
 
 bool clsBitmapView::Render(const QSize& visible, std::shared_ptr<const AtlavexImage>& image) {

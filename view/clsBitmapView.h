@@ -29,7 +29,7 @@ struct ImagePixel {
 /// map cannot be rendered (ComponentError), that is caught here and the viewer keeps the image it has. What a
 /// command calls (SetZoom, ZoomAbout) and PixelAt throw, before they have changed anything.
 /// Where the map answers with a draft, the same part is asked for again whenever there is nothing else to do,
-/// until it is final.
+/// until it is final; after a failure there is a pause.
 class clsBitmapView {
 public:
     clsBitmapView();

@@ -26,6 +26,21 @@ TEST_F(ViewLayout, AsksAgainAfterADraftUntilTheViewIsFinal) {
     EXPECT_EQ(map->calls.back(), map->calls.front());
 }
 
+TEST_F(ViewLayout, ADraftThatCannotBeReadIsNotAskedForWithoutPause) {
+    const auto map = Show(2000, 2000);
+    ServeQuietMoments();
+    map->drafts = 2;
+    View().ScrollBy({100, 50});
+    ASSERT_TRUE(map->ViewIsDraft());
+    map->fails = true;
+    map->calls.clear();
+    ServeQuietMoments();
+    EXPECT_EQ(map->calls.size(), 1U);
+    map->fails = false;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !map->ViewIsDraft(); }, 30'000)) << "It is not given up.";
+    EXPECT_EQ(window_.viewer.Image(), View().objBitmap());
+}
+
 TEST_F(ViewLayout, WhileBusyLeavesADraftAndFinishesItAfterwards) {
     const auto map = Show(2000, 2000);
     ServeQuietMoments();
