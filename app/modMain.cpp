@@ -1,12 +1,14 @@
 #include "app/modMain.h"
 
 #include "app/frmMain.h"
+#include "app/modResize.h"
 #include "catalogue/modConst.h"
 #include "catalogue/modCountryData.h"
 #include "catalogue/modGadgets.h"
 
 #include <QApplication>
 #include <QFileInfo>
+#include <QScreen>
 
 #include <iostream>
 #include <string_view>
@@ -53,6 +55,9 @@ bool AnswerOption(const char* argument) {
 int RunStudio(QApplication& application) {
     FillCatalogue();
     frmMain window(DiagnosticMode);
+    const QRect place = StartingPlace(window.screen()->availableGeometry());
+    window.resize(place.size());
+    window.move(place.topLeft());
     // A path with blanks that nobody quoted arrives in pieces.
     window.Form_Load(QApplication::arguments().mid(1).join(QLatin1Char(' ')));
     window.show();

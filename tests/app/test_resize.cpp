@@ -1,3 +1,4 @@
+#include "app/modResize.h"
 #include "tests/app/ShellFixture.h"
 
 #include <QScrollBar>
@@ -47,6 +48,18 @@ TEST_F(Sizes, AreHeldWithinTheLimits) {
     EXPECT_EQ(Window().size(), QSize(640, 400));
     Resize({20'000, 700});
     EXPECT_EQ(Window().size(), QSize(10'000, 700));
+}
+
+TEST_F(Sizes, TheStartingPlaceFitsTheScreensFreeArea) {
+    constexpr int TitleBar = 40;
+    // With a scale of 1.25 a screen of 1366 × 768 counts as 1092 × 614; panels take a part away.
+    for (const QRect& area : {QRect(0, 0, 1280, 720), QRect(0, 0, 1092, 614), QRect(0, 0, 3840, 2160),
+                              QRect(60, 30, 1220, 690), QRect(1920, -200, 1080, 1920)}) {
+        const QRect place = StartingPlace(area);
+        EXPECT_TRUE(area.contains(place.adjusted(-4, -4, 4, TitleBar))) << area.width();
+        EXPECT_GE(place.width() * place.height(), area.width() * area.height() * 3 / 4);
+    }
+    EXPECT_EQ(StartingPlace({0, 0, 600, 300}), QRect(0, 0, 640, 400)) << "never below the smallest size";
 }
 
 TEST_F(Sizes, AreNotHeldInDiagnosticMode) {
