@@ -1,6 +1,7 @@
 #include "platform/clsFileDialog.h"
 
 #include "base/CheckedNumbers.h"
+#include "platform/FileDialogColumns.h"
 #include "platform/FilterText.h"
 #include "platform/PlainFileIcons.h"
 #include "platform/modMessages.h"
@@ -26,6 +27,7 @@ qsizetype StartOfName(const QString& path) {
 void SetMode(QFileDialog& dialog, bool opens) {
     dialog.setOptions(QFileDialog::DontUseNativeDialog | QFileDialog::HideNameFilterDetails);
     ShowPlainFileIcons(dialog);
+    FitColumns(dialog);
     dialog.setFilter(QDir::AllEntries | QDir::AllDirs | QDir::NoDotAndDotDot);
     dialog.setAcceptMode(opens ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);
     dialog.setFileMode(opens ? QFileDialog::ExistingFile : QFileDialog::AnyFile);

@@ -80,6 +80,29 @@ TEST_F(Sizes, TheSmallestHeldSizeShowsEverything) {
     ExpectInside({"lHeader", "ddIcons", "viewerIcon", "vscrollIcon", "hscrollIcon", "lStatus", "lbSize"});
 }
 
+TEST_F(Sizes, WithLargeLettersTheSizeTextYieldsToTheReadOut) {
+    Start();
+    OpenByMenu(MakeLibrary("a.Atlavex", {{1500, 1200}}));
+    QFont large = Window().font();
+    large.setPointSize(20);
+    Window().setFont(large);
+    Find<QSlider>("sldZoom").setValue(0);
+    QTest::mouseClick(&Find<QWidget>("viewerMap"), Qt::LeftButton, {}, QPoint(5, 5));
+    const auto& readOut = Find<QLabel>("lStatus");
+    const auto& size = Find<QLabel>("lbSize");
+    const auto widthOf = [](const QLabel& label) {
+        return label.fontMetrics().horizontalAdvance(label.text());
+    };
+    ASSERT_GT(widthOf(readOut), 3 * widthOf(Find<QLabel>("lbZoom")));
+    Resize({widthOf(readOut) + widthOf(size) / 2, 600});
+    EXPECT_GE(readOut.width(), widthOf(readOut));
+    EXPECT_LT(size.width(), widthOf(size));
+    Resize({widthOf(readOut) + widthOf(size) + 100, 600});
+    EXPECT_GE(readOut.width(), widthOf(readOut));
+    EXPECT_GE(size.width(), widthOf(size));
+    EXPECT_EQ(TextOf("lbSize"), "Bitmap size: (1500, 1200)");
+}
+
 TEST_F(Sizes, AfterACancelledCloseTheWindowMayBeSmallerAndWorks) {
     Start();
     OpenByMenu(MakeLibrary("a.Atlavex", {{1500, 1200}}, 1));

@@ -4,6 +4,9 @@
 #include "tests/support/TempFolder.h"
 #include "tests/support/desktop/ModalScript.h"
 
+#include <QHeaderView>
+#include <QTreeView>
+
 #include <sys/inotify.h>
 #include <unistd.h>
 
@@ -109,6 +112,28 @@ protected:
 };
 
 } // namespace
+
+TEST_F(FileDialogs, ShowEveryDateAndSizeWhole) {
+    QFont large = system_.font();
+    large.setPointSize(20);
+    system_.setFont(large);
+    clsFileDialog dialog = Prepared("OpenAtlavex", clsFileDialog::Open);
+    dialog.SetInitDir(QString::fromStdString(Path("maps")));
+    ExpectCancel([](QFileDialog& shown) {
+        shown.setViewMode(QFileDialog::Detail);
+        EXPECT_EQ(Listed(shown, 2).size(), 2);
+        const auto& list = *shown.findChild<QTreeView*>(QStringLiteral("treeView"));
+        QApplication::processEvents();
+        for (int column = 0; column < 4; ++column)
+            for (int row = 0; row < 2; ++row) {
+                const QModelIndex entry = list.model()->index(row, column, list.rootIndex());
+                EXPECT_GE(list.header()->sectionSize(column),
+                          list.fontMetrics().horizontalAdvance(entry.data().toString()))
+                    << entry.data().toString().toStdString();
+            }
+    });
+    EXPECT_FALSE(dialog.Show(system_));
+}
 
 TEST_F(FileDialogs, StartWithoutFolderFilterAndNameOnFirstUse) {
     clsFileDialog dialog = Prepared("OpenAtlavex", clsFileDialog::Open);
