@@ -42,8 +42,23 @@ std::optional<QString> PointerReadOut::TextAt(const QPoint& viewerPosition) cons
     const std::optional<ImagePixel> pixel = view_.PixelAt(viewerPosition);
     if (!pixel || state_.currentMap == nullptr)
         return std::nullopt;
+    return Coordinate(*pixel);
+}
+
+QString PointerReadOut::TextOf(const ImagePixel& pixel) const {
+    if (state_.currentMap == nullptr)
+        return {};
+    const QString place = QStringLiteral("Pixel %1, %2").arg(pixel.x).arg(pixel.y);
+    try {
+        return place + QStringLiteral(", ") + Coordinate(pixel);
+    } catch (const ComponentError&) {
+        return place; // the map is not scaled, or the pixel has no coordinate
+    }
+}
+
+QString PointerReadOut::Coordinate(const ImagePixel& pixel) const {
     const AtlavexMap& map = *state_.currentMap;
     const WorldPosition world =
-        map.PixelToWorld({static_cast<double>(pixel->x), static_cast<double>(pixel->y)});
+        map.PixelToWorld({static_cast<double>(pixel.x), static_cast<double>(pixel.y)});
     return map.HasGrid() ? GridReadOut(world.x, world.y) : GeographicReadOut(world.x, world.y, unit_());
 }

@@ -11,6 +11,7 @@
 class QLabel;
 class clsBitmapView;
 struct EditorState;
+struct ImagePixel;
 
 /// The read-out in the status line: the coordinate of the pixel under the pointer. As long as it stands
 /// there it is true to what the view shows: whoever copies it must not get the coordinate of a place that
@@ -26,10 +27,14 @@ public:
     /// The view has changed: a read-out is made anew for the pixel under the pointer; where there is none
     /// the line says again whether the map is scaled.
     void Renew();
+    /// The pixel and, of a scaled map, its coordinate in words: "Pixel 12, 34", "Pixel 12, 34, Longitude: …".
+    /// Empty without a map.
+    QString TextOf(const ImagePixel& pixel) const;
     /// Another text stands in the line now.
     void Forget() { isShown_ = false; }
 
 private:
+    QString Coordinate(const ImagePixel& pixel) const;
     std::optional<QString> TextAt(const QPoint& viewerPosition) const;
     std::optional<QString> TextUnderPointer() const;
 

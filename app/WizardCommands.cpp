@@ -15,8 +15,11 @@
 
 namespace {
 
-constexpr std::int32_t Step = 1;
 constexpr std::int32_t LargeStep = 10;
+
+/// A key that is held doubles its step after so many repetitions, and so often at most.
+constexpr int RepetitionsOfAStep = 8;
+constexpr int MostDoublings = 6;
 
 /// How far an arrow key moves, in pixels of the map; nothing for other keys.
 ImagePixel Movement(int key, std::int32_t step) {
@@ -180,7 +183,9 @@ bool WizardCommands::ViewerKey(const QKeyEvent& key) {
     if (wizard_ == nullptr || view.Map() == nullptr || !view.Viewer()->hasFocus() ||
         (modifiers != Qt::AltModifier && !large))
         return false;
-    const ImagePixel by = Movement(key.key(), large ? LargeStep : Step);
+    repetitions_ = key.isAutoRepeat() ? repetitions_ + 1 : 0;
+    const std::int32_t step = 1 << std::min(repetitions_ / RepetitionsOfAStep, MostDoublings);
+    const ImagePixel by = Movement(key.key(), large ? LargeStep : step);
     const ImagePixel from = crosshair_.value_or(MiddleOfView());
     const ImagePixel to = Inside({from.x + by.x, from.y + by.y}, view);
     const QRect visible(0, 0, view.Viewer()->PixelWidth(), view.Viewer()->PixelHeight());

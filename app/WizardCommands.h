@@ -39,8 +39,11 @@ public:
     /// earlier scaling, faintly, for as long as a wizard runs. Silent when there are none to be had.
     void ShowMarks();
     /// An arrow key while a wizard waits for a point: with Alt it moves a crosshair by a pixel of the map,
-    /// with Shift too by ten. Whether the key was taken: only where the map's viewer has the focus.
+    /// and by more and more for as long as it is held; with Shift too by ten. Whether the key was taken: only
+    /// where the map's viewer has the focus.
     bool ViewerKey(const QKeyEvent& key);
+    /// The pixel under the crosshair that the keys move.
+    std::optional<ImagePixel> Crosshair() const { return crosshair_; }
     /// Gives the wizard the point under the crosshair; nothing without one.
     void PlacePoint();
 
@@ -55,5 +58,6 @@ private:
     EditorState& state_;
     EditorWindow& window_;
     std::unique_ptr<clsScalingWizard> wizard_;
+    int repetitions_ = 0;                 ///< of the arrow key that is held
     std::optional<ImagePixel> crosshair_; ///< the point that is being entered
 };

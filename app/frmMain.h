@@ -108,6 +108,7 @@ private:
     void ClickMap(const QPoint& position);
     /// The preferred one when it is there; empty: the user's cache folder.
     std::string ScratchFolder() const;
+    void TellMapPlace();
 
     // What the commands ask of this window.
     QWidget* Widget() override { return this; }

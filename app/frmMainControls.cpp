@@ -55,6 +55,7 @@ void frmMain::ConnectControls() {
     mapView_.OnViewChanged = [this] {
         wizardCommands_->ShowMarks();
         Quietly([this] { readOut_->Renew(); });
+        Quietly([this] { TellMapPlace(); });
     };
     mapChoice_ = new MouseChoice(*ui_->ddMaps);
     iconChoice_ = new MouseChoice(*ui_->ddIcons);
@@ -133,6 +134,21 @@ void frmMain::vscrollIcon_Change() {
 void frmMain::viewerMap_MouseMove(const QPoint& position) {
     if (!state_.busy && state_.currentMap != nullptr && state_.mapScaled && !wizardCommands_->IsRunning())
         Quietly([&] { readOut_->Show(position); });
+    Quietly([this] { TellMapPlace(); });
+}
+
+/// For those who do not see the map: the pixel under the crosshair, else under the pointer, else in the
+/// middle.
+void frmMain::TellMapPlace() {
+    if (state_.busy)
+        return;
+    std::optional<ImagePixel> pixel = wizardCommands_->Crosshair();
+    const std::optional<QPoint> pointer = ui_->viewerMap->PointerPosition();
+    if (!pixel && pointer)
+        pixel = mapView_.PixelAt(*pointer);
+    if (!pixel)
+        pixel = mapView_.PixelAt(mapView_.MiddleOfImagePart());
+    ui_->viewerMap->SetValueText(pixel ? readOut_->TextOf(*pixel) : QString());
 }
 
 void frmMain::viewerMap_Click(const QPoint& position) {
@@ -142,6 +158,7 @@ void frmMain::viewerMap_Click(const QPoint& position) {
         else
             ClickMap(position);
     });
+    Quietly([this] { TellMapPlace(); });
 }
 
 void frmMain::ClickMap(const QPoint& position) {
@@ -159,6 +176,7 @@ void frmMain::ClickMap(const QPoint& position) {
 
 void frmMain::viewerMap_Enter() {
     Run([this] { wizardCommands_->PlacePoint(); });
+    Quietly([this] { TellMapPlace(); });
 }
 
 void frmMain::Form_Escape() {
@@ -192,6 +210,7 @@ void frmMain::Form_KeyDown(const QKeyEvent& key) {
                         *ui_->vscrollIcon);
         else if (!wizardCommands_->ViewerKey(key))
             ScrollByKey(key, {mapView_.MapWidth(), mapView_.MapHeight()}, *ui_->hscrollMap, *ui_->vscrollMap);
+        TellMapPlace();
     });
 }
 

@@ -2,7 +2,9 @@
 
 #include "component/imaging/Bitmap.h"
 #include "component/viewer/DevicePixels.h"
+#include "component/viewer/ViewerAccessible.h"
 
+#include <QAccessible>
 #include <QImage>
 #include <QMouseEvent>
 #include <QPainter>
@@ -42,6 +44,7 @@ void PaintBitmap(QPainter& painter, const Bitmap& bitmap, std::int32_t left, std
 } // namespace
 
 KarvelViewer::KarvelViewer(QWidget* parent) : QWidget(parent) {
+    MakeViewersAccessible();
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
@@ -85,6 +88,16 @@ void KarvelViewer::SetMarks(std::vector<ViewerMark> marks) {
         return;
     marks_ = std::move(marks);
     update();
+}
+
+void KarvelViewer::SetValueText(const QString& text) {
+    if (text == valueText_)
+        return;
+    valueText_ = text;
+    QAccessibleValueChangeEvent value(this, text);
+    QAccessible::updateAccessibility(&value);
+    QAccessibleEvent description(this, QAccessible::DescriptionChanged);
+    QAccessible::updateAccessibility(&description);
 }
 
 QSize KarvelViewer::sizeHint() const {

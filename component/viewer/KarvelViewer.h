@@ -44,6 +44,9 @@ public:
 
     /// The pointer over the viewer while nothing is dragged; an arrow at first.
     void SetPointer(Qt::CursorShape shape);
+    /// What assistive programs read out of the viewer, for those who do not see the image and the pointer.
+    void SetValueText(const QString& text);
+    const QString& ValueText() const { return valueText_; }
 
     QSize sizeHint() const override;
 
@@ -94,6 +97,7 @@ private:
     std::int32_t horizontalPosition_ = 0;
     std::int32_t verticalPosition_ = 0;
     std::vector<ViewerMark> marks_;
+    QString valueText_;
     QSize reportedSize_;
     WheelTurns wheel_;
     std::optional<QPointF> pointer_; ///< in the widget's own units

@@ -1,7 +1,10 @@
+#include "app/ReadOut.h"
 #include "tests/app/ShellFixture.h"
 
+#include <QAccessible>
 #include <QFileDialog>
 #include <QMenuBar>
+#include <QMouseEvent>
 #include <QScrollBar>
 #include <QSlider>
 
@@ -104,6 +107,29 @@ TEST_F(MainWindow, ControlsWithoutACaptionHaveAName) {
                                    "viewerIcon", "hscrollIcon", "vscrollIcon"})
         EXPECT_FALSE(Find<QWidget>(name).accessibleName().isEmpty()) << name;
     EXPECT_EQ(Find<QLabel>("lbZoom").buddy(), &Find<QWidget>("sldZoom"));
+}
+
+TEST_F(MainWindow, TheMapViewTellsAssistiveProgramsWhatItShows) {
+    Start();
+    auto& viewer = Find<KarvelViewer>("viewerMap");
+    const QAccessibleInterface* const told = QAccessible::queryAccessibleInterface(&viewer);
+    ASSERT_NE(told, nullptr);
+    EXPECT_EQ(told->role(), QAccessible::Graphic);
+    EXPECT_EQ(told->text(QAccessible::Name), QStringLiteral("Map"));
+    EXPECT_EQ(told->text(QAccessible::Value), QString());
+    OpenByMenu(MakeLibrary("a.Atlavex", {{200, 100}}));
+    const auto at = [](int x, int y) {
+        return QStringLiteral("Pixel %1, %2, ").arg(x).arg(y) +
+               GeographicReadOut(8 + x / 100.0, 56 - y / 100.0, AngleUnit::Degrees);
+    };
+    EXPECT_EQ(told->text(QAccessible::Value), at(100, 50)) << "the middle of what is seen";
+    QMouseEvent move(QEvent::MouseMove, QPointF(3, 4), viewer.mapToGlobal(QPointF(3, 4)), Qt::NoButton,
+                     Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(&viewer, &move);
+    EXPECT_EQ(told->text(QAccessible::Value), at(3, 4));
+    EXPECT_EQ(told->text(QAccessible::Description), at(3, 4));
+    Choose("mFileNewAtlavex");
+    EXPECT_EQ(told->text(QAccessible::Value), QString());
 }
 
 TEST_F(MainWindow, ShowsTextsAsTheyAre) {

@@ -183,8 +183,8 @@ TEST_F(WizardInTheWindow, AClickBesideTheMapIsNone) {
         EXPECT_TRUE(Viewer().Marks().empty());
     }
     script.Expect(QStringLiteral("frmCoordinate"), [](QWidget& shown) {
-        EXPECT_EQ(Text(shown, "txtX"), std::to_string(SheetWidth - 1));
-        EXPECT_EQ(Text(shown, "txtY"), std::to_string(SheetHeight - 1));
+        EXPECT_EQ(Text(shown, "txtX"), "1197");
+        EXPECT_EQ(Text(shown, "txtY"), "894");
         Type(shown, "txtLatDecDeg", QStringLiteral("5"));
         Click(shown, "bNext");
     });
@@ -224,6 +224,7 @@ TEST_F(WizardInTheWindow, TakesAPointFromTheKeyboardAlone) {
     Press(Qt::Key_Down, Qt::AltModifier | Qt::ShiftModifier);
     const QPoint place = Viewer().Marks().front().position;
     EXPECT_EQ(place, first + QPoint(1, 10));
+    EXPECT_EQ(Viewer().ValueText(), QStringLiteral("Pixel %1, %2").arg(place.x()).arg(place.y()));
     EXPECT_EQ(Find<QScrollBar>(window, "vscrollMap").value(), 0);
     Press(Qt::Key_Down);
     EXPECT_GT(Find<QScrollBar>(window, "vscrollMap").value(), 0);
@@ -237,6 +238,28 @@ TEST_F(WizardInTheWindow, TakesAPointFromTheKeyboardAlone) {
     Press(Qt::Key_Return);
     EXPECT_EQ(Header(), "Wizard step 5: Click on a known coordinate");
     EXPECT_THAT(MarkStyles(), ::testing::ElementsAre(ViewerMarkStyle::ReferencePoint));
+}
+
+TEST_F(WizardInTheWindow, AHeldKeyMovesTheCrosshairFasterAndFaster) {
+    ExpectSteps("rbCartesian");
+    ClickMap({30, 40});
+    FocusMap();
+    const auto place = [this] { return Viewer().Marks().front().position; };
+    const auto hold = [this](int repetitions) {
+        Press(Qt::Key_Right, Qt::AltModifier);
+        for (int i = 0; i < repetitions; ++i) {
+            QKeyEvent again(QEvent::KeyPress, Qt::Key_Right, Qt::AltModifier, QString(), true);
+            QApplication::sendEvent(&Viewer(), &again);
+        }
+    };
+    Press(Qt::Key_Left, Qt::AltModifier);
+    const int first = place().x();
+    hold(7);
+    EXPECT_EQ(place().x(), first + 8) << "A short while goes pixel by pixel.";
+    Press(Qt::Key_Left, Qt::AltModifier);
+    EXPECT_EQ(place().x(), first + 7) << "Another press begins with one pixel again.";
+    hold(24);
+    EXPECT_EQ(place().x(), first + 7 + 8 + 8 * 2 + 8 * 4 + 8);
 }
 
 TEST_F(WizardInTheWindow, KeepsTheCrosshairOnTheMapAndInSight) {
