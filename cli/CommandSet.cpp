@@ -3,12 +3,33 @@
 #include "cli/HelpText.h"
 #include "cli/Output.h"
 #include "cli/RawArguments.h"
+#include "cli/Suggestion.h"
 #include "cli/Version.h"
 
 #include <algorithm>
 #include <string_view>
 
 namespace {
+
+constexpr const char* HelpCommand = "help";
+
+/// "help" asks for what --help tells, and "help COMMAND" for what COMMAND --help tells.
+std::vector<const char*> WithHelpAsOption(std::vector<const char*> arguments) {
+    if (arguments.size() < 2 || std::string_view(arguments[1]) != HelpCommand)
+        return arguments;
+    if (arguments.size() > 3)
+        throw UsageError("help takes the name of one command (atlavex help lists them).");
+    arguments.erase(arguments.begin() + 1);
+    arguments.push_back("--help");
+    return arguments;
+}
+
+std::vector<std::string> CommandNames(const CLI::App& program) {
+    std::vector<std::string> names{HelpCommand};
+    for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; }))
+        names.push_back(command->get_name());
+    return names;
+}
 
 /// The parser's sentence in the manner of the other messages, with a word on where help is to be had.
 std::string AsSentence(const CLI::ParseError& error, const std::string& command) {
@@ -112,9 +133,10 @@ void CommandSet::CheckCommandName(int argumentCount, const char* const* argument
     if (name.starts_with('-') && app_.get_option_no_throw(name) == nullptr)
         throw UsageError("There is no option '" + name +
                          "' in front of a command (atlavex --help lists them).");
-    const auto hasName = [&name](const CLI::App* command) { return command->get_name() == name; };
-    if (!name.starts_with('-') && app_.get_subcommands(hasName).empty())
-        throw UsageError("There is no command '" + name + "' (atlavex --help lists them).");
+    const std::vector<std::string> names = CommandNames(app_);
+    if (!name.starts_with('-') && std::find(names.begin(), names.end(), name) == names.end())
+        throw UsageError("There is no command '" + name + "' (atlavex --help lists them)" +
+                         DidYouMean(name, names));
 }
 
 ExitStatus CommandSet::Parse(int argumentCount, const char* const* arguments) {
@@ -135,8 +157,10 @@ ExitStatus CommandSet::Parse(int argumentCount, const char* const* arguments) {
 }
 
 ExitStatus CommandSet::Run(int argumentCount, const char* const* arguments) {
-    CheckCommandName(argumentCount, arguments);
-    const ExitStatus parsed = Parse(argumentCount, arguments);
+    const std::vector<const char*> words = WithHelpAsOption({arguments, arguments + argumentCount});
+    const int count = static_cast<int>(words.size());
+    CheckCommandName(count, words.data());
+    const ExitStatus parsed = Parse(count, words.data());
     const ExitStatus status = action_ ? action_() : parsed;
     FlushOutput();
     return status;

@@ -11,13 +11,15 @@ struct StatusRow {
 };
 
 // What is not listed is ExitStatus::Failed.
-constexpr std::array<StatusRow, 6> StatusRows{{
+constexpr std::array<StatusRow, 8> StatusRows{{
     {ErrorNumber::FileDamaged, ExitStatus::FileDamaged},
     {ErrorNumber::FileChanged, ExitStatus::FileChanged},
     {ErrorNumber::ImageNotReadable, ExitStatus::ImageNotReadable},
     {ErrorNumber::ImageDamaged, ExitStatus::ImageNotReadable},
     {ErrorNumber::ImageTooLarge, ExitStatus::ImageNotReadable},
     {ErrorNumber::MapNotScaled, ExitStatus::MapNotScaled},
+    {ErrorNumber::UnknownGrid, ExitStatus::Usage},
+    {ErrorNumber::UnknownZone, ExitStatus::Usage},
 }};
 
 } // namespace

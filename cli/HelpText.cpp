@@ -108,7 +108,7 @@ std::string ProgramHelp::make_help(const CLI::App* app, std::string, CLI::AppFor
     for (const CLI::App* command : app->get_subcommands({}))
         commands += Row(command->get_name(), command->get_description());
     return "Usage: atlavex COMMAND ARGUMENTS...\n\n" + WrapText(ProgramText, 0) +
-           Section("Commands (atlavex COMMAND --help tells more)", commands) +
+           Section("Commands (atlavex help COMMAND tells more)", commands) +
            Section("Options", Rows(*app, false)) + Section("Choosing", WrapText(SelectionText, NameColumn)) +
            Section("Example", Verbatim(ProgramExample)) + CommonEnd();
 }

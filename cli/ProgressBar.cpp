@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -15,9 +16,15 @@ void Draw(std::string_view text) {
     static_cast<void>(std::fflush(stderr));
 }
 
+/// A terminal that calls itself dumb would show the bar's escapes as they are.
+bool TerminalErasesLines() {
+    const char* const kind = std::getenv("TERM");
+    return kind == nullptr || std::string_view(kind) != "dumb";
+}
+
 } // namespace
 
-ProgressBar::ProgressBar() : onTerminal_(isatty(STDERR_FILENO) == 1) {}
+ProgressBar::ProgressBar() : onTerminal_(isatty(STDERR_FILENO) == 1 && TerminalErasesLines()) {}
 
 ProgressBar::~ProgressBar() {
     End();

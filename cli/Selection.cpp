@@ -1,6 +1,7 @@
 #include "cli/Selection.h"
 
 #include "cli/ExitStatus.h"
+#include "cli/Suggestion.h"
 
 #include <algorithm>
 #include <charconv>
@@ -47,7 +48,15 @@ bool Fits(AtlavexLibrary& library, ObjectKind kind, std::int32_t position, const
 
 std::string Holding(const AtlavexLibrary& library, ObjectKind kind) {
     const std::int32_t count = CountOf(library, kind);
-    return "; the library has " + std::to_string(count) + " " + KindName(kind) + (count == 1 ? "." : "s.");
+    return "; the library has " + std::to_string(count) + " " + KindName(kind) + (count == 1 ? "" : "s");
+}
+
+std::vector<std::string> NamesOf(AtlavexLibrary& library, ObjectKind kind) {
+    std::vector<std::string> names;
+    for (std::int32_t position = 1; position <= CountOf(library, kind); ++position)
+        names.push_back(kind == ObjectKind::Map ? library.GetMap(library.MapIdAt(position))->Name()
+                                                : library.GetIcon(library.IconIdAt(position))->Name());
+    return names;
 }
 
 std::int32_t CheckPosition(const AtlavexLibrary& library, ObjectKind kind, const std::string& text) {
@@ -55,7 +64,7 @@ std::int32_t CheckPosition(const AtlavexLibrary& library, ObjectKind kind, const
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), position);
     if (error != std::errc() || position < 1 || position > CountOf(library, kind))
         throw CommandFailure(ExitStatus::Failed, std::string("There is no ") + KindName(kind) + " " + text +
-                                                     Holding(library, kind));
+                                                     Holding(library, kind) + ".");
     return position;
 }
 
@@ -84,7 +93,8 @@ std::int32_t SelectPosition(AtlavexLibrary& library, ObjectKind kind, const std:
             found.push_back(position);
     if (found.empty())
         throw CommandFailure(ExitStatus::Failed, std::string("There is no ") + KindName(kind) + " '" + text +
-                                                     "'" + Holding(library, kind));
+                                                     "'" + Holding(library, kind) +
+                                                     DidYouMean(wanted.text, NamesOf(library, kind)));
     if (found.size() > 1)
         throw CommandFailure(ExitStatus::Failed, "'" + text + "' stands for more than one " + KindName(kind) +
                                                      ": choose one of the positions " + ListOf(found) + ".");

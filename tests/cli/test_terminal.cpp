@@ -15,6 +15,7 @@ using Terminal = AtlavexTest;
 /// showed and the exit status.
 constexpr const char* OnTerminal = R"(
 import pty, time
+os.environ['TERM'] = 'xterm'
 def on_terminal(arguments, typed=None):
     child, terminal = pty.fork()
     if child == 0:
@@ -59,6 +60,22 @@ TEST_F(Terminal, LongWorkShowsABarThatIsGoneAtTheEnd) {
         Python(std::string(OnTerminal) + "print(on_terminal(['add-map', 'a.Atlavex', 'big.bmp']))");
     EXPECT_THAT(shown, HasSubstr(" %"));
     EXPECT_THAT(shown, HasSubstr("\\r\\x1b[K', 0)"));
+}
+
+TEST_F(Terminal, ADumbTerminalGetsNoEscapesAndNoTerminalColours) {
+    NewLibrary();
+    Bmp("big.bmp", 2000, 1500);
+    const std::string script = OnTerminal;
+    EXPECT_EQ(Python(script + "os.environ['TERM'] = 'dumb'\n"
+                              "print(on_terminal(['add-map', 'a.Atlavex', 'big.bmp']))"),
+              "('', 0)\n");
+    for (const char* setting : {"os.environ['NO_COLOR'] = '1'\n", "os.environ.pop('NO_COLOR', None)\n"})
+        EXPECT_EQ(
+            Python(script + setting +
+                   "import re\nos.environ['TERM'] = 'xterm-256color'\n"
+                   "for words in ['add-map', 'a.Atlavex', 'big.bmp'], ['--help'], ['info', 'missing']:\n"
+                   "    print(re.findall('\\x1b\\\\[[0-9;]*m', on_terminal(words)[0]))"),
+            "[]\n[]\n[]\n");
 }
 
 TEST_F(Terminal, ASignalEndsAWaitForInput) {

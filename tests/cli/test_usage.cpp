@@ -102,6 +102,39 @@ TEST_F(Usage, ACommandLineThatMakesNoSenseEndsWithStatus2) {
     ExpectFailure(2, {"locate", library, "1", "5"}, "pair");
 }
 
+TEST_F(Usage, HelpIsACommandToo) {
+    EXPECT_EQ(Do({"help"}), Do({"--help"}));
+    for (const char* command : {"info", "add-map", "export-tiles"})
+        EXPECT_EQ(Do({"help", command}), Do({command, "--help"}));
+    ExpectFailure(2, {"help", "inof"}, "did you mean 'info'?");
+    ExpectFailure(2, {"help", "info", "locate"}, "one command");
+}
+
+TEST_F(Usage, AMistypedCommandIsAnsweredWithTheOneThatWasMeant) {
+    for (const auto& [typed, meant] : std::map<std::string, std::string>{{"inof", "info"},
+                                                                         {"INFO", "info"},
+                                                                         {"add_map", "add-map"},
+                                                                         {"addmap", "add-map"},
+                                                                         {"extract-icn", "extract-icon"},
+                                                                         {"verfiy", "verify"},
+                                                                         {"catalog", "catalogue"},
+                                                                         {"hlep", "help"}})
+        ExpectFailure(2, {typed},
+                      "'" + typed + "' (atlavex --help lists them); did you mean '" + meant + "'?");
+    const ProgramResult far = Run({"frobnicate"});
+    EXPECT_THAT(far.err, testing::Not(HasSubstr("did you mean")));
+}
+
+TEST_F(Usage, AMistypedNameIsAnsweredWithTheOneThatWasMeant) {
+    const std::string library = ScaledLibrary();
+    ExpectFailure(1, {"locate", library, "Shete", "1", "1"}, "; did you mean 'Sheet'?");
+    ExpectFailure(1, {"locate", library, "name:sheet", "1", "1"}, "; did you mean 'Sheet'?");
+    ExpectFailure(1, {"offset", library, "Hat", "1,1"}, "; did you mean 'Hut'?");
+    ExpectFailure(1, {"locate", library, "Elsewhere", "1", "1"}, "; the library has 1 map.");
+    ExpectFailure(2, {"project", "--grid", "UTM (etsr89)", "--zone", "32"}, "; did you mean 'UTM (etrs89)'?");
+    ExpectFailure(1, {"shift", "--datum", "ED5O"}, "; did you mean 'ED50'?");
+}
+
 TEST_F(Usage, NumbersAreTakenOnlyInTheirForm) {
     const std::string library = In("none.Atlavex"), image = In("none.png");
     for (const char* size : {"", "256", "256x", "x256", "256x256x256", "0x256", "-256x256", "2.5x256",
