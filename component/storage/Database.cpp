@@ -22,7 +22,7 @@ ComponentError IoError(const std::string& name, int extended, int systemError) {
     if (IsFullDisk(systemError))
         return {ErrorNumber::DiskFull, "There is no space left to write '" + name + "'."};
     const bool reading = extended == SQLITE_IOERR_READ || extended == SQLITE_IOERR_SHORT_READ;
-    const std::string reason = systemError != 0 ? std::strerror(systemError) : sqlite3_errstr(extended);
+    const std::string reason = systemError != 0 ? std::strerror(systemError) : "an input/output error";
     if (reading)
         return {ErrorNumber::FileNotReadable, "The file '" + name + "' could not be read: " + reason + "."};
     return {ErrorNumber::FileNotWritable, "The file '" + name + "' could not be written: " + reason + "."};
@@ -55,8 +55,9 @@ ComponentError ErrorOf(const std::string& name, int code, int systemError) {
         return {ErrorNumber::FileLocked, "The file '" + name + "' is in use by another program."};
     case SQLITE_CANTOPEN:
         return {ErrorNumber::FileNotReadable,
-                "The file '" + name + "' could not be opened: " +
-                    (systemError != 0 ? std::strerror(systemError) : sqlite3_errstr(code)) + "."};
+                "The file '" + name + "' could not be opened" +
+                    (systemError != 0 ? std::string(": ") + std::strerror(systemError) : std::string()) +
+                    "."};
     case SQLITE_NOTADB:
         return {ErrorNumber::NotALibrary, "The file '" + name + "' is not a map library."};
     case SQLITE_CORRUPT:
@@ -64,11 +65,11 @@ ComponentError ErrorOf(const std::string& name, int code, int systemError) {
     case SQLITE_TOOBIG:
     case SQLITE_CONSTRAINT:
     case SQLITE_MISMATCH:
-        return {ErrorNumber::FileDamaged,
-                "The file '" + name + "' is damaged: " + sqlite3_errstr(code) + "."};
+        return {ErrorNumber::FileDamaged, "The file '" + name + "' is damaged: its structure is broken (" +
+                                              std::to_string(code) + ")."};
     default:
         return {ErrorNumber::Failed,
-                "The file '" + name + "' could not be used: " + sqlite3_errstr(code) + "."};
+                "The file '" + name + "' could not be used (" + std::to_string(code) + ")."};
     }
 }
 

@@ -192,9 +192,13 @@ std::vector<std::string> ObjectsWithoutPixels(const LibraryState& state, const C
 void VerifyStructure(LibraryFile& file, const LibraryState& state, const DamageReport& report) {
     Tell(report, "File", [&] {
         Statement check(file.File(), "PRAGMA quick_check(20)");
+        int findings = 0;
         while (check.Step())
-            if (const std::string finding = check.Text(0); finding != "ok")
-                report("File", "The file '" + file.File().ShownName() + "' is damaged: " + finding + ".");
+            findings += check.Text(0) == "ok" ? 0 : 1;
+        if (findings > 0)
+            report("File", "The file '" + file.File().ShownName() +
+                               "' is damaged: its structure is broken in " + std::to_string(findings) +
+                               (findings == 1 ? " place." : " places."));
     });
     Tell(report, "File", [&] {
         ReportRecords(file, report);

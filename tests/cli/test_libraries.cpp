@@ -171,3 +171,22 @@ TEST_F(Libraries, AStandardOutputThatCannotBeWrittenIsAFailure) {
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.err, HasSubstr("standard output"));
 }
+
+TEST_F(Libraries, ABrokenStructureIsSaidInWordsOfTheUsers) {
+    const std::string library = ScaledLibrary();
+    Do({"add-map", library, Bmp("x.bmp", 900, 700)});
+    const std::string whole = ReadWholeFile(library);
+    // Pages of the file one after another are filled with nonsense.
+    for (std::size_t page = 1; page * 8192 < whole.size(); page += 7) {
+        std::string broken = whole;
+        broken.replace(page * 8192, 4096, std::string(4096, '\x5a'));
+        WriteWholeFile(library, broken);
+        for (const Words& command : {Words{"verify", library}, Words{"info", library},
+                                     Words{"extract", library, "2", "--out", In("o.png")}}) {
+            const ProgramResult result = Run(command);
+            for (const char* foreign :
+                 {"malformed", "disk image", "btree", "database", "Tree ", "SQL", "sqlite"})
+                EXPECT_THAT(result.out + result.err, Not(HasSubstr(foreign))) << page;
+        }
+    }
+}
