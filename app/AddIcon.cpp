@@ -2,6 +2,7 @@
 #include "app/ImageNames.h"
 #include "app/MapIconCommands.h"
 #include "app/Stamping.h"
+#include "app/Steps.h"
 #include "dialogs/frmNewMap.h"
 
 namespace {
@@ -33,10 +34,14 @@ void MapIconCommands::AddIconFrom(const QString& fileName) {
     if (icon == nullptr)
         return;
     state_.modified = true; // whatever follows: the icon is in the library
-    window_.RefillIcons(state_.objAtlavex->IconCount() - 1);
-    DescribeNewObject(*icon, settings->name, settings->description, NewIconVersion);
+    Steps steps;
+    steps.Do([&] { window_.RefillIcons(state_.objAtlavex->IconCount() - 1); });
+    if (state_.currentIcon != icon)
+        steps.Do([&] { window_.RefillIcons(-1); });
+    steps.Do([&] { DescribeNewObject(*icon, settings->name, settings->description, NewIconVersion); });
     window_.ShowPage(1);
-    window_.LayOut();
+    steps.Do([&] { window_.LayOut(); });
+    steps.ThrowFirst();
 }
 
 std::optional<MapIconCommands::NewMapSettings>

@@ -3,34 +3,13 @@
 #include "app/MapIconCommands.h"
 #include "app/ScaledFlag.h"
 #include "app/Stamping.h"
-#include "base/ComponentError.h"
+#include "app/Steps.h"
 #include "catalogue/modConst.h"
 #include "dialogs/frmNewMap.h"
 #include "platform/modGUID.h"
 #include "platform/modMessages.h"
 
 namespace {
-
-/// Does one thing after another even when some fail; the first failure leaves at the end. A map that is in
-/// the library must be marked as unsaved whatever else goes wrong.
-class Steps {
-public:
-    void Do(const std::function<void()>& step) {
-        try {
-            step();
-        } catch (const ComponentError& error) {
-            if (!first_)
-                first_ = error;
-        }
-    }
-    void ThrowFirst() const {
-        if (first_)
-            throw ComponentError(*first_);
-    }
-
-private:
-    std::optional<ComponentError> first_;
-};
 
 std::string MapVersion() {
     return std::string(ApplicationName).append(" v").append(VersionText());
@@ -72,13 +51,9 @@ void MapIconCommands::AddMapFrom(const QString& fileName) {
     const auto map = ImportMap(fileName, *settings);
     if (map == nullptr)
         return;
-    Steps steps;
-    steps.Do([&] { DescribeNewObject(*map, settings->name, settings->description, MapVersion()); });
-    steps.Do([&] { window_.RefillMaps(state_.objAtlavex->MapCount() - 1); });
-    TakeNewMap();
+    TakeNewMap(map, *settings);
     AskForWorldfile(fileName);
-    steps.Do([&] { StartScaling(map); });
-    steps.ThrowFirst();
+    StartScaling(map);
 }
 
 std::optional<MapIconCommands::NewMapSettings>
@@ -99,18 +74,24 @@ std::shared_ptr<AtlavexMap> MapIconCommands::ImportMap(const QString& fileName,
     Import([&] {
         map = state_.objAtlavex->AddMapFromImageFile(fileName.toStdString(), settings.name.toStdString(),
                                                      settings.tileWidth, settings.tileHeight);
-        map->SetIdentifier(CreateGUID());
     });
     return map;
 }
 
-void MapIconCommands::TakeNewMap() {
+void MapIconCommands::TakeNewMap(const std::shared_ptr<AtlavexMap>& map, const NewMapSettings& settings) {
+    state_.modified = true; // whatever follows: the map is in the library
+    Steps steps;
+    steps.Do([&] { map->SetIdentifier(CreateGUID()); });
+    steps.Do([&] { DescribeNewObject(*map, settings.name, settings.description, MapVersion()); });
+    steps.Do([&] { window_.RefillMaps(state_.objAtlavex->MapCount() - 1); });
+    if (state_.currentMap != map)
+        steps.Do([&] { window_.RefillMaps(-1); });
     // The wizard of the map shown until now has no map any more.
-    window_.DiscardWizard();
+    steps.Do([&] { window_.DiscardWizard(); });
     SetScaled(state_, window_, false);
-    state_.modified = true;
     window_.ShowPage(0);
-    window_.LayOut();
+    steps.Do([&] { window_.LayOut(); });
+    steps.ThrowFirst();
 }
 
 void MapIconCommands::AskForWorldfile(const QString& fileName) {

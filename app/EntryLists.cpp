@@ -48,8 +48,17 @@ void EntryLists::RefillIcons() {
     rememberedIcon_ = -1;
 }
 
+std::shared_ptr<AtlavexMap> EntryLists::FetchMap(int entry) {
+    try {
+        return state_.objAtlavex->GetMap(state_.objAtlavex->MapIdAt(LibraryPositionOf(entry)));
+    } catch (const std::exception&) {
+        Mark(maps_, state_.rememberedMap); // the former one stays, in the list as in the view
+        throw;
+    }
+}
+
 void EntryLists::SelectMap(int entry) {
-    const auto map = state_.objAtlavex->GetMap(state_.objAtlavex->MapIdAt(LibraryPositionOf(entry)));
+    const auto map = FetchMap(entry);
     state_.currentMap = map;
     mapView_.SetMap(map);
     mapView_.SetMapWidth(map->Width());
@@ -64,8 +73,8 @@ void EntryLists::SelectIcon(int entry) {
         const auto icon = state_.objAtlavex->GetIcon(state_.objAtlavex->IconIdAt(LibraryPositionOf(entry)));
         iconView_.SetObjBitmap(icon->Image());
         state_.currentIcon = icon;
-    } catch (const ComponentError&) {
-        // A damaged icon: the former one stays, in the list as in the view.
+    } catch (const std::exception&) {
+        // An icon that cannot be read: the former one stays, in the list as in the view.
         Mark(icons_, rememberedIcon_);
         throw;
     }

@@ -20,12 +20,15 @@ public:
     /// comes.
     void RefillMaps();
     void RefillIcons();
-    /// Fetches the entry anew, shows it and makes it current. ErrorNumber::Overflow, NoSuchMap, NoSuchIcon,
-    /// FileDamaged: what was shown before stays.
+    /// Fetches the entry anew, shows it and makes it current; an icon whose picture is damaged is hatched.
+    /// ErrorNumber::Overflow, NoSuchMap, NoSuchIcon, FileNotReadable, FileLocked: what was shown before
+    /// stays.
     void SelectMap(int entry);
     void SelectIcon(int entry);
 
 private:
+    std::shared_ptr<AtlavexMap> FetchMap(int entry);
+
     EditorState& state_;
     QComboBox& maps_;
     QComboBox& icons_;

@@ -3,6 +3,7 @@
 #include "app/FileChoosers.h"
 #include "app/ScaledFlag.h"
 #include "app/Stamping.h"
+#include "app/Steps.h"
 #include "base/CheckedNumbers.h"
 #include "platform/modMessages.h"
 
@@ -87,9 +88,10 @@ void LibraryCommands::LoadLibrary(const QString& fileName) {
     if (!key)
         return;
 
-    const Counts before = CountEntries();
+    Counts before;
     {
         const ComponentCall call(window_);
+        before = CountEntries();
         state_.objAtlavex->LoadFromFile(file, key->toStdString());
     }
     if (CountEntries() == before) {
@@ -105,11 +107,13 @@ void LibraryCommands::LoadLibrary(const QString& fileName) {
 void LibraryCommands::TakeLoadedFile(const QString& fileName) {
     state_.fileName = fileName;
     state_.modified = false;
-    window_.RefillIcons(0);
-    window_.RefillMaps(0);
+    Steps steps;
+    steps.Do([&] { window_.RefillIcons(0); });
+    steps.Do([&] { window_.RefillMaps(0); });
     window_.ShowSizeOfPage();
     TakeStoredScaling(state_, window_);
-    window_.SetTitle(fileName);
+    window_.SetTitle(fileName); // it is loaded, whatever of it cannot be shown
+    steps.ThrowFirst();
 }
 
 bool LibraryCommands::MayBeSaved() {
@@ -194,15 +198,17 @@ void LibraryCommands::MergeLibrary() {
     const auto key = AskForKey(state_.objAtlavex->IsEncrypted(file));
     if (!key)
         return;
-    const Counts before{window_.MapEntries(), window_.IconEntries()};
+    ListsBefore lists;
     {
         const ComponentCall call(window_);
+        lists = {{window_.MapEntries(), window_.IconEntries()}, window_.MapEntry(), window_.IconEntry()};
         state_.objAtlavex->MergeFromFile(file, key->toStdString());
     }
-    ReportMerge(before);
+    ReportMerge(lists);
 }
 
-void LibraryCommands::ReportMerge(const Counts& before) {
+void LibraryCommands::ReportMerge(const ListsBefore& lists) {
+    const Counts& before = lists.counts;
     const Counts after = CountEntries();
     if (after == before) {
         ShowMessage(
@@ -211,9 +217,9 @@ void LibraryCommands::ReportMerge(const Counts& before) {
                 "No data was loaded/merged. Possibly the file is encrypted and your key was incorrect?"));
         return;
     }
-    window_.RefillIcons(std::max(window_.IconEntry(), 0));
+    window_.RefillIcons(std::max(lists.icon, 0));
     const bool noneCurrent = state_.currentMap == nullptr;
-    window_.RefillMaps(std::max(window_.MapEntry(), 0));
+    window_.RefillMaps(std::max(lists.map, 0));
     window_.ShowSizeOfPage();
     if (noneCurrent)
         TakeStoredScaling(state_, window_);

@@ -32,6 +32,13 @@ private:
         bool operator==(const Counts&) const = default;
     };
 
+    /// What the lists show when a merge begins.
+    struct ListsBefore {
+        Counts counts;
+        int map = -1;  ///< the entry that is selected
+        int icon = -1; ///< likewise
+    };
+
     Counts CountEntries() const;
     void StartEmptyLibrary();
     /// The key for the file, empty for a plain one; nothing when the user gave none.
@@ -43,7 +50,7 @@ private:
     void SaveTo(const QString& fileName);
     void SaveWithAdvice(const QString& fileName);
     void SelectAgain(int map, int icon);
-    void ReportMerge(const Counts& before);
+    void ReportMerge(const ListsBefore& lists);
 
     EditorState& state_;
     EditorWindow& window_;

@@ -2,6 +2,7 @@
 
 #include "app/EntryLists.h"
 #include "app/ScaledFlag.h"
+#include "app/Steps.h"
 #include "dialogs/frmAtlavexProperties.h"
 #include "dialogs/frmExport.h"
 #include "dialogs/frmMetadata.h"
@@ -93,16 +94,20 @@ void MapIconCommands::DeleteMap() {
     if (!AskToDelete(window_, library.GetMap(key)->Name(), QStringLiteral("map?")))
         return;
     library.RemoveMap(key);
+    Steps steps;
     SetScaled(state_, window_, library.MapCount() > 0);
     state_.currentMap.reset();
-    window_.MapView().Clear();
-    window_.DiscardWizard();
-    window_.RefillMaps(0);
-    SetModifiedAfterDeletion();
+    steps.Do([&] { window_.MapView().Clear(); });
+    steps.Do([&] { window_.DiscardWizard(); });
+    steps.Do([&] { window_.RefillMaps(0); });
+    SetModifiedAfterDeletion(steps);
     if (library.MapCount() == 0)
         window_.EnableZoom(false);
     window_.SetSizeText(QString());
+    if (steps.HaveFailed())
+        steps.Do([&] { window_.RefillMaps(-1); });
     window_.EnableMenus();
+    steps.ThrowFirst();
 }
 
 void MapIconCommands::DeleteIcon() {
@@ -113,17 +118,22 @@ void MapIconCommands::DeleteIcon() {
     if (!AskToDelete(window_, library.GetIcon(key)->Name(), QStringLiteral("Icon?")))
         return;
     library.RemoveIcon(key);
+    Steps steps;
     state_.currentIcon.reset();
-    window_.IconView().Clear();
-    window_.RefillIcons(0);
-    SetModifiedAfterDeletion();
+    steps.Do([&] { window_.IconView().Clear(); });
+    steps.Do([&] { window_.RefillIcons(0); });
+    SetModifiedAfterDeletion(steps);
+    if (steps.HaveFailed())
+        steps.Do([&] { window_.RefillIcons(-1); });
     window_.ShowSizeOfPage();
     window_.EnableMenus();
+    steps.ThrowFirst();
 }
 
-void MapIconCommands::SetModifiedAfterDeletion() {
+void MapIconCommands::SetModifiedAfterDeletion(const Steps& steps) {
     // A deletion that leaves no maps or no icons clears the flag: meant.
-    state_.modified = state_.objAtlavex->MapCount() > 0 && state_.objAtlavex->IconCount() > 0;
+    state_.modified =
+        steps.HaveFailed() || (state_.objAtlavex->MapCount() > 0 && state_.objAtlavex->IconCount() > 0);
 }
 
 void MapIconCommands::IconOffset() {

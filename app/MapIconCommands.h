@@ -6,6 +6,8 @@
 #include <functional>
 #include <optional>
 
+class Steps;
+
 /// What the Map and Icons menus do with what is in the library, the properties of the library, and the tile
 /// export. A component's error leaves every command as a ComponentError, with pointer and window restored;
 /// only a failed import is told by the command itself, with its number.
@@ -46,7 +48,9 @@ private:
     void AddMapFrom(const QString& fileName);
     std::optional<NewMapSettings> AskForMapSettings(const QString& proposedName);
     std::shared_ptr<AtlavexMap> ImportMap(const QString& fileName, const NewMapSettings& settings);
-    void TakeNewMap();
+    /// Makes the map that has just been added current. After a failure it is in the library all the same, and
+    /// no wizard may start.
+    void TakeNewMap(const std::shared_ptr<AtlavexMap>& map, const NewMapSettings& settings);
     void AskForWorldfile(const QString& fileName);
     void StartScaling(const std::shared_ptr<AtlavexMap>& map);
 
@@ -62,7 +66,8 @@ private:
     /// After the metadata dialog: the lists show what it wrote, at the entry that was selected.
     void TakeMapEdit(bool isChanged);
     void TakeIconEdit(bool isChanged);
-    void SetModifiedAfterDeletion();
+    /// `steps`: what followed the removal until now.
+    void SetModifiedAfterDeletion(const Steps& steps);
 
     EditorState& state_;
     EditorWindow& window_;

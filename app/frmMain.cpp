@@ -9,6 +9,7 @@
 #include "app/ProgressDisplay.h"
 #include "app/WizardCommands.h"
 #include "app/modResize.h"
+#include "base/ErrorSentence.h"
 #include "component/viewer/KarvelViewer.h"
 #include "dialogs/frmPreferences.h"
 #include "platform/modMessages.h"
@@ -93,7 +94,7 @@ void frmMain::Run(const std::function<void()>& command) {
     try {
         command();
     } catch (const std::exception& error) {
-        ShowMessage(this, QString::fromUtf8(error.what()));
+        ShowMessage(this, QString::fromStdString(SentenceOf(error)));
     }
     wizardCommands_->ShowPrompt();
     EnableMenus();

@@ -33,9 +33,16 @@ void frmMain::ShowSizeOfPage() {
 }
 
 void frmMain::RefillMaps(int select) {
-    lists_->RefillMaps();
-    if (select >= 0 && select < MapEntries())
-        SelectMap(select);
+    try {
+        lists_->RefillMaps();
+        if (select >= 0 && select < MapEntries())
+            SelectMap(select);
+    } catch (const std::exception&) {
+        // Rather no map than the former one, which is not what was asked for.
+        state_.currentMap.reset();
+        mapView_.Clear();
+        throw;
+    }
     EnableMenus();
 }
 
@@ -45,7 +52,9 @@ void frmMain::RefillIcons(int select) {
         if (select >= 0 && select < IconEntries())
             SelectIcon(select);
     } catch (const ComponentError& error) {
-        // One damaged icon must not keep all else from being shown.
+        // One icon that cannot be read must not keep all else from being shown.
+        state_.currentIcon.reset();
+        iconView_.Clear();
         ShowMessage(this, QString::fromStdString(error.Description()));
     }
     EnableMenus();

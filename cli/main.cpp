@@ -1,9 +1,9 @@
+#include "base/ErrorSentence.h"
 #include "cli/CommandSet.h"
 #include "cli/Interrupt.h"
 #include "cli/Output.h"
 
 #include <exception>
-#include <new>
 
 namespace {
 
@@ -25,9 +25,7 @@ int main(int argumentCount, char** arguments) {
     } catch (const ComponentError& error) {
         const ExitStatus status = ExitStatusOf(error.Number(), IsInterrupted());
         return Report(status == ExitStatus::Interrupted ? InterruptStatus() : status, error.Description());
-    } catch (const std::bad_alloc&) {
-        return Report(ExitStatus::Failed, "There is not enough memory.");
     } catch (const std::exception& error) {
-        return Report(ExitStatus::Failed, error.what());
+        return Report(ExitStatus::Failed, SentenceOf(error));
     }
 }

@@ -1,5 +1,7 @@
 #include "component/Operations.h"
 
+#include "base/StandardErrors.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <exception>
@@ -62,10 +64,6 @@ private:
     std::thread thread_;
 };
 
-ComponentError OutOfMemory() {
-    return {ErrorNumber::OutOfMemory, "There is not enough memory for this operation."};
-}
-
 } // namespace
 
 /// Marks an operation as running.
@@ -102,11 +100,11 @@ void Operations::BetweenEvents(Progress& progress, const std::function<void()>& 
         work();
     } catch (const std::bad_alloc&) {
         RaiseEnd();
-        throw OutOfMemory();
+        throw LackOfMemory();
     } catch (const std::system_error& error) {
         RaiseEnd();
         if (error.code() == std::errc::resource_unavailable_try_again)
-            throw OutOfMemory(); // that is how a thread that cannot be started is told
+            throw LackOfMemory(); // that is how a thread that cannot be started is told
         throw;
     } catch (...) {
         RaiseEnd(); // not from a destructor: this handler, too, may throw

@@ -1,5 +1,6 @@
 #include "dialogs/frmExport.h"
 
+#include "base/ErrorSentence.h"
 #include "component/AtlavexMap.h"
 #include "dialogs/ExportNames.h"
 #include "platform/modBrowseFolder.h"
@@ -92,7 +93,7 @@ void frmExport::btnExport_Click() {
         ui_->btnCancel->setEnabled(true);
         ui_->btnExport->setEnabled(true);
         ui_->btnExport->setFocus();
-        ShowMessage(this, QString::fromUtf8(error.what()));
+        ShowMessage(this, QString::fromStdString(SentenceOf(error)));
         return;
     }
     ShowMessage(this, QStringLiteral("Tile Image Export completed!"));

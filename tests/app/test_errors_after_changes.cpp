@@ -1,0 +1,257 @@
+// What goes wrong when the library has been changed already: the change stays, and is shown and unsaved.
+
+#include "app/frmMain.h"
+#include "tests/app/RecordingLibrary.h"
+#include "tests/component/LibraryFixture.h"
+#include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ModalScript.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QDropEvent>
+#include <QLabel>
+#include <QMimeData>
+#include <QTabWidget>
+
+#include <new>
+
+namespace {
+
+const auto NoMemory = QStringLiteral("There is not enough memory.");
+
+/// Told of each call before it is passed on; what it throws fails the call.
+using Hook = std::function<void(const std::string& call)>;
+
+/// A real library some of whose calls can be made to fail.
+class FailingLibrary : public RecordingLibrary {
+public:
+    FailingLibrary(std::unique_ptr<AtlavexLibrary> real, Log& log, const ProgressProbe& probe, Hook& hook)
+        : RecordingLibrary(std::move(real), log, probe), hook_(hook) {}
+
+    std::int32_t MapCount() const override { return Tell("MapCount"), RecordingLibrary::MapCount(); }
+    std::int32_t IconCount() const override { return Tell("IconCount"), RecordingLibrary::IconCount(); }
+    std::string MapIdAt(std::int32_t position) const override {
+        return Tell("MapIdAt " + std::to_string(position)), RecordingLibrary::MapIdAt(position);
+    }
+    std::shared_ptr<AtlavexMap> GetMap(const std::string& reference) override {
+        return Tell("GetMap"), RecordingLibrary::GetMap(reference);
+    }
+    std::shared_ptr<AtlavexIcon> GetIcon(const std::string& reference) override {
+        return Tell("GetIcon"), RecordingLibrary::GetIcon(reference);
+    }
+    std::shared_ptr<AtlavexMap> AddMapFromImageFile(const std::string& file, const std::string& name,
+                                                    std::int32_t tileWidth,
+                                                    std::int32_t tileHeight) override {
+        return Tell("AddMap"), RecordingLibrary::AddMapFromImageFile(file, name, tileWidth, tileHeight);
+    }
+    std::shared_ptr<AtlavexIcon> AddIconFromImageFile(const std::string& file,
+                                                      const std::string& name) override {
+        return Tell("AddIcon"), RecordingLibrary::AddIconFromImageFile(file, name);
+    }
+    void RemoveMap(const std::string& reference) override {
+        Tell("RemoveMap");
+        RecordingLibrary::RemoveMap(reference);
+    }
+    void RemoveIcon(const std::string& reference) override {
+        Tell("RemoveIcon");
+        RecordingLibrary::RemoveIcon(reference);
+    }
+    bool IsEncrypted(const std::string& file) override {
+        return Tell("IsEncrypted"), RecordingLibrary::IsEncrypted(file);
+    }
+    void LoadFromFile(const std::string& file, const std::string& key) override {
+        Tell("LoadFromFile");
+        RecordingLibrary::LoadFromFile(file, key);
+    }
+
+private:
+    void Tell(const std::string& call) const {
+        if (const Hook now = hook_) // a copy: the hook may take itself away
+            now(call);
+    }
+
+    Hook& hook_;
+};
+
+class AfterChanges : public LibraryTest {
+protected:
+    /// A file of two scaled maps and so many icons.
+    std::string MakeFile(int icons) {
+        const auto library = NewLibrary();
+        for (const char* const name : {"map1", "map2"})
+            AddMap(*library, MakeSheet(PixelFormat::Rgb, 20, 20), name)
+                ->SetScalingThreePoints({8, 56, 0, 0}, {9, 56, 100, 0}, {8, 55, 0, 100});
+        for (int i = 1; i <= icons; ++i)
+            AddIcon(*library, MakeSheet(PixelFormat::Rgba, 16, 16), "icon" + std::to_string(i));
+        library->SaveToFile(PathOf("a.Atlavex"), {});
+        return PathOf("a.Atlavex");
+    }
+    void Start(const std::string& file) {
+        window_ = std::make_unique<frmMain>(false, [this](const LibraryOptions&) {
+            return std::make_shared<FailingLibrary>(NewLibrary(), log_, probe_, hook_);
+        });
+        window_->Form_Load(QString::fromStdString(file));
+        window_->show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window_.get()));
+    }
+    void StartWith(int icons) { Start(MakeFile(icons)); }
+
+    /// Once `after` has been called, the next call of that name fails for lack of memory, once.
+    void FailNext(const std::string& call, const std::string& after) {
+        const auto armed = std::make_shared<bool>(false);
+        hook_ = [this, call, after, armed](const std::string& now) {
+            *armed = *armed || now == after || after.empty();
+            if (!*armed || now != call)
+                return;
+            hook_ = nullptr;
+            throw std::bad_alloc();
+        };
+    }
+
+    template <typename Type>
+    Type& Find(const char* name) {
+        return *window_->findChild<Type*>(QLatin1String(name));
+    }
+    const EditorState& State() const { return window_->State(); }
+    ModalScript& Expecting() { return script_; }
+    QStringList EntriesOf(const char* list) {
+        QStringList entries;
+        for (int entry = 0; entry < Find<QComboBox>(list).count(); ++entry)
+            entries.append(Find<QComboBox>(list).itemText(entry));
+        return entries;
+    }
+    std::string TextOf(const char* label) { return Find<QLabel>(label).text().toStdString(); }
+    void Pick(const char* list, int entry) {
+        auto& combo = Find<QComboBox>(list);
+        combo.setCurrentIndex(entry);
+        Q_EMIT combo.activated(entry);
+    }
+    void Choose(const char* entry) {
+        ASSERT_TRUE(Find<QAction>(entry).isEnabled()) << entry;
+        Find<QAction>(entry).trigger();
+        EXPECT_TRUE(script_.IsDone());
+    }
+    /// Drops an image called "new" on the page of maps (0) or icons (1), which fails in the end.
+    void AddAndFail(int page) {
+        std::filesystem::rename(ImageOf(MakeSheet(PixelFormat::Grey, 40, 30)), PathOf("new.png"));
+        Find<QTabWidget>("tabAtlavex").setCurrentIndex(page);
+        script_.Expect(QStringLiteral("frmNewMap"), [](QWidget& window) { Click(window, "btnOK"); });
+        script_.ExpectBox(NoMemory);
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(QString::fromStdString(PathOf("new.png")))});
+        QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(window_.get(), &drop);
+        QApplication::processEvents();
+        EXPECT_TRUE(script_.IsDone());
+    }
+
+    ModalScript script_;
+    RecordingLibrary::Log log_;
+    ProgressProbe probe_;
+    Hook hook_;
+    std::unique_ptr<frmMain> window_;
+};
+
+} // namespace
+
+TEST_F(AfterChanges, AMapThatCannotBeListedIsAddedAndNoWizardRuns) {
+    StartWith(1);
+    FailNext("GetMap", "AddMap");
+    AddAndFail(0);
+    EXPECT_EQ(State().objAtlavex->MapCount(), 3);
+    EXPECT_TRUE(State().modified);
+    EXPECT_EQ(EntriesOf("ddMaps"), (QStringList{"map1", "map2", "new"}));
+    EXPECT_EQ(State().currentMap, nullptr) << "not the former one";
+    EXPECT_EQ(TextOf("lHeader"), "") << "no wizard asks for a point";
+    Pick("ddMaps", 2);
+    EXPECT_EQ(State().currentMap->Name(), "new");
+    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+}
+
+TEST_F(AfterChanges, AMapThatCannotBeShownIsAddedAndNoWizardRuns) {
+    StartWith(1);
+    // The third position is asked for by the list first, then by the choice.
+    hook_ = [asked = std::make_shared<int>(0)](const std::string& call) {
+        if (call == "MapIdAt 3" && ++*asked == 2)
+            throw std::bad_alloc();
+    };
+    AddAndFail(0);
+    EXPECT_TRUE(State().modified);
+    EXPECT_EQ(EntriesOf("ddMaps"), (QStringList{"map1", "map2", "new"}));
+    EXPECT_EQ(Find<QComboBox>("ddMaps").currentIndex(), -1);
+    EXPECT_EQ(State().currentMap, nullptr);
+    EXPECT_EQ(TextOf("lHeader"), "");
+}
+
+TEST_F(AfterChanges, AnIconThatCannotBeListedIsAddedAndDescribed) {
+    StartWith(1);
+    FailNext("GetIcon", "AddIcon");
+    AddAndFail(1);
+    EXPECT_TRUE(State().modified);
+    EXPECT_EQ(EntriesOf("ddIcons"), (QStringList{"icon1", "new"}));
+    EXPECT_EQ(IconAt(*State().objAtlavex, 2)->GetMetadata("version"), "1.0");
+}
+
+TEST_F(AfterChanges, ADeletedMapStaysDeletedAndUnsaved) {
+    StartWith(1);
+    FailNext("GetMap", "RemoveMap");
+    Expecting().ExpectBox(QStringLiteral("Are you sure you want to delete 'map1' map?"), QMessageBox::Yes);
+    Expecting().ExpectBox(NoMemory);
+    Choose("mBitmapDelete");
+    EXPECT_EQ(State().objAtlavex->MapCount(), 1);
+    EXPECT_TRUE(State().modified);
+    EXPECT_EQ(EntriesOf("ddMaps"), QStringList{"map2"});
+    EXPECT_EQ(State().currentMap, nullptr);
+    EXPECT_FALSE(Find<QAction>("mBitmapDelete").isEnabled());
+}
+
+TEST_F(AfterChanges, ADeletedIconStaysDeletedAndUnsaved) {
+    StartWith(2);
+    FailNext("GetIcon", "RemoveIcon");
+    Expecting().ExpectBox(QStringLiteral("Are you sure you want to delete 'icon1' Icon?"), QMessageBox::Yes);
+    Expecting().ExpectBox(NoMemory);
+    Choose("mIconsDeleteIcon");
+    EXPECT_TRUE(State().modified);
+    EXPECT_EQ(EntriesOf("ddIcons"), QStringList{"icon2"});
+    EXPECT_EQ(State().currentIcon, nullptr);
+}
+
+TEST_F(AfterChanges, ALackOfMemoryIsSaidInASentenceAndTheFormerEntryStays) {
+    StartWith(2);
+    FailNext("GetMap", "");
+    Expecting().ExpectBox(NoMemory);
+    Pick("ddMaps", 1);
+    EXPECT_EQ(Find<QComboBox>("ddMaps").currentIndex(), 0);
+    EXPECT_EQ(State().currentMap->Name(), "map1");
+    FailNext("GetIcon", "");
+    Expecting().ExpectBox(NoMemory);
+    Pick("ddIcons", 1);
+    EXPECT_EQ(Find<QComboBox>("ddIcons").currentIndex(), 0);
+    EXPECT_EQ(State().currentIcon->Name(), "icon1");
+}
+
+TEST_F(AfterChanges, AnOpenedFileHasItsTitleWhateverCannotBeShown) {
+    const std::string file = MakeFile(1);
+    FailNext("GetMap", "LoadFromFile");
+    script_.ExpectBox(NoMemory);
+    Start(file);
+    EXPECT_EQ(window_->windowTitle().toStdString(), "Quorvant Studio - " + file);
+    EXPECT_FALSE(State().modified);
+}
+
+TEST_F(AfterChanges, AFileIsCountedAndLoadedUnderTheHourglassAndCountedAgainWithoutIt) {
+    const std::string file = MakeFile(1);
+    std::vector<std::string> calls;
+    hook_ = [&calls](const std::string& call) {
+        const bool hourglass = QApplication::overrideCursor() != nullptr &&
+                               QApplication::overrideCursor()->shape() == Qt::WaitCursor;
+        calls.push_back(call + (hourglass ? " under the hourglass" : ""));
+    };
+    Start(file);
+    hook_ = nullptr;
+    ASSERT_GE(calls.size(), 7U);
+    calls.resize(7);
+    EXPECT_EQ(calls, (std::vector<std::string>{"IsEncrypted", "IsEncrypted", "MapCount under the hourglass",
+                                               "IconCount under the hourglass",
+                                               "LoadFromFile under the hourglass", "MapCount", "IconCount"}));
+}
