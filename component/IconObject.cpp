@@ -1,8 +1,35 @@
 #include "component/IconObject.h"
 
-#include "component/PixelImage.h"
-#include "component/imaging/RowReader.h"
-#include "component/imaging/TileCodec.h"
+#include "base/StandardErrors.h"
+#include "component/imaging/LargePicture.h"
+#include "component/render/Hatching.h"
+
+#include <algorithm>
+
+namespace {
+
+/// Rows are read in bands of so many pixels at most, but one row at least: a cancel is seen between them.
+constexpr std::int32_t BandPixels = 1 << 18;
+
+std::ptrdiff_t RowBytesOf(const ImageInfo& info) {
+    return static_cast<std::ptrdiff_t>(info.width) * BytesPerPixel(info.format);
+}
+
+Bytes ReadAllRows(RowReader& image, Progress& progress) {
+    const ImageInfo& info = image.Info();
+    const std::ptrdiff_t rowBytes = RowBytesOf(info);
+    Bytes pixels(static_cast<std::size_t>(rowBytes) * static_cast<std::size_t>(info.height));
+    const std::int32_t band = std::max(1, BandPixels / info.width);
+    for (std::int32_t row = 0; row < info.height; row += band) {
+        progress.ThrowIfCancelled();
+        const std::int32_t count = std::min(band, info.height - row);
+        image.ReadRows(pixels.data() + row * rowBytes, rowBytes, count);
+        progress.Add(count * rowBytes);
+    }
+    return pixels;
+}
+
+} // namespace
 
 std::vector<std::uint8_t> IconObject::PngFile() {
     const IconState& icon = Held();
@@ -13,32 +40,53 @@ std::vector<std::uint8_t> IconObject::PngFile() {
     return png;
 }
 
-std::shared_ptr<const AtlavexImage> IconObject::Image() {
-    const IconRecord& record = Held().record;
-    if (!image_) {
-        Bitmap bitmap(record.width, record.height);
-        TileDecoder().DecodeToScreen(PngFile(), record.width, record.height, bitmap.pixels.data(),
-                                     record.width);
-        image_ = std::make_shared<PixelImage>(std::move(bitmap));
+Bitmap IconObject::DrawPicture() {
+    Bitmap bitmap(Held().record.width, Held().record.height);
+    try {
+        TileDecoder().DecodeToScreen(PngFile(), bitmap.width, bitmap.height, bitmap.pixels.data(),
+                                     bitmap.width);
+    } catch (const ComponentError& error) {
+        if (error.Number() != ErrorNumber::FileDamaged)
+            throw;
+        FillHatched(bitmap.pixels, bitmap.width); // the icon itself is still there to be worked on
     }
-    return image_;
+    return bitmap;
 }
 
-IconRecord ImportIcon(const std::string& file, const std::string& name, Container& container,
-                      NumberSource& numbers) {
-    const std::unique_ptr<RowReader> reader = OpenImage(file);
-    const ImageInfo& info = reader->Info();
+std::shared_ptr<const AtlavexImage> IconObject::Image() {
+    Held();
+    if (auto image = image_.lock())
+        return image;
+    return TellingLackOfMemory([this] {
+        std::shared_ptr<const AtlavexImage> image = std::make_shared<PixelImage>(DrawPicture());
+        pictures_->Keep(image);
+        image_ = image;
+        return image;
+    });
+}
+
+std::unique_ptr<RowReader> OpenIconImage(const std::string& file) {
+    std::unique_ptr<RowReader> image = OpenImage(file);
+    const ImageInfo& info = image->Info();
     if (std::int64_t{info.width} * info.height > LargestIconPixels)
         throw ComponentError(ErrorNumber::ImageTooLarge,
                              "The image '" + file + "' is too large for an icon: it has more than " +
                                  std::to_string(LargestIconPixels >> 20) + " megapixels.");
-    const std::size_t rowBytes =
-        static_cast<std::size_t>(info.width) * static_cast<std::size_t>(BytesPerPixel(info.format));
-    Bytes pixels(rowBytes * static_cast<std::size_t>(info.height));
-    reader->ReadRows(pixels.data(), static_cast<std::ptrdiff_t>(rowBytes), info.height);
-    TileEncoder encoder;
-    const auto png = encoder.Encode({pixels.data(), static_cast<std::ptrdiff_t>(rowBytes), info.width,
-                                     info.height, info.format, &info.palette});
+    return image;
+}
+
+std::int64_t ImportIconWork(const ImageInfo& info) {
+    return 2 * static_cast<std::int64_t>(RowBytesOf(info)) * info.height; // read, then compressed
+}
+
+IconRecord ImportIcon(RowReader& image, const std::string& name, Container& container, NumberSource& numbers,
+                      Progress& progress) {
+    image.WatchForCancel(progress);
+    const ImageInfo& info = image.Info();
+    const Bytes pixels = ReadAllRows(image, progress);
+    const std::vector<std::uint8_t> png = EncodeInSteps(
+        {pixels.data(), RowBytesOf(info), info.width, info.height, info.format, &info.palette}, progress);
+    progress.ThrowIfCancelled();
     IconRecord record;
     record.name = name;
     record.width = info.width;

@@ -1,5 +1,6 @@
 #include "component/LibraryObject.h"
 
+#include "base/StandardErrors.h"
 #include "component/SharedLibrary.h"
 #include "component/imaging/PyramidBuilder.h"
 #include "component/storage/LibraryWriter.h"
@@ -11,6 +12,9 @@
 #include <optional>
 
 namespace {
+
+/// Decoded pictures of icons that are kept: two of the largest.
+constexpr std::size_t IconPictureBytes = std::size_t{130} << 20;
 
 constexpr char MapMark = 'm';
 constexpr char IconMark = 'i';
@@ -28,9 +32,18 @@ std::int64_t IdOf(char mark, const std::string& reference) {
     return isOne ? id : 0;
 }
 
+/// Objects stand in the order of their numbers: a library may hold very many.
 template <typename List>
 auto FindId(List& list, std::int64_t id) {
-    return std::find_if(list.begin(), list.end(), [id](const auto& object) { return object->id == id; });
+    const auto found = std::ranges::lower_bound(list, id, {}, [](const auto& object) { return object->id; });
+    return found != list.end() && (*found)->id == id ? found : list.end();
+}
+
+/// Room for one more, so that nothing can fail any more once a new object is complete.
+template <typename List>
+void MakeRoom(List& list) {
+    if (list.size() == list.capacity())
+        list.reserve(2 * list.size() + 1);
 }
 
 /// The object handed out for this number, if any, belongs to the library no more.
@@ -55,7 +68,7 @@ LibraryObject::LibraryObject(const LibraryOptions& options, LockWait waitForOthe
       files_(options.files ? options.files : SystemFiles()), operations_(std::make_shared<Operations>(*this)),
       views_(std::make_shared<ViewMemory>(options.threads, std::chrono::milliseconds(options.viewPatience),
                                           options.viewTiesUp)),
-      form_(Envelope::Plain()) {}
+      pictures_(std::make_shared<RecentPictures>(IconPictureBytes)), form_(Envelope::Plain()) {}
 
 LibraryObject::~LibraryObject() {
     // Objects that callers still hold must not reach a library that is gone.
@@ -93,18 +106,24 @@ std::shared_ptr<AtlavexIcon> LibraryObject::GetIcon(const std::string& reference
     const auto found = FindId(state_.icons, id);
     if (found == state_.icons.end())
         NoSuchIcon();
-    auto object = std::make_shared<IconObject>(*found);
+    auto object = std::make_shared<IconObject>(*found, pictures_);
     return iconObjects_.emplace(id, std::move(object)).first->second;
 }
 
 std::shared_ptr<AtlavexMap> LibraryObject::Append(std::shared_ptr<MapState> map) {
+    auto object = std::make_shared<MapObject>(map, operations_, views_, options_.threads);
+    MakeRoom(state_.maps);
+    mapObjects_.emplace(map->id, object);
     state_.maps.push_back(std::move(map));
-    return GetMap(ReferenceOf(MapMark, state_.maps.back()->id));
+    return object;
 }
 
 std::shared_ptr<AtlavexIcon> LibraryObject::Append(std::shared_ptr<IconState> icon) {
+    auto object = std::make_shared<IconObject>(icon, pictures_);
+    MakeRoom(state_.icons);
+    iconObjects_.emplace(icon->id, object);
     state_.icons.push_back(std::move(icon));
-    return GetIcon(ReferenceOf(IconMark, state_.icons.back()->id));
+    return object;
 }
 
 void LibraryObject::SetScratchFolder(const std::string& folder) {
@@ -132,6 +151,11 @@ std::shared_ptr<AtlavexMap> LibraryObject::AddMapFromImageFile(const std::string
                                                                const std::string& name,
                                                                std::int32_t tileWidth,
                                                                std::int32_t tileHeight) {
+    return TellingLackOfMemory([&] { return ImportMap(file, name, tileWidth, tileHeight); });
+}
+
+std::shared_ptr<AtlavexMap> LibraryObject::ImportMap(const std::string& file, const std::string& name,
+                                                     std::int32_t tileWidth, std::int32_t tileHeight) {
     const std::unique_ptr<RowReader> reader = OpenImage(file);
     const ImageInfo& info = reader->Info();
     const PyramidLayout layout(info.width, info.height, tileWidth, tileHeight);
@@ -161,12 +185,21 @@ std::shared_ptr<AtlavexMap> LibraryObject::AddMapFromImageFile(const std::string
 
 std::shared_ptr<AtlavexIcon> LibraryObject::AddIconFromImageFile(const std::string& file,
                                                                  const std::string& name) {
+    return TellingLackOfMemory([&] { return ImportIcon(file, name); });
+}
+
+std::shared_ptr<AtlavexIcon> LibraryObject::ImportIcon(const std::string& file, const std::string& name) {
+    const std::unique_ptr<RowReader> image = OpenIconImage(file);
     auto icon = std::make_shared<IconState>();
     const Addition addition(*this);
-    icon->container = ContainerForNew();
-    Savepoint savepoint(icon->container->File());
-    icon->record = ImportIcon(file, name, *icon->container, numbers_);
-    savepoint.Keep();
+    std::optional<Savepoint> savepoint; // as for a map
+    operations_->Run([&](Progress& progress) {
+        progress.Expect(ImportIconWork(image->Info()));
+        icon->container = ContainerForNew();
+        savepoint.emplace(icon->container->File());
+        icon->record = ::ImportIcon(*image, name, *icon->container, numbers_, progress);
+    });
+    savepoint->Keep();
     icon->id = numbers_.Take();
     return Append(std::move(icon));
 }
@@ -175,13 +208,13 @@ void LibraryObject::RemoveMap(const std::string& reference) {
     const auto found = FindId(state_.maps, IdOf(MapMark, reference));
     if (found == state_.maps.end())
         NoSuchMap();
-    const MapState& map = **found;
-    if (IsUnsaved(map.container, {BlobKind::MapRecord, map.id}) && !IsAloneInScratch(map.container)) {
-        Savepoint savepoint(map.container->File());
-        RemoveTiles(map.container, map.record);
+    const std::shared_ptr<MapState> map = *found;
+    if (IsUnsaved(map->container, {BlobKind::MapRecord, map->id}) && !IsAloneInScratch(map->container)) {
+        Savepoint savepoint(map->container->File());
+        RemoveTiles(map->container, map->record);
         savepoint.Keep();
     }
-    Forget(mapObjects_, map.id);
+    Forget(mapObjects_, map->id);
     state_.maps.erase(found);
     LeaveScratch();
 }
@@ -190,10 +223,10 @@ void LibraryObject::RemoveIcon(const std::string& reference) {
     const auto found = FindId(state_.icons, IdOf(IconMark, reference));
     if (found == state_.icons.end())
         NoSuchIcon();
-    const IconState& icon = **found;
-    if (IsUnsaved(icon.container, {BlobKind::IconRecord, icon.id}) && !IsAloneInScratch(icon.container))
-        icon.container->Remove(BlobKind::IconPicture, icon.record.picture.number);
-    Forget(iconObjects_, icon.id);
+    const std::shared_ptr<IconState> icon = *found;
+    if (IsUnsaved(icon->container, {BlobKind::IconRecord, icon->id}) && !IsAloneInScratch(icon->container))
+        icon->container->Remove(BlobKind::IconPicture, icon->record.picture.number);
+    Forget(iconObjects_, icon->id);
     state_.icons.erase(found);
     LeaveScratch();
 }

@@ -55,6 +55,9 @@ private:
     };
 
     void Replace(LibraryState state);
+    std::shared_ptr<AtlavexMap> ImportMap(const std::string& file, const std::string& name,
+                                          std::int32_t tileWidth, std::int32_t tileHeight);
+    std::shared_ptr<AtlavexIcon> ImportIcon(const std::string& file, const std::string& name);
     std::shared_ptr<AtlavexMap> Append(std::shared_ptr<MapState> map);
     std::shared_ptr<AtlavexIcon> Append(std::shared_ptr<IconState> icon);
     std::shared_ptr<const Envelope> NewForm(const std::string& key) const;
@@ -102,6 +105,7 @@ private:
     std::shared_ptr<FileSystem> files_;
     std::shared_ptr<Operations> operations_;
     std::shared_ptr<ViewMemory> views_;
+    std::shared_ptr<RecentPictures> pictures_;
     LibraryState state_;
     NumberSource numbers_;
     RememberedKey key_;

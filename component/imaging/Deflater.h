@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Progress.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -18,8 +20,11 @@ public:
     std::size_t Bound(std::size_t size) const;
 
     /// Compresses `raw` into `out`, which holds at least Bound(raw.size()) bytes; answers the length of the
-    /// stream. Throws Failed when the compressor refuses, which no content makes it do.
-    std::size_t Compress(std::span<const std::uint8_t> raw, std::span<std::uint8_t> out);
+    /// stream. Throws Failed when the compressor refuses, which no content makes it do. With a progress, the
+    /// bytes are added to it in steps and its cancel is seen between them, as far as the library works in
+    /// steps: ISA-L does, libdeflate sees it before and after.
+    std::size_t Compress(std::span<const std::uint8_t> raw, std::span<std::uint8_t> out,
+                         Progress* progress = nullptr);
 
 private:
     struct State;

@@ -1,4 +1,4 @@
-#include "component/imaging/TileCodec.h"
+#include "component/imaging/LargePicture.h"
 
 #include "base/ComponentError.h"
 #include "component/imaging/Deflater.h"
@@ -7,14 +7,16 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
-struct TileEncoder::State {
+namespace {
+
+/// What is kept from picture to picture.
+struct EncoderBuffers {
     Deflater deflater;
     std::vector<std::uint8_t> filtered;
     std::vector<std::uint8_t> png;
 };
-
-namespace {
 
 /// Large enough for any tile or icon, and small enough for the compressor's 32-bit lengths.
 constexpr std::int64_t MostBytes = std::int64_t{1} << 30;
@@ -114,7 +116,26 @@ void FilterRows(const PixelView& view, std::vector<std::uint8_t>& filtered) {
     }
 }
 
+/// Answers the length of the file in `buffers.png`.
+std::size_t EncodeInto(EncoderBuffers& buffers, const PixelView& view, Progress* progress) {
+    CheckView(view);
+    PngChunkWriter writer(buffers.png);
+    AppendHeader(writer, view);
+    if (view.format == PixelFormat::Palette)
+        AppendPalette(writer, view);
+    FilterRows(view, buffers.filtered);
+    const std::span<std::uint8_t> room =
+        writer.Open(PngIdat, buffers.deflater.Bound(buffers.filtered.size()));
+    writer.Close(buffers.deflater.Compress(buffers.filtered, room, progress));
+    writer.Append(PngIend, {});
+    return writer.Size();
+}
+
 } // namespace
+
+struct TileEncoder::State {
+    EncoderBuffers buffers;
+};
 
 TileEncoder::TileEncoder() : state_(std::make_unique<State>()) {}
 TileEncoder::~TileEncoder() = default;
@@ -122,15 +143,12 @@ TileEncoder::TileEncoder(TileEncoder&&) noexcept = default;
 TileEncoder& TileEncoder::operator=(TileEncoder&&) noexcept = default;
 
 std::span<const std::uint8_t> TileEncoder::Encode(const PixelView& view) {
-    CheckView(view);
-    PngChunkWriter writer(state_->png);
-    AppendHeader(writer, view);
-    if (view.format == PixelFormat::Palette)
-        AppendPalette(writer, view);
-    FilterRows(view, state_->filtered);
-    const std::span<std::uint8_t> room =
-        writer.Open(PngIdat, state_->deflater.Bound(state_->filtered.size()));
-    writer.Close(state_->deflater.Compress(state_->filtered, room));
-    writer.Append(PngIend, {});
-    return {state_->png.data(), writer.Size()};
+    const std::size_t size = EncodeInto(state_->buffers, view, nullptr);
+    return {state_->buffers.png.data(), size};
+}
+
+std::vector<std::uint8_t> EncodeInSteps(const PixelView& view, Progress& progress) {
+    EncoderBuffers buffers;
+    buffers.png.resize(EncodeInto(buffers, view, &progress));
+    return std::move(buffers.png);
 }

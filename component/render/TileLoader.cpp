@@ -1,6 +1,7 @@
 #include "component/render/TileLoader.h"
 
 #include "base/ComponentError.h"
+#include "component/render/Hatching.h"
 #include "component/render/ShortThreads.h"
 
 #include <algorithm>
@@ -17,15 +18,12 @@ constexpr std::size_t UsualCacheBytes = std::size_t{128} << 20;
 /// again with each step of the mouse; larger views are drawn in several blocks.
 constexpr std::size_t LargestBlockBytes = std::size_t{256} << 20;
 
-constexpr std::uint32_t HatchGround = 0xFFE4E4E4;
-constexpr std::uint32_t HatchLine = 0xFFB04040;
-constexpr std::int32_t HatchPeriod = 16;
-constexpr std::int32_t HatchWidth = 3;
+std::size_t PixelsOfTile(const PyramidLayout& layout) {
+    return static_cast<std::size_t>(layout.TileWidth()) * static_cast<std::size_t>(layout.TileHeight());
+}
 
 std::shared_ptr<std::uint32_t[]> NewTile(const PyramidLayout& layout) {
-    const auto count =
-        static_cast<std::size_t>(layout.TileWidth()) * static_cast<std::size_t>(layout.TileHeight());
-    return std::make_shared_for_overwrite<std::uint32_t[]>(count);
+    return std::make_shared_for_overwrite<std::uint32_t[]>(PixelsOfTile(layout));
 }
 
 TilePixels MakeBlankTile(const PyramidLayout& layout) {
@@ -36,9 +34,7 @@ TilePixels MakeBlankTile(const PyramidLayout& layout) {
 
 TilePixels MakeHatchedTile(const PyramidLayout& layout) {
     auto tile = NewTile(layout);
-    for (std::int32_t y = 0, i = 0; y < layout.TileHeight(); ++y)
-        for (std::int32_t x = 0; x < layout.TileWidth(); ++x, ++i)
-            tile[i] = (x + y) % HatchPeriod < HatchWidth ? HatchLine : HatchGround;
+    FillHatched({tile.get(), PixelsOfTile(layout)}, layout.TileWidth());
     return tile;
 }
 

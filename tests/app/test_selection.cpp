@@ -1,8 +1,11 @@
+#include "component/imaging/Bitmap.h"
 #include "tests/app/ShellFixture.h"
 
 #include <QAbstractItemView>
 #include <QScrollBar>
 #include <QWheelEvent>
+
+#include <set>
 
 namespace {
 
@@ -28,12 +31,14 @@ protected:
         content[middle] = static_cast<char>(content[middle] ^ 1);
         WriteWholeFile(file, content);
     }
-    void ExpectDamage(const std::string& file) {
-        Expecting().Expect(QStringLiteral("MessageBox"), [file](QWidget& window) {
-            EXPECT_THAT(dynamic_cast<QMessageBox&>(window).text().toStdString(),
-                        testing::AllOf(testing::HasSubstr(file), testing::HasSubstr("damaged")));
-            QTest::keyClick(&window, Qt::Key_Return);
-        });
+    /// The icon view shows the pattern of what is damaged and nothing else.
+    bool ShowsHatching() {
+        const auto image = Find<KarvelViewer>("viewerIcon").Image();
+        if (image == nullptr || image->Pixels() == nullptr)
+            return false;
+        const auto& pixels = image->Pixels()->pixels;
+        const std::set<std::uint32_t> colours(pixels.begin(), pixels.end());
+        return colours == std::set<std::uint32_t>{0xFFB04040, 0xFFE4E4E4};
     }
     /// Clicks the entry in the open list.
     void PickWithTheMouse(const char* list, int entry) {
@@ -244,30 +249,51 @@ TEST_F(Selecting, ANameThatLooksLikeMarkupIsShownAsItIs) {
     EXPECT_EQ(EntriesOf("ddMaps"), QStringList(QStringLiteral("<b>bold</b> & æøå")));
 }
 
-TEST_F(Selecting, ADamagedIconIsSaidAndTheFormerOneStays) {
+TEST_F(Selecting, ADamagedIconIsShownHatchedAndBecomesCurrent) {
     const std::string file = MakeLibrary("a.Atlavex", {{20, 20}}, 2);
     DamageIcon(file, 2);
     StartWith(file);
     ClickTab(1);
-    ExpectDamage(file);
+    EXPECT_FALSE(ShowsHatching());
     Pick("ddIcons", 1);
-    EXPECT_EQ(EntryOf("ddIcons"), 0);
-    EXPECT_EQ(State().currentIcon->Name(), "icon1");
+    EXPECT_EQ(EntryOf("ddIcons"), 1);
+    EXPECT_EQ(State().currentIcon->Name(), "icon2");
     EXPECT_EQ(TextOf("lbSize"), "Icon size: (16, 16)");
+    EXPECT_TRUE(ShowsHatching());
+    Pick("ddIcons", 0);
+    EXPECT_FALSE(ShowsHatching());
 }
 
-TEST_F(Selecting, ADamagedFirstIconKeepsNoMapFromBeingShown) {
+TEST_F(Selecting, ADamagedFirstIconIsShownAsTheMapsAre) {
     const std::string file = MakeLibrary("a.Atlavex", {{20, 30}}, 2);
     DamageIcon(file, 1);
-    Start();
-    ExpectFileDialog(QStringLiteral("Open Atlavex"), file);
-    ExpectDamage(file);
-    Choose("mFileOpenAtlavex");
+    StartWith(file);
     EXPECT_EQ(Title(), "Quorvant Studio - " + file);
-    EXPECT_EQ(TextOf("lbSize"), "Bitmap size: (20, 30)");
-    EXPECT_EQ(EntryOf("ddIcons"), -1);
+    EXPECT_EQ(EntryOf("ddIcons"), 0);
+    EXPECT_TRUE(ShowsHatching());
     EXPECT_TRUE(State().mapScaled);
-    ClickTab(1);
-    Pick("ddIcons", 1);
-    EXPECT_EQ(State().currentIcon->Name(), "icon2");
+}
+
+TEST_F(Selecting, ADamagedIconCanBeRenamedMovedAndDeleted) {
+    const std::string file = MakeLibrary("a.Atlavex", {{20, 20}}, 2);
+    DamageIcon(file, 1);
+    StartWith(file);
+    Expecting().Expect(QStringLiteral("frmMetadata"), [](QWidget& window) {
+        TypeInto(window, "tbMetaName", QStringLiteral("torn"));
+        Click(window, "btnOK");
+    });
+    Choose("mIconsRenameIcons");
+    Edit(QStringLiteral("7"));
+    Choose("mFileSaveAtlavex");
+    {
+        const auto saved = Open(file);
+        EXPECT_EQ(IconAt(*saved, 1)->Name(), "torn");
+        EXPECT_EQ(IconAt(*saved, 1)->OffsetX(), 7);
+        EXPECT_EQ(saved->Verify().size(), 1U);
+    }
+    Expecting().ExpectBox(QStringLiteral("Are you sure you want to delete 'torn' Icon?"), QMessageBox::Yes);
+    Choose("mIconsDeleteIcon");
+    EXPECT_EQ(EntriesOf("ddIcons"), QStringList{"icon2"});
+    Choose("mFileSaveAtlavex");
+    EXPECT_TRUE(Open(file)->Verify().empty());
 }

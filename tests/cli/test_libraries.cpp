@@ -172,6 +172,19 @@ TEST_F(Libraries, AStandardOutputThatCannotBeWrittenIsAFailure) {
     EXPECT_THAT(result.err, HasSubstr("standard output"));
 }
 
+TEST_F(Libraries, InfoSaysAllOfALibraryWithADamagedPicture) {
+    const std::string library = NewLibrary();
+    for (const char* name : {"Hut", "Mill"})
+        Do({"add-icon", library, Bmp("icon.bmp", 64, 48), "--name", name, "--offset", "1,2"});
+    const auto before = DoJson({"info", library});
+    const std::string text = Do({"info", library});
+    DamagePicture(library, 0);
+    ExpectFailure(7, {"verify", library});
+    EXPECT_EQ(DoJson({"info", library}), before);
+    EXPECT_EQ(Do({"info", library}), text);
+    EXPECT_THAT(text, HasSubstr("pixels: 64x48"));
+}
+
 TEST_F(Libraries, ABrokenStructureIsSaidInWordsOfTheUsers) {
     const std::string library = ScaledLibrary();
     Do({"add-map", library, Bmp("x.bmp", 900, 700)});

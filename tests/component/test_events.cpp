@@ -44,6 +44,7 @@ protected:
                 {"merge itself", [this](AtlavexLibrary& l) { l.MergeFromFile(file_, "key"); }, false},
                 {"add a map", [this](AtlavexLibrary& l) { l.AddMapFromImageFile(image_, "added", 64, 64); },
                  true},
+                {"add an icon", [this](AtlavexLibrary& l) { l.AddIconFromImageFile(image_, "added"); }, true},
                 {"save", [this](AtlavexLibrary& l) { l.SaveToFile(file_, "key"); }, true},
                 {"save as", [this](AtlavexLibrary& l) { l.SaveToFile(PathOf("new.Atlavex"), "key"); }, true},
                 {"save under a new key", [this](AtlavexLibrary& l) { l.SaveToFile(file_, "new"); }, true},
