@@ -208,7 +208,7 @@ void LibraryObject::RemoveMap(const std::string& reference) {
     const auto found = FindId(state_.maps, IdOf(MapMark, reference));
     if (found == state_.maps.end())
         NoSuchMap();
-    const std::shared_ptr<MapState> map = *found;
+    std::shared_ptr<MapState> map = *found;
     if (IsUnsaved(map->container, {BlobKind::MapRecord, map->id}) && !IsAloneInScratch(map->container)) {
         Savepoint savepoint(map->container->File());
         RemoveTiles(map->container, map->record);
@@ -216,6 +216,7 @@ void LibraryObject::RemoveMap(const std::string& reference) {
     }
     Forget(mapObjects_, map->id);
     state_.maps.erase(found);
+    map.reset(); // it holds the scratch
     LeaveScratch();
 }
 
@@ -223,11 +224,12 @@ void LibraryObject::RemoveIcon(const std::string& reference) {
     const auto found = FindId(state_.icons, IdOf(IconMark, reference));
     if (found == state_.icons.end())
         NoSuchIcon();
-    const std::shared_ptr<IconState> icon = *found;
+    std::shared_ptr<IconState> icon = *found;
     if (IsUnsaved(icon->container, {BlobKind::IconRecord, icon->id}) && !IsAloneInScratch(icon->container))
         icon->container->Remove(BlobKind::IconPicture, icon->record.picture.number);
     Forget(iconObjects_, icon->id);
     state_.icons.erase(found);
+    icon.reset(); // as above
     LeaveScratch();
 }
 
