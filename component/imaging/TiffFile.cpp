@@ -41,6 +41,15 @@ std::string Formatted(const char* format, std::va_list arguments) {
     return sentence;
 }
 
+/// The JPEG libraries only warn before they fill what is missing with grey, the facsimile coders before they
+/// end a row that is too short, give up one that is too long, or leave out the rows that a strip lacks. All
+/// other warnings are of tags and of padding, and leave the pixels whole.
+bool IsOfInventedPixels(std::string_view module, std::string_view text) {
+    if (module == "JPEGLib" || module == "LibJpeg")
+        return text.find("extraneous bytes") == std::string_view::npos;
+    return module.starts_with("Fax3Decode") || module == "Fax4Decode";
+}
+
 } // namespace
 
 TiffFile::TiffFile(const std::filesystem::path& path) : file_(path) {
@@ -90,10 +99,7 @@ int TiffFile::OnError(::TIFF*, void* self, const char* module, const char* forma
 int TiffFile::OnWarning(::TIFF*, void* self, const char* module, const char* format, std::va_list arguments) {
     auto* tiff = static_cast<TiffFile*>(self);
     const std::string text = Formatted(format, arguments);
-    // The JPEG library only warns before it fills what is missing with grey; all other warnings are of tags
-    // and of padding, and leave the pixels whole.
-    const bool isOfJpeg = module != nullptr && std::string_view(module) == "JPEGLib";
-    if (isOfJpeg && text.find("extraneous bytes") == std::string::npos && tiff->complaint_.empty())
+    if (IsOfInventedPixels(module != nullptr ? module : "", text) && tiff->complaint_.empty())
         tiff->complaint_ = text;
     if (text.find("\"ColorMap\"") != std::string::npos)
         tiff->colourMapLost_ = true;

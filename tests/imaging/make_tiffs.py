@@ -285,6 +285,48 @@ def make_lab(folder):
     write_truth(file, rgba_of(*(c.clip(0, 255).round().astype(numpy.uint8) for c in shown)))
 
 
+def strips_of(file):
+    """The stored strips of a TIFF file and its tags of one number."""
+    with Image.open(file) as image, open(file, "rb") as data:
+        tags = {number: image.tag_v2[number] for number in (259, 266, 292) if number in image.tag_v2}
+        strips = []
+        for offset, length in zip(image.tag_v2[273], image.tag_v2[279]):
+            data.seek(offset)
+            strips.append(data.read(length))
+    return strips, tags
+
+
+def make_fax(folder):
+    """Facsimile coders in strips of 20 rows and in one; "cut-", "short-" and "narrow-" files lack pixels."""
+    picture = numpy.asarray(Image.fromarray(test_picture(200, 100)).convert("1"), numpy.uint8)
+
+    def strips_with(coder, picture, rows):
+        """The strips as another library codes them."""
+        file = os.path.join(folder, "source.tif")
+        save_gdal(file, in_memory(picture), "NBITS=1", "COMPRESS=CCITT" + coder, f"BLOCKYSIZE={rows}")
+        return strips_of(file)
+
+    def put(name, strips, tags, rows):
+        all_tags = basic_tags(1, 1, 1, 200, 100, rows) | {number: (3, [value]) for number, value in tags.items()}
+        if 292 in all_tags:
+            all_tags[292] = 4, all_tags[292][1]
+        write_tiff(os.path.join(folder, name + ".tif"), all_tags, strips)
+
+    for coder in "RLE", "FAX3", "FAX4":
+        for rows in 20, 100:
+            strips, tags = strips_with(coder, picture, rows)
+            name = f"{coder}-{rows}"
+            put("whole-" + name, strips, tags, rows)
+            write_truth(os.path.join(folder, f"whole-{name}.tif"), rgba_of(picture * numpy.uint8(255)))
+            for i in {0, len(strips) // 2, len(strips) - 1}:
+                put(f"cut-{i}-{name}", [*strips[:i], strips[i][:len(strips[i]) // 2], *strips[i + 1:]], tags, rows)
+                fewer, _ = strips_with(coder, picture[:rows - 7], rows - 7)
+                put(f"short-{i}-{name}", [*strips[:i], fewer[0], *strips[i + 1:]], tags, rows)
+                narrow, _ = strips_with(coder, picture[:rows, :192], rows)
+                put(f"narrow-{i}-{name}", [*strips[:i], narrow[0], *strips[i + 1:]], tags, rows)
+    os.remove(os.path.join(folder, "source.tif"))
+
+
 def make_pixels_last(folder):
     """Files whose tags stand first, so that a cut takes pixels only."""
     memory = in_memory(*numpy.moveaxis(test_picture(200, 150), -1, 0))

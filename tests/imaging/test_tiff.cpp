@@ -182,6 +182,24 @@ TEST(Tiff, CutPixelsAreDamagedInEveryCoder) {
     }
 }
 
+TEST(Tiff, FacsimileCodersAreRead) {
+    CheckTheme("fax");
+}
+
+TEST(Tiff, FacsimileRowsThatAreMissingOrOfAnotherLengthAreDamagedAlthoughTheirLibraryOnlyWarns) {
+    const TempFolder folder;
+    RunScript("make_tiffs.py", {"fax", folder.Path().string()});
+    int damaged = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.Path())) {
+        const std::string name = entry.path().filename().string();
+        if (entry.path().extension() != ".tif" || name.starts_with("whole"))
+            continue;
+        ++damaged;
+        EXPECT_EQ(ErrorOf(entry.path()), ErrorNumber::ImageDamaged) << name;
+    }
+    EXPECT_EQ(damaged, 3 * (3 * 3 + 3));
+}
+
 TEST(Tiff, JpegDataThatEndTooEarlyAreDamagedAlthoughTheirLibraryOnlyWarns) {
     const TempFolder folder;
     RunScript("make_tiffs.py", {"pixels-last", folder.Path().string()});
