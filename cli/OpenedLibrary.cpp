@@ -3,6 +3,7 @@
 #include "cli/ExitStatus.h"
 #include "cli/Interrupt.h"
 #include "cli/Output.h"
+#include "component/ImageRemarks.h"
 #include "component/SaveNotes.h"
 #include "component/SharedLibrary.h"
 
@@ -86,6 +87,7 @@ void OpenedLibrary::WatchWork() {
         bar->Show(done);
     };
     library_->OnProgressEnd = [bar] { bar->End(); };
+    OnImageRemark(*library_, PrintMessage);
 }
 
 void OpenedLibrary::Save() {

@@ -180,7 +180,9 @@ std::shared_ptr<AtlavexMap> LibraryObject::ImportMap(const std::string& file, co
     });
     savepoint->Keep();
     map->id = numbers_.Take();
-    return Append(std::move(map));
+    auto added = Append(std::move(map));
+    RaiseRemarks(reader->Remarks());
+    return added;
 }
 
 std::shared_ptr<AtlavexIcon> LibraryObject::AddIconFromImageFile(const std::string& file,
@@ -201,7 +203,14 @@ std::shared_ptr<AtlavexIcon> LibraryObject::ImportIcon(const std::string& file, 
     });
     savepoint->Keep();
     icon->id = numbers_.Take();
-    return Append(std::move(icon));
+    auto added = Append(std::move(icon));
+    RaiseRemarks(image->Remarks());
+    return added;
+}
+
+void LibraryObject::RaiseRemarks(const std::vector<std::string>& remarks) const {
+    if (tellRemark_)
+        std::ranges::for_each(remarks, tellRemark_);
 }
 
 void LibraryObject::RemoveMap(const std::string& reference) {
@@ -329,6 +338,10 @@ std::vector<Damage> LibraryObject::Verify() {
 std::unique_ptr<AtlavexLibrary> CreateSharedLibrary(const LibraryOptions& options,
                                                     WaitForOthers waitForOthers) {
     return std::make_unique<LibraryObject>(options, std::move(waitForOthers));
+}
+
+void OnImageRemark(AtlavexLibrary& library, std::function<void(const std::string& sentence)> tell) {
+    dynamic_cast<LibraryObject&>(library).tellRemark_ = std::move(tell);
 }
 
 std::unique_ptr<AtlavexLibrary> CreateAtlavexLibrary(const LibraryOptions& options) {

@@ -2,6 +2,7 @@
 
 #include "component/AtlavexLibrary.h"
 #include "component/IconObject.h"
+#include "component/ImageRemarks.h"
 #include "component/MapObject.h"
 #include "component/storage/Disposal.h"
 #include "component/storage/KnownFiles.h"
@@ -58,6 +59,8 @@ private:
     std::shared_ptr<AtlavexMap> ImportMap(const std::string& file, const std::string& name,
                                           std::int32_t tileWidth, std::int32_t tileHeight);
     std::shared_ptr<AtlavexIcon> ImportIcon(const std::string& file, const std::string& name);
+    void RaiseRemarks(const std::vector<std::string>& remarks) const;
+    friend void OnImageRemark(AtlavexLibrary& library, std::function<void(const std::string& sentence)> tell);
     std::shared_ptr<AtlavexMap> Append(std::shared_ptr<MapState> map);
     std::shared_ptr<AtlavexIcon> Append(std::shared_ptr<IconState> icon);
     std::shared_ptr<const Envelope> NewForm(const std::string& key) const;
@@ -119,4 +122,5 @@ private:
     std::map<std::int64_t, std::shared_ptr<MapObject>> mapObjects_;
     std::map<std::int64_t, std::shared_ptr<IconObject>> iconObjects_;
     Disposal disposal_;
+    std::function<void(const std::string& sentence)> tellRemark_;
 };

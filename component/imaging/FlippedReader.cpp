@@ -23,6 +23,7 @@ void MirrorRow(std::uint8_t* row, const ImageInfo& info) {
 MirroredReader::MirroredReader(std::unique_ptr<RowReader> stored) : stored_(std::move(stored)) {
     info_ = stored_->Info();
     info_.orientation = Orientation::TopRight;
+    ShareRemarksOf(*stored_);
 }
 
 void MirroredReader::WatchForCancel(const Progress& progress) {
@@ -39,6 +40,7 @@ FlippedReader::FlippedReader(std::unique_ptr<RowReader> stored, Orientation orie
     : stored_(std::move(stored)) {
     info_ = stored_->Info();
     info_.orientation = orientation;
+    ShareRemarksOf(*stored_);
 }
 
 void FlippedReader::WatchForCancel(const Progress& progress) {

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <string>
+#include <vector>
 
 /// Which way a stored image is to be turned for display; the numbers are those of the Exif and TIFF
 /// orientation tags: the value says where the first stored row and column lie in the displayed image.
@@ -54,7 +56,14 @@ public:
     /// progress.Cancel(); `progress` must outlive the reader's use.
     virtual void WatchForCancel(const Progress& progress) { progress_ = &progress; }
 
+    /// What of the image was passed over, or shown otherwise than it is stored: one sentence each, naming
+    /// the file. Complete once all rows are read.
+    const std::vector<std::string>& Remarks() const { return *remarks_; }
+
 protected:
+    void Remark(std::string sentence) { remarks_->push_back(std::move(sentence)); }
+    /// For a reader over another one, which may end before this does.
+    void ShareRemarksOf(const RowReader& stored) { remarks_ = stored.remarks_; }
     void ThrowIfCancelled() const {
         if (progress_ != nullptr)
             progress_->ThrowIfCancelled();
@@ -64,12 +73,14 @@ protected:
 
 private:
     const Progress* progress_ = nullptr;
+    std::shared_ptr<std::vector<std::string>> remarks_ = std::make_shared<std::vector<std::string>>();
 };
 
 /// Opens an image file of any supported kind: BMP, GIF, JPEG, TIFF or PNG. The content decides the kind, not
 /// the name. Grey, 8-bit palette, RGB and RGBA pixels stay as they are; 16-bit samples become round(v / 257);
-/// CMYK, YCbCr, Lab and float are converted as the codec libraries do; colour profiles are not applied;
-/// Exif and TIFF orientation are. GIF: the first frame on the logical screen. TIFF: the first page.
-/// Errors: FileNotFound, FileNotReadable (a folder, a device, no permission), ImageNotReadable (no image, or
-/// of a kind that is not read), ImageDamaged, ImageTooLarge, OutOfMemory.
+/// CMYK, YCbCr and Lab are converted as the codec libraries do; signed and floating-point samples are
+/// stretched between their extremes; colour profiles are not applied; Exif and TIFF orientation are. GIF: the
+/// first frame on the logical screen. TIFF: the first page. Errors: FileNotFound, FileNotReadable (a folder,
+/// a device, no permission), ImageNotReadable (no image, or of a kind that is not read), ImageDamaged,
+/// ImageTooLarge, OutOfMemory.
 std::unique_ptr<RowReader> OpenImage(const std::filesystem::path& file);

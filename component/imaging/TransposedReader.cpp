@@ -42,6 +42,7 @@ TransposedReader::TransposedReader(std::unique_ptr<RowReader> stored, Orientatio
     info_ = stored_->Info();
     std::swap(info_.width, info_.height);
     info_.orientation = orientation;
+    ShareRemarksOf(*stored_);
 }
 
 void TransposedReader::WatchForCancel(const Progress& progress) {
