@@ -31,8 +31,9 @@ void CheckImageSize(const std::filesystem::path& path, std::int64_t width, std::
         ThrowImageError(ErrorNumber::ImageTooLarge, path, size + " are more than the program accepts");
 }
 
-void CheckPixelsPerByte(const std::filesystem::path& path, std::int64_t pixels, std::int64_t fileSize) {
-    if (pixels > AlwaysAcceptedPixels && pixels / MostPixelsPerByte > fileSize)
+void CheckPixelsPerByte(const std::filesystem::path& path, std::int64_t pixels, std::int64_t fileSize,
+                        std::int64_t alwaysAccepted) {
+    if (pixels > alwaysAccepted && pixels / MostPixelsPerByte > fileSize)
         ThrowImageError(ErrorNumber::ImageTooLarge, path,
                         std::to_string(pixels) + " pixels in a file of " + std::to_string(fileSize) +
                             " bytes are more than the program accepts");

@@ -29,7 +29,8 @@ void CheckImageSize(const std::filesystem::path& path, std::int64_t width, std::
 /// ends at 4096 pixels in 12 bits, run lengths at 255 in 16, Huffman-coded JPEG at 64 in 1.
 inline constexpr std::int64_t AlwaysAcceptedPixels = std::int64_t{1} << 26;
 inline constexpr std::int64_t MostPixelsPerByte = 8192;
-void CheckPixelsPerByte(const std::filesystem::path& path, std::int64_t pixels, std::int64_t fileSize);
+void CheckPixelsPerByte(const std::filesystem::path& path, std::int64_t pixels, std::int64_t fileSize,
+                        std::int64_t alwaysAccepted = AlwaysAcceptedPixels);
 
 /// A buffer, or ErrorNumber::OutOfMemory naming the file.
 std::vector<std::uint8_t> ImageBuffer(const std::filesystem::path& path, std::int64_t bytes);

@@ -1,6 +1,7 @@
 #include "component/imaging/TiffConverted.h"
 
 #include "component/imaging/ImageError.h"
+#include "component/imaging/TiffNames.h"
 
 #include <algorithm>
 #include <array>
@@ -28,8 +29,7 @@ TiffConverted::TiffConverted(TiffFile& file, const TiffLayout& layout)
     auto image = std::make_unique<TIFFRGBAImage>();
     if (TIFFRGBAImageOK(file.Handle(), reason.data()) == 0 ||
         TIFFRGBAImageBegin(image.get(), file.Handle(), 1, reason.data()) == 0)
-        ThrowNotReadable(file.Path(),
-                         reason[0] != '\0' ? reason.data() : "its colours are of a kind that is not read");
+        ThrowNotReadable(file.Path(), "its " + TiffPixelsText(file) + " are of a kind that is not read");
     image_.reset(image.release());
     // Rows come as they are stored; the orientation is applied later to the whole.
     image_->orientation = ORIENTATION_TOPLEFT;

@@ -50,6 +50,12 @@ bool IsOfInventedPixels(std::string_view module, std::string_view text) {
     return module.starts_with("Fax3Decode") || module == "Fax4Decode";
 }
 
+/// Tags without a name are none that this program asks for; libtiff goes on without them.
+bool IsOfPassedOverTag(std::string_view text) {
+    return text.find("\"Tag ") != std::string_view::npos ||
+           text.find("tag ignored") != std::string_view::npos;
+}
+
 } // namespace
 
 TiffFile::TiffFile(const std::filesystem::path& path) : file_(path) {
@@ -84,15 +90,26 @@ void TiffFile::Check(bool succeeded) const {
         ThrowComplaint();
 }
 
-void TiffFile::ThrowComplaint() const {
-    ThrowDamaged(Path(), complaint_.empty() ? "its TIFF structure is broken" : complaint_);
+void TiffFile::ForgetComplaints() {
+    if (!complaint_.empty())
+        hint_ = complaint_;
+    complaint_.clear();
 }
 
-/// The first complaint is the cause, later ones its consequences.
+void TiffFile::ThrowComplaint() const {
+    if (!complaint_.empty())
+        ThrowDamaged(Path(), complaint_);
+    ThrowDamaged(Path(), hint_.empty() ? "its TIFF structure is broken"
+                                       : "its TIFF structure is broken (" + hint_ + ")");
+}
+
+/// The first complaint is the cause, later ones its consequences; unless it is of a tag that nobody needs.
 int TiffFile::OnError(::TIFF*, void* self, const char* module, const char* format, std::va_list arguments) {
-    std::string& complaint = static_cast<TiffFile*>(self)->complaint_;
-    if (complaint.empty())
-        complaint = (module != nullptr ? std::string(module) + ": " : "") + Formatted(format, arguments);
+    auto* tiff = static_cast<TiffFile*>(self);
+    const std::string text = Formatted(format, arguments);
+    std::string& kept = IsOfPassedOverTag(text) ? tiff->hint_ : tiff->complaint_;
+    if (&kept == &tiff->hint_ || kept.empty())
+        kept = (module != nullptr ? std::string(module) + ": " : "") + text;
     return 1; // handled: the global handlers stay silent
 }
 
@@ -101,6 +118,8 @@ int TiffFile::OnWarning(::TIFF*, void* self, const char* module, const char* for
     const std::string text = Formatted(format, arguments);
     if (IsOfInventedPixels(module != nullptr ? module : "", text) && tiff->complaint_.empty())
         tiff->complaint_ = text;
+    else
+        tiff->hint_ = text;
     if (text.find("\"ColorMap\"") != std::string::npos)
         tiff->colourMapLost_ = true;
     return 1;

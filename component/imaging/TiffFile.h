@@ -31,8 +31,8 @@ public:
     /// Whether a colour map stands in the file but could not be read. libtiff then calls the indices greys.
     bool HasLostColourMap() const { return colourMapLost_; }
 
-    /// From here on what libtiff complains of is damage; what it said of unknown tags before is forgotten.
-    void ForgetComplaints() { complaint_.clear(); }
+    /// From here on what libtiff complains of is damage; what it said of tags before is no reason for it.
+    void ForgetComplaints();
     /// Throws ImageDamaged when a call failed or libtiff complained of the pixels.
     void Check(bool succeeded) const;
     [[noreturn]] void ThrowComplaint() const;
@@ -53,6 +53,7 @@ private:
     ImageFile file_;
     std::int64_t position_ = 0;
     std::string complaint_;
+    std::string hint_; ///< the last thing that was said and is no complaint
     bool colourMapLost_ = false;
     std::unique_ptr<::TIFF, Close> handle_; ///< last, for closing it calls back
 };

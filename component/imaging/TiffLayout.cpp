@@ -1,10 +1,10 @@
 #include "component/imaging/TiffLayout.h"
 
 #include "component/imaging/ImageError.h"
+#include "component/imaging/TiffNames.h"
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <span>
 #include <string>
 
@@ -14,6 +14,10 @@ bool IsFax(std::uint16_t compression) {
     return compression == COMPRESSION_CCITTRLE || compression == COMPRESSION_CCITTRLEW ||
            compression == COMPRESSION_CCITTFAX3 || compression == COMPRESSION_CCITTFAX4;
 }
+
+/// Facsimile coders need one bit for an empty row of any length, ZSTD some bytes for a whole strip: an honest
+/// plate with little on it may be very small.
+constexpr std::int64_t AlwaysAcceptedTiffPixels = std::int64_t{1} << 30;
 
 /// Coders whose samples only libtiff's own conversion makes sense of.
 bool HasOwnSamples(std::uint16_t compression) {
@@ -56,6 +60,7 @@ TiffColour ColourOf(const TiffFile& file, const TiffLayout& layout, std::uint16_
             return TiffColour::Rgb;
         return TiffColour::Converted;
     case PHOTOMETRIC_CIELAB:
+        return TiffColour::Lab;
     case PHOTOMETRIC_LOGL:
     case PHOTOMETRIC_LOGLUV:
         return TiffColour::Converted;
@@ -74,24 +79,19 @@ void ReadNumberKind(const TiffFile& file, TiffLayout& layout) {
         layout.number = TiffNumber::Float;
     else if (kind != SAMPLEFORMAT_UINT && kind != SAMPLEFORMAT_VOID)
         ThrowNotReadable(file.Path(), "its samples are complex numbers");
-    double low = 0;
-    double high = 0;
-    if (layout.number != TiffNumber::Unsigned &&
-        TIFFGetField(file.Handle(), TIFFTAG_SMINSAMPLEVALUE, &low) == 1 &&
-        TIFFGetField(file.Handle(), TIFFTAG_SMAXSAMPLEVALUE, &high) == 1 && std::isfinite(low) &&
-        std::isfinite(high) && high > low) {
-        layout.blackValue = low;
-        layout.whiteValue = high;
-    }
 }
 
 void CheckNumberKind(const TiffFile& file, const TiffLayout& layout) {
     const std::uint16_t bits = layout.bits;
-    const bool whole = bits == 8 || bits == 16 || bits == 32 || bits == 64;
-    const bool known = layout.number == TiffNumber::Float    ? whole && bits != 8
-                       : layout.number == TiffNumber::Signed ? whole
-                                                             : whole || (bits >= 1 && bits < 16);
-    if (!known || (layout.colour == TiffColour::Indexed && (bits > 8 || layout.number == TiffNumber::Float)))
+    const bool whole = bits == 8 || bits == 16 || bits == 24 || bits == 32 || bits == 64;
+    bool known = layout.number == TiffNumber::Float    ? whole && bits != 8
+                 : layout.number == TiffNumber::Signed ? whole
+                                                       : whole || (bits >= 1 && bits < 32);
+    if (layout.colour == TiffColour::Indexed)
+        known = known && bits <= 16 && layout.number != TiffNumber::Float;
+    if (layout.colour == TiffColour::Lab)
+        known = (bits == 8 || bits == 16) && layout.number != TiffNumber::Float;
+    if (!known)
         ThrowNotReadable(file.Path(),
                          "its samples of " + std::to_string(bits) + " bits are of a kind that is not read");
 }
@@ -137,7 +137,8 @@ Orientation ReadOrientation(const TiffFile& file) {
 
 void CheckCompression(const TiffFile& file, std::uint16_t compression) {
     if (TIFFIsCODECConfigured(compression) == 0)
-        ThrowNotReadable(file.Path(), "its compression (" + std::to_string(compression) + ") is not read");
+        ThrowNotReadable(file.Path(),
+                         "its compression (" + TiffCompressionText(compression) + ") is not read");
 }
 
 } // namespace
@@ -145,7 +146,8 @@ void CheckCompression(const TiffFile& file, std::uint16_t compression) {
 int TiffLayout::ColourSamples() const {
     if (colour == TiffColour::Cmyk)
         return 4;
-    return colour == TiffColour::Rgb || colour == TiffColour::Converted ? 3 : 1;
+    const bool isGrey = colour == TiffColour::Grey || colour == TiffColour::GreyInverse;
+    return isGrey || colour == TiffColour::Indexed ? 1 : 3;
 }
 
 int TiffLayout::Planes() const {
@@ -154,13 +156,18 @@ int TiffLayout::Planes() const {
     return alpha == TiffAlpha::None ? ColourSamples() : alphaSample + 1;
 }
 
+bool TiffLayout::IsStretched() const {
+    return number != TiffNumber::Unsigned && colour != TiffColour::Converted && colour != TiffColour::Lab &&
+           (colour != TiffColour::Indexed || alpha != TiffAlpha::None);
+}
+
 PixelFormat TiffLayout::Format() const {
     if (colour == TiffColour::Converted)
         return PixelFormat::Rgb;
     if (alpha != TiffAlpha::None)
         return PixelFormat::Rgba;
     if (colour == TiffColour::Indexed)
-        return PixelFormat::Palette;
+        return bits <= 8 ? PixelFormat::Palette : PixelFormat::Rgb;
     return ColourSamples() == 1 ? PixelFormat::Grey : PixelFormat::Rgb;
 }
 
@@ -169,7 +176,7 @@ TiffLayout ReadTiffLayout(const TiffFile& file) {
     const std::int64_t width = file.Tag32(TIFFTAG_IMAGEWIDTH, 0);
     const std::int64_t height = file.Tag32(TIFFTAG_IMAGELENGTH, 0);
     CheckImageSize(file.Path(), width, height);
-    CheckPixelsPerByte(file.Path(), width * height, file.Size());
+    CheckPixelsPerByte(file.Path(), width * height, file.Size(), AlwaysAcceptedTiffPixels);
     layout.width = static_cast<std::int32_t>(width);
     layout.height = static_cast<std::int32_t>(height);
     layout.orientation = ReadOrientation(file);

@@ -13,10 +13,11 @@ enum class TiffNumber : std::uint8_t { Unsigned, Signed, Float };
 enum class TiffColour : std::uint8_t {
     Grey,        ///< one sample, 0 is black
     GreyInverse, ///< one sample, 0 is white
-    Indexed,     ///< one sample, an index
+    Indexed,     ///< one sample, an index of up to 16 bits
     Rgb,         ///< three samples
     Cmyk,        ///< four samples, 0 is no ink
-    Converted,   ///< of a kind that libtiff turns into RGB: YCbCr, L*a*b*, LogL, LogLuv
+    Lab,         ///< three samples of 8 or 16 bits: L* unsigned, a* and b* signed
+    Converted,   ///< of a kind that libtiff turns into RGB: YCbCr, LogL, LogLuv
 };
 
 enum class TiffAlpha : std::uint8_t {
@@ -32,10 +33,6 @@ struct TiffLayout {
     Orientation orientation = Orientation::TopLeft;
     std::uint16_t bits = 8; ///< of a sample
     TiffNumber number = TiffNumber::Unsigned;
-    /// The values that become 0 and 255 when samples are signed or floating-point: those the file names,
-    /// else 0 and 255 themselves.
-    double blackValue = 0;
-    double whiteValue = 255;
     std::uint16_t samples = 1; ///< of a pixel, those that are passed over included
     TiffColour colour = TiffColour::Grey;
     TiffAlpha alpha = TiffAlpha::None;
@@ -50,6 +47,9 @@ struct TiffLayout {
     int Planes() const;
     /// Samples that stand side by side in one plane.
     int SamplesTogether() const { return separatePlanes ? 1 : samples; }
+    /// Whether the colours or alpha are numbers without a black and a white of their own, signed or
+    /// floating-point ones, which are stretched.
+    bool IsStretched() const;
     PixelFormat Format() const;
 };
 

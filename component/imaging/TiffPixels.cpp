@@ -1,8 +1,7 @@
 #include "component/imaging/TiffPixels.h"
 
-#include "component/imaging/TiffSamples.h"
-
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -14,10 +13,15 @@ std::uint8_t Unmultiplied(std::uint8_t colour, std::uint8_t alpha) {
 
 } // namespace
 
-TiffPixels::TiffPixels(const TiffLayout& layout, Palette palette)
-    : layout_(layout), palette_(std::move(palette)) {
+TiffPixels::TiffPixels(const TiffLayout& layout, Palette palette, std::optional<TiffLab> lab)
+    : layout_(layout), palette_(std::move(palette)), lab_(lab) {
+    const auto width = static_cast<std::size_t>(layout.width);
     for (std::vector<std::uint8_t>& channel : channels_)
-        channel.resize(static_cast<std::size_t>(layout.width));
+        channel.resize(width);
+    if (layout.IsStretched() || lab_)
+        values_.resize(width);
+    if (layout.colour == TiffColour::Indexed)
+        indices_.resize(width);
 }
 
 /// Whether a stored row can be taken over byte by byte.
@@ -42,15 +46,15 @@ void TiffPixels::Convert(const TiffRows& rows, std::uint8_t* out) {
         std::copy_n(rows.Plane(0), TiffRowBytes(layout_), out);
         return;
     }
-    for (int sample = 0; sample < layout_.ColourSamples(); ++sample)
-        Unpack(rows, static_cast<std::size_t>(sample), sample);
+    UnpackColours(rows);
     if (layout_.alpha != TiffAlpha::None)
         Unpack(rows, AlphaChannel, layout_.alphaSample);
     switch (layout_.Format()) {
     case PixelFormat::Grey:
         return PutGreys(out);
     case PixelFormat::Palette:
-        std::copy(channels_[0].begin(), channels_[0].end(), out);
+        std::ranges::transform(indices_, out,
+                               [](std::uint16_t index) { return static_cast<std::uint8_t>(index); });
         return;
     case PixelFormat::Rgb:
         return PutRgb(out);
@@ -59,14 +63,57 @@ void TiffPixels::Convert(const TiffRows& rows, std::uint8_t* out) {
     }
 }
 
+void TiffPixels::UnpackColours(const TiffRows& rows) {
+    if (layout_.colour == TiffColour::Indexed) {
+        UnpackTiffIndices(layout_.bits, SampleRunOf(layout_, rows, 0), indices_);
+        if (layout_.Format() != PixelFormat::Palette)
+            LookUpColours();
+        return;
+    }
+    if (lab_)
+        return ConvertLab(rows);
+    for (int sample = 0; sample < layout_.ColourSamples(); ++sample)
+        Unpack(rows, static_cast<std::size_t>(sample), sample);
+}
+
+void TiffPixels::LookUpColours() {
+    for (std::size_t i = 0; i < indices_.size(); ++i) {
+        const PaletteEntry& colour = palette_[indices_[i]];
+        channels_[0][i] = colour.red;
+        channels_[1][i] = colour.green;
+        channels_[2][i] = colour.blue;
+    }
+}
+
+/// Of 16 bits the conversion sees the upper 8, rounded.
+void TiffPixels::ConvertLab(const TiffRows& rows) {
+    TiffLayout asSigned = layout_;
+    asSigned.number = TiffNumber::Signed;
+    const double step = layout_.bits == 16 ? 256 : 1;
+    UnpackTiffSamples(layout_, SampleRunOf(layout_, rows, 0), channels_[0]);
+    for (int sample = 1; sample <= 2; ++sample) {
+        LoadTiffValues(asSigned, SampleRunOf(layout_, rows, sample), values_);
+        std::ranges::transform(
+            values_, channels_[static_cast<std::size_t>(sample)].begin(), [step](double value) {
+                return static_cast<std::uint8_t>(std::min<long>(std::lround(value / step), 127));
+            });
+    }
+    std::array<std::uint8_t, 3> rgb{};
+    for (std::size_t i = 0; i < channels_[0].size(); ++i) {
+        lab_->ToRgb(channels_[0][i], static_cast<std::int8_t>(channels_[1][i]),
+                    static_cast<std::int8_t>(channels_[2][i]), rgb.data());
+        for (std::size_t colour = 0; colour < rgb.size(); ++colour)
+            channels_[colour][i] = rgb[colour];
+    }
+}
+
 void TiffPixels::Unpack(const TiffRows& rows, std::size_t channel, int sample) {
-    const std::uint8_t* row = rows.Plane(layout_.separatePlanes ? sample : 0);
-    const std::size_t first = layout_.separatePlanes ? 0 : static_cast<std::size_t>(sample);
-    const auto step = static_cast<std::size_t>(layout_.SamplesTogether());
-    if (layout_.colour == TiffColour::Indexed && channel != AlphaChannel)
-        UnpackTiffIndices(layout_.bits, row, first, step, channels_[channel]);
-    else
-        UnpackTiffSamples(layout_, row, first, step, channels_[channel]);
+    const TiffSampleRun run = SampleRunOf(layout_, rows, sample);
+    const bool isAlpha = channel == AlphaChannel;
+    if (!layout_.IsStretched())
+        return UnpackTiffSamples(layout_, run, channels_[channel]);
+    LoadTiffValues(layout_, run, values_);
+    StretchTiffValues(values_, isAlpha ? ranges_.alpha : ranges_.colours, channels_[channel]);
 }
 
 void TiffPixels::ToColours(std::size_t pixel, std::uint8_t* rgb) const {
@@ -78,17 +125,14 @@ void TiffPixels::ToColours(std::size_t pixel, std::uint8_t* rgb) const {
     case TiffColour::GreyInverse:
         std::fill_n(rgb, 3, static_cast<std::uint8_t>(255 - first));
         return;
-    case TiffColour::Indexed:
-        rgb[0] = palette_[first].red;
-        rgb[1] = palette_[first].green;
-        rgb[2] = palette_[first].blue;
-        return;
     case TiffColour::Cmyk:
         for (std::size_t i = 0; i < 3; ++i)
             rgb[i] =
                 static_cast<std::uint8_t>((255 - channels_[i][pixel]) * (255 - channels_[3][pixel]) / 255);
         return;
     case TiffColour::Rgb:
+    case TiffColour::Indexed:
+    case TiffColour::Lab:
     case TiffColour::Converted:
         for (std::size_t i = 0; i < 3; ++i)
             rgb[i] = channels_[i][pixel];

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "component/imaging/TiffLab.h"
 #include "component/imaging/TiffLayout.h"
-#include "component/imaging/TiffRows.h"
+#include "component/imaging/TiffStretch.h"
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 /// Makes pixels of a TIFF's stored rows.
@@ -14,8 +16,11 @@
 /// most 255, and 0 where alpha is 0.
 class TiffPixels {
 public:
-    /// `palette` is needed for palette images with alpha, which become RGBA.
-    TiffPixels(const TiffLayout& layout, Palette palette);
+    /// `palette` is needed for palette images that become RGB or RGBA, `lab` for L*a*b*.
+    TiffPixels(const TiffLayout& layout, Palette palette, std::optional<TiffLab> lab);
+
+    /// For layouts that are stretched, before the first row.
+    void SetRanges(const TiffRanges& ranges) { ranges_ = ranges; }
 
     /// One row of the layout's format.
     void Convert(const TiffRows& rows, std::uint8_t* out);
@@ -23,6 +28,9 @@ public:
 private:
     bool IsStoredAsKept() const;
     void Unpack(const TiffRows& rows, std::size_t channel, int sample);
+    void UnpackColours(const TiffRows& rows);
+    void LookUpColours();
+    void ConvertLab(const TiffRows& rows);
     void ToColours(std::size_t pixel, std::uint8_t* rgb) const;
     void PutGreys(std::uint8_t* out) const;
     void PutRgb(std::uint8_t* out) const;
@@ -32,5 +40,9 @@ private:
 
     const TiffLayout layout_;
     const Palette palette_;
+    const std::optional<TiffLab> lab_;
     std::array<std::vector<std::uint8_t>, 5> channels_; ///< up to four colours, and alpha
+    TiffRanges ranges_;
+    std::vector<double> values_;         ///< of one channel that is stretched
+    std::vector<std::uint16_t> indices_; ///< into the palette
 };

@@ -6,8 +6,11 @@
 
 namespace {
 
-/// Strips up to this size are unpacked as wholes, which the coders do faster than row by row.
-constexpr std::int64_t MostStripBytes = std::int64_t{8} << 20;
+/// Strips up to this size are unpacked as wholes, which the coders do faster than row by row. Larger ones
+/// would keep a cancelled import waiting: the slowest coders unpack some 50 MB or, of one bit each, 100
+/// megapixels a second.
+constexpr std::int64_t MostStripBytes = std::int64_t{2} << 20;
+constexpr std::int64_t MostStripPixels = std::int64_t{4} << 20;
 
 /// A row of tiles must be in memory at a time; a sheet of a gigapixel needs some 25 MB, 100,000 pixels of
 /// 16-bit RGB in tiles of 512 some 300 MB.
@@ -157,6 +160,12 @@ void CheckTiles(const TiffFile& file, const TiffLayout& layout) {
 
 } // namespace
 
+TiffSampleRun SampleRunOf(const TiffLayout& layout, const TiffRows& rows, int sample) {
+    if (layout.separatePlanes)
+        return {rows.Plane(sample), 0, 1};
+    return {rows.Plane(0), static_cast<std::size_t>(sample), layout.samples};
+}
+
 std::int64_t TiffRowBytes(const TiffLayout& layout) {
     return (std::int64_t{layout.width} * layout.SamplesTogether() * layout.bits + 7) / 8;
 }
@@ -172,7 +181,8 @@ std::unique_ptr<TiffRows> MakeTiffRows(TiffFile& file, const TiffLayout& layout)
     }
     if (TIFFScanlineSize64(file.Handle()) != static_cast<std::uint64_t>(rowBytes))
         ThrowDamaged(file.Path(), "the length of its rows contradicts itself");
-    if (rowBytes * layout.Planes() > MostStripBytes / layout.blockHeight)
+    if (rowBytes * layout.Planes() > MostStripBytes / layout.blockHeight ||
+        layout.width > MostStripPixels / layout.blockHeight)
         return std::make_unique<RowByRow>(file, layout);
     return std::make_unique<BandByBand>(file, layout);
 }

@@ -19,6 +19,16 @@ public:
     virtual const std::uint8_t* Plane(int plane) const = 0;
 };
 
+/// The samples of one kind in a row: those at `first`, `first + step`, ..., counted in samples.
+struct TiffSampleRun {
+    const std::uint8_t* row;
+    std::size_t first;
+    std::size_t step;
+};
+
+/// Where a sample of each pixel stands in the row that `rows` are at.
+TiffSampleRun SampleRunOf(const TiffLayout& layout, const TiffRows& rows, int sample);
+
 /// Bytes of a row of one plane.
 std::int64_t TiffRowBytes(const TiffLayout& layout);
 

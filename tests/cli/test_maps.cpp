@@ -80,6 +80,17 @@ TEST_F(Maps, WhatIsNoImageIsRefused) {
     }
 }
 
+TEST_F(Maps, WhatOfAnImageIsShownOtherwiseThanStoredIsSaid) {
+    const std::string library = NewLibrary();
+    Python("from PIL import Image\nImage.linear_gradient('L').convert('F').save('heights.tif')");
+    for (const char* command : {"add-map", "add-icon"}) {
+        const ProgramResult result = Run({command, library, In("heights.tif")});
+        EXPECT_EQ(result.status, 0) << command;
+        EXPECT_EQ(result.err, "atlavex: The floating-point samples of the image '" + In("heights.tif") +
+                                  "' from 0 to 255 were stretched to 0 to 255.\n");
+    }
+}
+
 TEST_F(Maps, ScalingMistakesAreFoundBeforeTheImageIsRead) {
     const std::string library = NewLibrary(), image = In("missing.png");
     const Words add{"add-map", library, image};

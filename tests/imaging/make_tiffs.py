@@ -6,6 +6,7 @@ Beside an image whose pixels are known by construction stands the truth as raw R
 """
 
 import os
+import struct
 import sys
 
 import numpy
@@ -84,9 +85,11 @@ def make_bits(folder):
     random = numpy.random.default_rng(5)
     for order in "<", ">":
         end = "little" if order == "<" else "big"
-        for bits in (1, 2, 4, 6, 8, 10, 12, 16, 32, 64):
+        for bits in (1, 2, 4, 6, 8, 10, 12, 14, 16, 20, 24, 31, 32, 64):
             values = random.integers(0, 2**bits, (HEIGHT, WIDTH), numpy.uint64)
-            if bits < 16 and bits != 8:
+            if bits == 24:
+                data = three_bytes(values, order)
+            elif bits % 16 != 0 and bits != 8:
                 data = packed(values, bits)
             else:
                 data = values.astype(f"{order}u{bits // 8}").tobytes()
@@ -108,26 +111,119 @@ def make_bits(folder):
         make_values(folder, random, order, end)
 
 
+def three_bytes(values, order):
+    """Whole numbers in three bytes each, negative ones as their complement."""
+    whole = (values.astype(numpy.int64) & 0xFFFFFF).astype(order + "u4")
+    part = slice(0, 3) if order == "<" else slice(1, 4)
+    return whole.view(numpy.uint8).reshape(*values.shape, 4)[..., part].tobytes()
+
+
+def stretched(values, low, high):
+    """Numbers between two others as 0 to 255; what is no number as 0."""
+    with numpy.errstate(invalid="ignore"):
+        level = numpy.floor((values.astype(float) - low) * (255 / (high - low)) + 0.5)
+    return numpy.nan_to_num(level, nan=0).clip(0, 255).astype(numpy.uint8)
+
+
 def make_values(folder, random, order, end):
-    """Signed and floating-point samples are values from 0 to 255, or what the file names as its range."""
+    """Signed and floating-point samples are stretched between their finite extremes, whatever range the file names."""
     for kind, code in (("f2", 3), ("f4", 3), ("f8", 3), ("i1", 2), ("i2", 2), ("i4", 2), ("i8", 2)):
         values = random.uniform(-40, 300, (HEIGHT, WIDTH))
         values = values.clip(-128, 127) if kind == "i1" else values
         values = values.astype(order + kind)
         if code == 3:
             values[0, :4] = [numpy.nan, numpy.inf, -numpy.inf, 6e-8]
+        finite = values[numpy.isfinite(values)].astype(float)
+        truth = stretched(values, finite.min(), finite.max())
         bits = 8 * values.dtype.itemsize
-        level = numpy.floor(numpy.nan_to_num(values.astype(float), nan=0, posinf=999, neginf=-999) + 0.5)
-        file = os.path.join(folder, f"values-{kind}-{end}.tif")
-        write_tiff(file, basic_tags(1, bits) | {339: (3, [code])}, [values.tobytes()], order)
-        write_truth(file, rgba_of(level.clip(0, 255).astype(numpy.uint8)))
-        if code == 3:
-            tags = basic_tags(1, bits) | {339: (3, [code]), 340: (11, [-40.0]), 341: (11, [300.0])}
-            level = numpy.nan_to_num(values.astype(float), nan=-40, posinf=999, neginf=-999) + 40
-            level = numpy.floor(level * (255 / 340) + 0.5)
-            file = os.path.join(folder, f"range-{kind}-{end}.tif")
-            write_tiff(file, tags, [values.tobytes()], order)
-            write_truth(file, rgba_of(level.clip(0, 255).astype(numpy.uint8)))
+        for name, tags in (("values", {}), ("range", {340: (11, [0.0]), 341: (11, [255.0])})):
+            file = os.path.join(folder, f"{name}-{kind}-{end}.tif")
+            write_tiff(file, basic_tags(1, bits) | {339: (3, [code])} | tags, [values.tobytes()], order)
+            write_truth(file, rgba_of(truth))
+
+
+def make_three_bytes(folder):
+    """24 bits a sample, whole and floating-point; of the whole ones another reader makes the same."""
+    random = numpy.random.default_rng(11)
+    for order in "<", ">":
+        end = "little" if order == "<" else "big"
+        values = random.integers(0, 2**24, (HEIGHT, WIDTH, 3))
+        file = os.path.join(folder, f"rgb-{end}.tif")
+        write_tiff(file, basic_tags(2, 24, 3), [three_bytes(values, order)], order)
+        write_truth(file, rgba_of(*(scaled(values[..., i], 2**24 - 1) for i in range(3))))
+        values = random.integers(-2**23, 2**23, (HEIGHT, WIDTH))
+        file = os.path.join(folder, f"signed-{end}.tif")
+        write_tiff(file, basic_tags(1, 24) | {339: (3, [2])}, [three_bytes(values, order)], order)
+        write_truth(file, rgba_of(stretched(values, values.min(), values.max())))
+        # Multiples of 1/64 below 1024 need 16 bits of fraction.
+        numbers = random.integers(-65535, 65536, (HEIGHT, WIDTH)) / 64
+        numbers[0, :2] = [0, 1]
+        fraction, exponent = numpy.frexp(numpy.abs(numbers))
+        stored = numpy.where(numbers == 0, 0, (exponent - 1 + 63 << 16) + ((fraction * 2 - 1) * 65536).astype(int))
+        stored |= numpy.where(numbers < 0, 1 << 23, 0)
+        file = os.path.join(folder, f"float-{end}.tif")
+        write_tiff(file, basic_tags(1, 24) | {339: (3, [3])}, [three_bytes(stored, order)], order)
+        write_truth(file, rgba_of(stretched(numbers, numbers.min(), numbers.max())))
+
+
+def make_stretched(folder):
+    """Floating-point and signed pictures of the usual ranges, as another reader stretches them."""
+    shades = [c.astype(float) for c in channels(4)]
+
+    def put(name, samples, kind, photometric, *options):
+        """The colours stretched together, alpha by itself."""
+        memory = gdal.GetDriverByName("MEM").Create("", WIDTH, HEIGHT, len(samples), kind)
+        for i, values in enumerate(samples):
+            memory.GetRasterBand(i + 1).WriteArray(values)
+        file = os.path.join(folder, name + ".tif")
+        save_gdal(file, memory, f"PHOTOMETRIC={photometric}", *options)
+        source = gdal.Open(file)
+        extremes = [source.GetRasterBand(i + 1).ComputeRasterMinMax(False) for i in range(len(samples))]
+        colours = 3 if photometric == "RGB" else 1
+        low, high = min(e[0] for e in extremes[:colours]), max(e[1] for e in extremes[:colours])
+        scales = [[low, high, 0, 255]] * colours + [[0, e[1], 0, 255] for e in extremes[colours:]]
+        shown = gdal.Translate("", source, format="MEM", outputType=gdal.GDT_Byte, scaleParams=scales).ReadAsArray()
+        write_truth(file, rgba_of(*shown.reshape(len(samples), HEIGHT, WIDTH)))
+
+    alpha = "ALPHA=NON-PREMULTIPLIED"
+    put("unit-grey", [shades[0] / 255], gdal.GDT_Float32, "MINISBLACK", "TILED=YES", "COMPRESS=DEFLATE")
+    put("unit-rgb", [(s + 20) / 300 for s in shades[:3]], gdal.GDT_Float32, "RGB", "COMPRESS=LZW", "PREDICTOR=3")
+    put("unit-planes", [s / 255 for s in shades], gdal.GDT_Float64, "RGB", "INTERLEAVE=BAND", alpha)
+    put("unit-alpha", [(s + 20) / 300 for s in shades[:3]] + [shades[3] / 255], gdal.GDT_Float32, "RGB", alpha)
+    put("opaque", [shades[0] * 9, numpy.ones_like(shades[0])], gdal.GDT_Float32, "MINISBLACK", alpha)
+    put("signed-alpha", [shades[0] * 100 - 9000, shades[3]], gdal.GDT_Int16, "MINISBLACK", alpha)
+    put("heights", [shades[0] * 8 - 400], gdal.GDT_Int16, "MINISBLACK", f"BLOCKYSIZE={HEIGHT}")
+    # Heights with a hole in them, which the file declares.
+    for name, kind, hole in (("hole-32", gdal.GDT_Float32, -3.4028234663852886e38), ("hole-16", gdal.GDT_Int16, -32768)):
+        heights = shades[0] * 8 - 400
+        memory = gdal.GetDriverByName("MEM").Create("", WIDTH, HEIGHT, 1, kind)
+        memory.GetRasterBand(1).WriteArray(heights)
+        memory.GetRasterBand(1).WriteArray(numpy.full((9, 7), hole), 30, 20)
+        memory.GetRasterBand(1).SetNoDataValue(hole)
+        file = os.path.join(folder, name + ".tif")
+        save_gdal(file, memory)
+        outside = numpy.ones((HEIGHT, WIDTH), bool)
+        outside[20:29, 30:37] = False
+        low, high = heights[outside].min(), heights[outside].max()
+        write_truth(file, rgba_of(numpy.where(outside, stretched(heights, low, high), 0).astype(numpy.uint8)))
+    # Colours multiplied by alpha.
+    alphas = numpy.where(shades[3] < 9, 0, shades[3]) / 255
+    multiplied = [(s / 255 * alphas).astype("f4") for s in shades[:3]]
+    file = os.path.join(folder, "multiplied.tif")
+    data = numpy.stack([*multiplied, alphas.astype("f4")], -1)
+    write_tiff(file, basic_tags(2, 32, 4) | {339: (3, [3] * 4), 338: (3, [1])}, [data.astype("<f4").tobytes()])
+    high = max(m.max() for m in multiplied)
+    bytes_of = [stretched(m, 0, high).astype(int) for m in multiplied]
+    opacity = stretched(alphas.astype("f4"), 0, alphas.astype("f4").max()).astype(int)
+    shown = [numpy.where(opacity == 0, 0, (b * 255 + opacity // 2) // numpy.maximum(opacity, 1)).clip(0, 255)
+             for b in bytes_of]
+    write_truth(file, rgba_of(*(c.astype(numpy.uint8) for c in (*shown, opacity))))
+    # One value only.
+    for name, value, shade in (("all-one", 1.0, 255), ("all-zero", 0.0, 0), ("all-below", -5.0, 0)):
+        file = os.path.join(folder, name + ".tif")
+        data = numpy.full((HEIGHT, WIDTH), value, "<f4")
+        write_tiff(file, basic_tags(1, 32) | {339: (3, [3])}, [data.tobytes()])
+        write_truth(file, rgba_of(numpy.full((HEIGHT, WIDTH), shade, numpy.uint8)))
 
 
 def make_palettes(folder):
@@ -144,6 +240,18 @@ def make_palettes(folder):
             write_tiff(file, basic_tags(3, bits) | dict([colour_map(*stored)]), [packed(indices, bits)])
             write_truth(file, rgba_of(*(shown[i][indices].astype(numpy.uint8) for i in range(3))))
     alpha = random.integers(0, 256, indices.shape)
+    # Maps of more than 256 colours.
+    for bits in (12, 16):
+        wide, map_of = random.integers(0, 2**bits, (HEIGHT, WIDTH)), random.integers(0, 256, (3, 2**bits))
+        for order in "<", ">":
+            data = wide.astype(order + "u2").tobytes() if bits == 16 else packed(wide, bits)
+            file = os.path.join(folder, f"palette-{bits}-{'little' if order == '<' else 'big'}.tif")
+            write_tiff(file, basic_tags(3, bits) | dict([colour_map(*(map_of * 257))]), [data], order)
+            write_truth(file, rgba_of(*(map_of[i][wide].astype(numpy.uint8) for i in range(3))))
+    both = numpy.stack([wide, alpha * 257], -1).astype("<u2")
+    file = os.path.join(folder, "palette-16-alpha.tif")
+    write_tiff(file, basic_tags(3, 16, 2) | dict([colour_map(*(map_of * 257))]) | {338: (3, [2])}, [both.tobytes()])
+    write_truth(file, rgba_of(*(c.astype(numpy.uint8) for c in (*(map_of[i][wide] for i in range(3)), alpha))))
     both = numpy.stack([indices, alpha], -1).astype(numpy.uint8)
     file = os.path.join(folder, "palette-alpha.tif")
     tags = basic_tags(3, 8, 2) | dict([colour_map(*(colours * 257))]) | {338: (3, [2])}
@@ -279,10 +387,24 @@ def make_lab(folder):
               -0.9689 * xyz[0] + 1.8758 * xyz[1] + 0.0415 * xyz[2],
               0.0557 * xyz[0] - 0.2040 * xyz[1] + 1.0570 * xyz[2]]
     shown = [255 * numpy.where(c > 0.0031308, 1.055 * c.clip(1e-9)**(1 / 2.4) - 0.055, 12.92 * c) for c in linear]
-    file = os.path.join(folder, "lab.tif")
-    white = 318, (5, [31270, 100000, 32900, 100000])
-    write_tiff(file, basic_tags(8, 8, 3) | dict([white]), [stored.astype(numpy.uint8).tobytes()])
-    write_truth(file, rgba_of(*(c.clip(0, 255).round().astype(numpy.uint8) for c in shown)))
+    shown = [c.clip(0, 255).round().astype(numpy.uint8) for c in shown]
+    white = {318: (5, [31270, 100000, 32900, 100000])}
+    alpha = channels(4)[3]
+
+    def put(name, samples, bits, strips, truth, more):
+        file = os.path.join(folder, name + ".tif")
+        tags = basic_tags(8, bits, samples) | white | more
+        write_tiff(file, tags, [strip.astype(f"<u{bits // 8}").tobytes() for strip in strips])
+        write_truth(file, rgba_of(*truth))
+
+    wide = stored * [257, 256, 256]
+    with_alpha = numpy.concatenate([stored, alpha[..., None]], -1)
+    put("lab", 3, 8, [stored], shown, {})
+    put("lab-16", 3, 16, [wide], shown, {})
+    put("lab-planes", 3, 8, [stored[..., i] for i in range(3)], shown, {284: (3, [2])})
+    put("lab-alpha", 4, 8, [with_alpha], [*shown, alpha], {338: (3, [2])})
+    put("lab-extra", 4, 8, [with_alpha], shown, {338: (3, [0])})
+    put("lab-16-alpha", 4, 16, [numpy.concatenate([wide, alpha[..., None] * 257], -1)], [*shown, alpha], {338: (3, [2])})
 
 
 def strips_of(file):
@@ -325,6 +447,18 @@ def make_fax(folder):
                 narrow, _ = strips_with(coder, picture[:rows, :192], rows)
                 put(f"narrow-{i}-{name}", [*strips[:i], narrow[0], *strips[i + 1:]], tags, rows)
     os.remove(os.path.join(folder, "source.tif"))
+
+
+def make_sparse_plates(folder):
+    """Large plates in few bytes: white rows of one bit each in G4, a thousand megapixels of one byte in ZSTD."""
+    width, height, rows = 24000, 20000, 20000
+    strip = b"\xff" * (rows // 8) + b"\x00\x10\x01"  # "as above" for each row, and the end mark
+    tags = basic_tags(0, 1, 1, width, height, rows) | {259: (3, [4])}
+    write_tiff(os.path.join(folder, "g4.tif"), tags, [strip])
+    block, last = struct.pack("<I", 1 << 1 | 131072 << 3)[:3], struct.pack("<I", 1 | 1 << 1 | 131072 << 3)[:3]
+    frame = b"\x28\xb5\x2f\xfd\x00\x38" + (block + b"\x07") * 8191 + last + b"\x07"
+    tags = basic_tags(1, 8, 1, 32768, 32768) | {259: (3, [50000])}
+    write_tiff(os.path.join(folder, "zstd.tif"), tags, [frame])
 
 
 def make_pixels_last(folder):
