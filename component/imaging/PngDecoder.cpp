@@ -5,7 +5,10 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <new>
+#include <numeric>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -16,15 +19,18 @@ constexpr std::int64_t MaxDeflateRatio = 1032;
 /// Most memory that a chunk beside the pixels may ask for.
 constexpr png_alloc_size_t MaxChunkBytes = 64U << 20;
 
-void OnError(png_structp png, png_const_charp message) {
-    static_cast<LibraryExit*>(png_get_error_ptr(png))->Leave(message);
+/// Whether the chunk may say how the pixels look: transparency or orientation, also under a name of which a
+/// letter is damaged.
+bool MayConcernPixels(std::string_view name) {
+    return std::ranges::any_of(std::array<std::string_view, 2>{"tRNS", "eXIf"},
+                               [name](std::string_view known) {
+                                   return std::inner_product(known.begin(), known.end(), name.begin(), 0,
+                                                             std::plus(), std::equal_to()) >= 3;
+                               });
 }
 
-/// Warnings never change a pixel: a chunk out of its place, an index beyond the palette (which is padded).
-void OnWarning(png_structp, png_const_charp) {}
-
 /// All chunks but those that say how the pixels look are passed over, so that a profile or text, which may
-/// unpack to any size, costs nothing. Their checksums still count.
+/// unpack to any size, costs nothing.
 void SkipUnusedChunks(png_structp png) {
     // Four letters and a zero each, as the library wants them.
     static constexpr png_byte Names[] = "bKGD\0cHRM\0gAMA\0hIST\0iCCP\0iTXt\0oFFs\0pCAL\0pHYs\0"
@@ -35,8 +41,28 @@ void SkipUnusedChunks(png_structp png) {
 
 } // namespace
 
-PngDecoder::Objects::Objects(LibraryExit& exit)
-    : png(png_create_read_struct(PNG_LIBPNG_VER_STRING, &exit, OnError, OnWarning)),
+void PngDecoder::OnError(png_structp png, png_const_charp message) {
+    static_cast<PngDecoder*>(png_get_error_ptr(png))->exit_.Leave(message);
+}
+
+/// A chunk beside the pixels whose checksum is wrong is passed over. All other warnings (a chunk out of its
+/// place, an index beyond the palette, which is padded) never change a pixel.
+void PngDecoder::OnWarning(png_structp png, png_const_charp message) {
+    const std::string_view text(message);
+    constexpr std::size_t NameLength = 4;
+    if (text.substr(std::min(NameLength, text.size())) != ": CRC error")
+        return;
+    auto* self = static_cast<PngDecoder*>(png_get_error_ptr(png));
+    if (MayConcernPixels(text.substr(0, NameLength)))
+        self->exit_.Leave(message);
+    try {
+        self->passedOver_.emplace_back(text.substr(0, NameLength));
+    } catch (const std::bad_alloc&) { // no exception may pass through the library's frames: it goes unsaid
+    }
+}
+
+PngDecoder::Objects::Objects(PngDecoder& decoder)
+    : png(png_create_read_struct(PNG_LIBPNG_VER_STRING, &decoder, OnError, OnWarning)),
       info(png != nullptr ? png_create_info_struct(png) : nullptr) {
     if (info == nullptr) {
         png_destroy_read_struct(&png, nullptr, nullptr);
@@ -48,7 +74,7 @@ PngDecoder::Objects::~Objects() {
     png_destroy_read_struct(&png, &info, nullptr);
 }
 
-PngDecoder::PngDecoder(const std::filesystem::path& file) : file_(file), objects_(exit_) {
+PngDecoder::PngDecoder(const std::filesystem::path& file) : file_(file), objects_(*this) {
     ReadHeader();
     RequestPixels();
 }
@@ -56,7 +82,7 @@ PngDecoder::PngDecoder(const std::filesystem::path& file) : file_(file), objects
 void PngDecoder::ReadHeader() {
     const auto read = [this] {
         png_init_io(objects_.png, file_.Stream());
-        png_set_crc_action(objects_.png, PNG_CRC_ERROR_QUIT, PNG_CRC_ERROR_QUIT);
+        png_set_crc_action(objects_.png, PNG_CRC_ERROR_QUIT, PNG_CRC_WARN_DISCARD);
         png_set_user_limits(objects_.png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
         png_set_chunk_malloc_max(objects_.png, MaxChunkBytes);
         SkipUnusedChunks(objects_.png);
@@ -159,4 +185,12 @@ void PngDecoder::Finish() {
     if (!RunGuarded(exit_, [this] { png_read_end(objects_.png, nullptr); }))
         ThrowDamaged(file_.Path(),
                      std::feof(file_.Stream()) ? "the file ends before its end mark" : exit_.message);
+}
+
+std::vector<std::string> PngRemarks(const PngDecoder& decoder) {
+    std::vector<std::string> remarks;
+    for (const std::string& name : decoder.PassedOver())
+        remarks.push_back("The chunk " + name + " of the image '" + decoder.Path().string() +
+                          "' has a wrong checksum and was passed over.");
+    return remarks;
 }

@@ -39,6 +39,8 @@ void PngDeinterlacer::SpoolPasses() {
         }
     }
     decoder_->Finish();
+    for (std::string& remark : PngRemarks(*decoder_))
+        Remark(std::move(remark));
     decoder_.reset();
 }
 

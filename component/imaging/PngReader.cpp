@@ -20,8 +20,11 @@ public:
     void ReadRows(std::uint8_t* rows, std::ptrdiff_t stride, std::int32_t count) override {
         for (std::int32_t done = 0; done < count; ++done, ++row_, rows += stride)
             decoder_->ReadRow(rows, row_);
-        if (row_ == info_.height)
-            decoder_->Finish();
+        if (row_ < info_.height)
+            return;
+        decoder_->Finish();
+        for (std::string& remark : PngRemarks(*decoder_))
+            Remark(std::move(remark));
     }
 
 private:

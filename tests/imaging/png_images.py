@@ -159,6 +159,28 @@ def make_with_notes(folder):
     save(folder, "split-data", png_bytes(samples, RGB, 8, split=1), truth_of(samples, RGB, 8))
 
 
+def make_bad_chunks(folder):
+    """Chunks with a wrong checksum: beside the pixels ("beside-", with truth), and such as concern them."""
+    samples = samples_of(21, 19, RGB, 8)
+
+    def spoilt(kind, data):
+        whole = chunk(kind, data)
+        return whole[:-1] + bytes([whole[-1] ^ 1])
+
+    beside = {b"gAMA": struct.pack(">I", 45455), b"cHRM": bytes(32), b"sRGB": b"\0", b"iCCP": b"x\0\0" + zlib.compress(b"y"),
+              b"tEXt": b"Title\0sheet", b"zTXt": b"Title\0\0" + zlib.compress(b"sheet"), b"iTXt": b"Title\0\0\0\0\0sheet",
+              b"pHYs": struct.pack(">IIB", 3000, 3000, 1), b"tIME": bytes([7, 230, 1, 1, 1, 1, 1]), b"bKGD": bytes(6),
+              b"sBIT": b"\5\5\5", b"vpAg": bytes(9)}
+    for kind, data in beside.items():
+        for where in ("before", "after"):
+            save(folder, f"beside-{kind.decode()}-{where}", png_bytes(samples, RGB, 8, **{where: spoilt(kind, data)}),
+                 truth_of(samples, RGB, 8))
+    exif = b"II*\0\x08\0\0\0\1\0\x12\1\3\0\1\0\0\0\3\0\0\0\0\0\0\0"
+    for label, data in (("tRNS", bytes(6)), ("tRNs", bytes(6)), ("eXIf", exif), ("eXIg", exif), ("PLTE", bytes(9)), ("IDAT", b"")):
+        with open(os.path.join(folder, f"needed-{label}.png"), "wb") as out:
+            out.write(png_bytes(samples, RGB, 8, before=spoilt(label.encode(), data)))
+
+
 def make(folder):
     make_direct(folder)
     make_palettes(folder)

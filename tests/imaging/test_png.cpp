@@ -1,3 +1,4 @@
+#include "base/ComponentError.h"
 #include "tests/imaging/ReferenceDecoder.h"
 #include "tests/support/TempFolder.h"
 
@@ -25,6 +26,38 @@ TEST(Png, AgreesWithPillowAndImageMagick) {
         EXPECT_TRUE(SamePixels(DecodeWithEngine(image), DecodeWithPillow(image))) << "Pillow";
         EXPECT_TRUE(SamePixels(DecodeWithEngine(image), DecodeWithImageMagick(image), {0, true}))
             << "ImageMagick";
+    }
+}
+
+TEST(Png, WithAWrongChecksumBesideThePixelsIsReadAndRemarkedOn) {
+    const TempFolder folder;
+    RunScript("make_images.py", {"bad-chunks", folder.Path().string()});
+    for (const auto& image : ImagesWithTruth(folder.Path())) {
+        SCOPED_TRACE(image.filename());
+        const auto reader = OpenImage(image);
+        EXPECT_TRUE(SamePixels(ReadAllRows(*reader), ReadTruth(image)));
+        const std::string chunk = image.filename().string().substr(std::string("beside-").size(), 4);
+        const std::string remark = "The chunk " + chunk + " of the image '" + image.string() +
+                                   "' has a wrong checksum and was passed over.";
+        EXPECT_EQ(reader->Remarks(), std::vector{remark});
+    }
+    for (const char* name : {"beside-tEXt-before", "beside-pHYs-after"}) {
+        const auto image = folder / (std::string(name) + ".png");
+        EXPECT_TRUE(SamePixels(DecodeWithEngine(image), DecodeWithImageMagick(image))) << name;
+    }
+}
+
+TEST(Png, WithAWrongChecksumOfWhatConcernsThePixelsIsDamaged) {
+    const TempFolder folder;
+    RunScript("make_images.py", {"bad-chunks", folder.Path().string()});
+    for (const char* name : {"tRNS", "tRNs", "eXIf", "eXIg", "PLTE", "IDAT"}) {
+        SCOPED_TRACE(name);
+        try {
+            DecodeWithEngine(folder / ("needed-" + std::string(name) + ".png"));
+            ADD_FAILURE() << "was read";
+        } catch (const ComponentError& error) {
+            EXPECT_EQ(error.Number(), ErrorNumber::ImageDamaged) << error.Description();
+        }
     }
 }
 
