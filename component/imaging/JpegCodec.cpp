@@ -54,6 +54,7 @@ JpegCodec::JpegCodec(ImageFile& file) : file_(file) {
         jpeg_save_markers(&codec_, ExifMarker, 0xFFFF);
         jpeg_read_header(&codec_, TRUE);
     });
+    headerIsRead_ = read;
     if (read)
         return;
     jpeg_destroy_decompress(&codec_);
@@ -71,8 +72,33 @@ void JpegCodec::OnError(j_common_ptr codec) {
 }
 
 void JpegCodec::OnMessage(j_common_ptr codec, int level) {
-    if (level < 0 && !IsHarmless(codec->err->msg_code))
+    const int warning = codec->err->msg_code;
+    if (level >= 0 || IsHarmless(warning))
+        return;
+    if (!CodecOf(codec).IsOfMissingEnd(warning))
         OnError(codec);
+    CodecOf(codec).endIsMissing_ = true;
+}
+
+/// Whether the file has just ended where its pixels may be whole. The library puts in an end mark then; bits
+/// that a block lacks are another warning, and scans that are lacking are looked for afterwards. Arithmetic
+/// coding leaves out zeros at its end, so that nothing tells there whether the pixels are whole.
+bool JpegCodec::IsOfMissingEnd(int warning) const {
+    return warning == JWRN_JPEG_EOF && headerIsRead_ && codec_.arith_code == FALSE;
+}
+
+/// Whether a component has not come at all, or of a progressive file that breaks off not every bit of each
+/// coefficient. A progressive file with an end mark may leave out the last bits.
+bool JpegCodec::LacksScans() const {
+    for (int component = 0; component < codec_.num_components; ++component) {
+        if (codec_.comp_info[component].quant_table == nullptr)
+            return true;
+        const bool mustBeExact = endIsMissing_ && codec_.progressive_mode != FALSE;
+        for (int at = 0; mustBeExact && at < DCTSIZE2; ++at)
+            if (codec_.coef_bits[component][at] != 0)
+                return true;
+    }
+    return false;
 }
 
 /// Comes after every few rows of every scan.
@@ -93,7 +119,7 @@ void JpegCodec::ThrowReason() const {
         ThrowImageError(ErrorNumber::OutOfMemory, file_.Path(), "there is not enough memory to decode it");
     if (MeansOtherKind(code))
         ThrowNotReadable(file_.Path(), exit_.message);
-    if (code != JWRN_JPEG_EOF && code != JERR_INPUT_EOF)
+    if (code != JWRN_JPEG_EOF && code != JERR_INPUT_EOF && !endIsMissing_)
         ThrowDamaged(file_.Path(), exit_.message);
     if (started_)
         ThrowEndsBeforeRow(file_.Path(), row_);
@@ -103,6 +129,8 @@ void JpegCodec::ThrowReason() const {
 void JpegCodec::ReadRow(std::uint8_t* row) {
     if (!started_)
         Guarded([this] { jpeg_start_decompress(&codec_); });
+    if (!started_ && LacksScans())
+        ThrowDamaged(file_.Path(), "it lacks a scan of its pixels");
     started_ = true;
     JSAMPROW target = row;
     Guarded([this, &target] { jpeg_read_scanlines(&codec_, &target, 1); });

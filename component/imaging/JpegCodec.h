@@ -28,6 +28,8 @@ public:
     void ReadRow(std::uint8_t* row);
     /// After the last row: reads on to the end mark, so that a file cut in its last bytes is noticed too.
     void Finish();
+    /// Whether the end mark was missing, though no pixel is.
+    bool EndMarkIsMissing() const { return endIsMissing_; }
 
 private:
     static void OnError(j_common_ptr codec);
@@ -41,6 +43,8 @@ private:
             ThrowReason();
     }
     [[noreturn]] void ThrowReason() const;
+    bool IsOfMissingEnd(int warning) const;
+    bool LacksScans() const;
 
     ImageFile& file_;
     LibraryExit exit_;
@@ -49,6 +53,8 @@ private:
     jpeg_progress_mgr watch_{};
     jpeg_decompress_struct codec_{};
     const Progress* progress_ = nullptr;
+    bool headerIsRead_ = false;
     bool started_ = false;
+    bool endIsMissing_ = false;
     std::int64_t row_ = 0;
 };

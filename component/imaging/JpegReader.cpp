@@ -83,8 +83,11 @@ void JpegReader::ReadRows(std::uint8_t* rows, std::ptrdiff_t stride, std::int32_
         if (!inks_.empty())
             MixInks(rows);
     }
-    if (row_ == info_.height)
-        codec_.Finish();
+    if (row_ < info_.height)
+        return;
+    codec_.Finish();
+    if (codec_.EndMarkIsMissing())
+        Remark("The image '" + file_.Path().string() + "' lacks its end mark; its pixels are whole.");
 }
 
 /// The inks are stored inverted, so that 255 is none: what the paper reflects is the product of both.

@@ -111,13 +111,60 @@ TEST(Jpeg, IsTurnedAsItsExifDataAsk) {
     }
 }
 
+TEST(Jpeg, ThatLacksOnlyItsEndMarkIsReadAndRemarkedOn) {
+    const TempFolder folder;
+    const std::pair<const char*, JpegOptions> kinds[]{{"sequential", {}},
+                                                      {"progressive", {.progressive = true}},
+                                                      {"scans", {.sequentialScans = true}},
+                                                      {"restarts", {.restartRows = 1}},
+                                                      {"inks", {.stored = JCS_YCCK}},
+                                                      {"grey", {.stored = JCS_GRAYSCALE}}};
+    for (const auto& [name, options] : kinds) {
+        WriteJpeg(folder / "whole.jpg", 203, 117, options);
+        const std::string whole = ReadWholeFile(folder / "whole.jpg");
+        for (const std::size_t less : {1U, 2U}) {
+            SCOPED_TRACE(std::string(name) + " without " + std::to_string(less));
+            const auto cut = folder / "cut.jpg";
+            WriteWholeFile(cut, whole.substr(0, whole.size() - less));
+            const auto reader = OpenImage(cut);
+            const RgbaImage image = ReadAllRows(*reader);
+            EXPECT_TRUE(SamePixels(image, DecodeWithEngine(folder / "whole.jpg")));
+            EXPECT_TRUE(SamePixels(image, DecodeWithImageMagick(cut), Rounding));
+            EXPECT_EQ(reader->Remarks(), std::vector{"The image '" + cut.string() +
+                                                     "' lacks its end mark; its pixels are whole."});
+        }
+    }
+}
+
+TEST(Jpeg, ThatLacksAWholeScanIsDamaged) {
+    const TempFolder folder;
+    const auto expectDamaged = [&](const std::string& bytes) {
+        WriteWholeFile(folder / "cut.jpg", bytes);
+        try {
+            DecodeWithEngine(folder / "cut.jpg");
+            ADD_FAILURE() << "was read";
+        } catch (const ComponentError& error) {
+            EXPECT_EQ(error.Number(), ErrorNumber::ImageDamaged) << error.Description();
+        }
+    };
+    const auto withoutLastScan = [&](const JpegOptions& options) {
+        WriteJpeg(folder / "whole.jpg", 203, 117, options);
+        const std::string whole = ReadWholeFile(folder / "whole.jpg");
+        return whole.substr(0, whole.rfind("\xFF\xDA"));
+    };
+    expectDamaged(withoutLastScan({.progressive = true}));
+    expectDamaged(withoutLastScan({.sequentialScans = true}));
+    expectDamaged(withoutLastScan({.sequentialScans = true}) + "\xFF\xD9");
+}
+
 TEST(Jpeg, ThatBreaksOffIsDamagedNotFilledWithGrey) {
     const TempFolder folder;
     for (const bool progressive : {false, true})
         for (const bool arithmetic : {false, true}) {
             WriteJpeg(folder / "whole.jpg", 203, 117, {.progressive = progressive, .arithmetic = arithmetic});
             const std::string whole = ReadWholeFile(folder / "whole.jpg");
-            for (std::size_t length = whole.size() - 1; length > 2;
+            // Without the mark at its end alone it is still whole; arithmetic coding cannot tell.
+            for (std::size_t length = whole.size() - (arithmetic ? 1 : 3); length > 2;
                  length -= std::min(length, whole.size() / 40)) {
                 SCOPED_TRACE(length);
                 WriteWholeFile(folder / "cut.jpg", whole.substr(0, length));
