@@ -52,14 +52,16 @@ GifDecoder::GifDecoder(const std::filesystem::path& file) : file_(file) {
     FindFrame();
 }
 
-void GifDecoder::ThrowLibraryError(const std::string& end) const {
+/// Before the pixels the library only goes over blocks.
+void GifDecoder::ThrowLibraryError() const {
     const int error = gif_->Error;
     if (error == D_GIF_ERR_NOT_ENOUGH_MEM)
         ThrowImageError(ErrorNumber::OutOfMemory, file_.Path(), "there is not enough memory to decode it");
     if (std::feof(file_.Stream()) != 0)
-        ThrowDamaged(file_.Path(), end);
-    const char* reason = GifErrorString(error);
-    ThrowDamaged(file_.Path(), reason != nullptr ? reason : "its data contradict themselves");
+        ThrowDamaged(file_.Path(), EndsInHeader);
+    ThrowDamaged(file_.Path(), error == D_GIF_ERR_WRONG_RECORD
+                                   ? "one of its blocks is of a kind that nobody knows"
+                                   : "the blocks before its pixels contradict themselves");
 }
 
 void GifDecoder::Open() {
@@ -76,7 +78,7 @@ void GifDecoder::FindFrame() {
     for (;;) {
         GifRecordType type{};
         if (DGifGetRecordType(gif_.get(), &type) == GIF_ERROR)
-            ThrowLibraryError(EndsInHeader);
+            ThrowLibraryError();
         if (type == IMAGE_DESC_RECORD_TYPE)
             return ReadFrameHeader();
         if (type == TERMINATE_RECORD_TYPE)
@@ -89,19 +91,19 @@ void GifDecoder::ReadExtension() {
     int code = 0;
     GifByteType* block = nullptr;
     if (DGifGetExtension(gif_.get(), &code, &block) == GIF_ERROR)
-        ThrowLibraryError(EndsInHeader);
+        ThrowLibraryError();
     while (block != nullptr) {
         GraphicsControlBlock control{};
         if (code == GRAPHICS_EXT_FUNC_CODE && DGifExtensionToGCB(block[0], block + 1, &control) == GIF_OK)
             frame_.transparent = control.TransparentColor;
         if (DGifGetExtensionNext(gif_.get(), &block) == GIF_ERROR)
-            ThrowLibraryError(EndsInHeader);
+            ThrowLibraryError();
     }
 }
 
 void GifDecoder::ReadFrameHeader() {
-    if (DGifGetImageDesc(gif_.get()) == GIF_ERROR)
-        ThrowLibraryError(EndsInHeader);
+    if (DGifGetImageHeader(gif_.get()) == GIF_ERROR)
+        ThrowLibraryError();
     const GifImageDesc& image = gif_->Image;
     CheckImageSize(file_.Path(), image.Width, image.Height);
     frame_.left = image.Left;
@@ -112,11 +114,22 @@ void GifDecoder::ReadFrameHeader() {
     frame_.colours = ColoursOf(image.ColorMap != nullptr ? image.ColorMap : gif_->SColorMap);
     if (frame_.colours.empty())
         frame_.colours = Greys();
+    // The library takes no codes that begin with more than 8 bits.
+    codes_.emplace(file_.Stream());
 }
 
 void GifDecoder::DecodeRow(std::uint8_t* indices, std::int32_t row) {
-    if (DGifGetLine(gif_.get(), indices, frame_.width) == GIF_ERROR)
-        ThrowLibraryError("the file ends before row " + std::to_string(frame_.top + row + 1));
+    const std::int32_t screenRow = frame_.top + row;
+    switch (codes_->Read({indices, static_cast<std::size_t>(frame_.width)})) {
+    case GifCodes::Outcome::Done:
+        return;
+    case GifCodes::Outcome::FileEnds:
+        ThrowEndsBeforeRow(file_.Path(), screenRow);
+    case GifCodes::Outcome::PixelsEnd:
+        ThrowDamaged(file_.Path(), "its pixels end before row " + std::to_string(screenRow + 1));
+    case GifCodes::Outcome::Contradicted:
+        ThrowDamaged(file_.Path(), "its codes contradict themselves in row " + std::to_string(screenRow + 1));
+    }
 }
 
 void GifDecoder::SpoolRows() {

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "base/Progress.h"
+#include "component/imaging/GifCodes.h"
 #include "component/imaging/ImageFile.h"
 #include "component/imaging/PixelFormat.h"
 #include "component/imaging/SpoolFile.h"
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -49,11 +51,12 @@ private:
     void ReadFrameHeader();
     void DecodeRow(std::uint8_t* indices, std::int32_t row);
     void SpoolRows();
-    [[noreturn]] void ThrowLibraryError(const std::string& end) const;
+    [[noreturn]] void ThrowLibraryError() const;
 
     ImageFile file_;
     std::unique_ptr<GifFileType, Close> gif_;
     GifFrame frame_;
+    std::optional<GifCodes> codes_; ///< made when the frame's header is read
     std::int32_t row_ = 0;
     std::unique_ptr<SpoolFile> spool_; ///< the rows of an interlaced frame
     const Progress* progress_ = nullptr;

@@ -157,8 +157,30 @@ def make_animation(folder):
     write_truth(name, truth_of((17, 9), indices, colours))
 
 
+def make_wide_codes(folder):
+    """Codes that begin with more bits than the indices need, and with one bit."""
+    for code_size in (1, 3, 7, 9, 10, 11):
+        indices = indices_of(90, 60, 2 if code_size == 1 else 8)
+        colours = colours_of(8)
+        name = os.path.join(folder, f"code-size-{code_size}.gif")
+        write_gif(name, (90, 60), colours, frame(indices, code_size=code_size))
+        write_truth(name, truth_of((90, 60), indices, colours))
+
+
+def make_bad_codes(folder):
+    """Frames whose pixels end too early, whose indices are too large, whose codes have no meaning or width."""
+    colours = colours_of(256)
+    few, large = indices_of(30, 20, 256), indices_of(30, 40, 256).astype(int)
+    header = frame(large.astype(numpy.uint8))[:10]
+    for label, data in (("early-end", lzw(few.ravel().tolist(), 8)), ("index", lzw((large + 300).ravel().tolist(), 11)),
+                        ("meaning", b"\x08\x04\x00\x03\xfe\xff\x00"), ("no-width", b"\0\1\0\0"),
+                        ("width", b"\x0c\4\0\0\0\0\0")):
+        write_gif(os.path.join(folder, f"bad-{label}.gif"), (30, 40), colours, header + data)
+
+
 def make(folder):
     make_full_frames(folder)
+    make_wide_codes(folder)
     make_palettes(folder)
     make_screens(folder)
     make_animation(folder)

@@ -58,6 +58,7 @@ THEMES = {
     "bmp": bmp_images.make,
     "bombs": bomb_images.make_bombs,
     "gif": gif_images.make,
+    "bad-gif": gif_images.make_bad_codes,
     "bad-chunks": png_images.make_bad_chunks,
     "kinds": make_kinds,
     "png": png_images.make,
