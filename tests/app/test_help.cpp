@@ -25,6 +25,8 @@ TEST_F(GuideOfTheWindow, IsOpenedByTheMenuAndByF1) {
     Start();
     Choose("mHelpGuide");
     EXPECT_TRUE(QTest::qWaitFor([&] { return browser.Opened() == Page; }, 60000)) << browser.Opened();
+    Window().activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&Window()));
     QTest::keyClick(&Window(), Qt::Key_F1);
     EXPECT_TRUE(QTest::qWaitFor([&] { return browser.Opened() == std::string(Page) + Page; }, 60000))
         << browser.Opened();

@@ -12,6 +12,9 @@ int main(int argc, char** argv) {
     for (const char* const name :
          {"HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"})
         qputenv(name, folder);
+    // Nor in the user's language: numbers are typed and read as C writes them, where a test names no other
+    // locale.
+    qputenv("LC_ALL", "C.UTF-8");
     // Nor with the user's session bus; where there is none the library would start one.
     qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + folder + "/no-bus");
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
