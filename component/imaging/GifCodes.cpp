@@ -4,10 +4,6 @@
 
 namespace {
 
-/// A first code needs one bit more than the width that the frame names, and the clear code must be one of
-/// MostCodes.
-constexpr int MostFirstWidth = 11;
-
 constexpr unsigned MostIndices = 256;
 
 } // namespace

@@ -19,6 +19,9 @@ public:
         Contradicted, ///< a code that cannot be here, or no width that codes can have
     };
 
+    /// A first code needs one bit more than the width that the frame names, and all codes 12 at most.
+    static constexpr int MostFirstWidth = 11;
+
     /// The stream stands at the width of the first codes and must outlive the object.
     explicit GifCodes(std::FILE* stream);
 

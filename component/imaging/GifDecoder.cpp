@@ -101,8 +101,32 @@ void GifDecoder::ReadExtension() {
     }
 }
 
+/// Moves to the width of the frame's first codes, which stands behind its header and its colours, and tells
+/// whether the library takes no codes so wide, though they mean something.
+bool GifDecoder::HasWideCodes(std::int64_t header) {
+    constexpr std::size_t HeaderBytes = 9;
+    constexpr std::uint8_t HasOwnColours = 0x80;
+    std::array<std::uint8_t, HeaderBytes> bytes{};
+    file_.Seek(header);
+    if (file_.ReadSome(bytes) < bytes.size())
+        return false;
+    const std::uint8_t flags = bytes.back();
+    const std::int64_t colours = (flags & HasOwnColours) != 0 ? std::int64_t{3} << ((flags & 7) + 1) : 0;
+    const std::int64_t start = header + std::int64_t{HeaderBytes} + colours;
+    std::array<std::uint8_t, 1> width{};
+    file_.Seek(start);
+    const bool isWide =
+        file_.ReadSome(width) == width.size() && width[0] > 8 && width[0] <= GifCodes::MostFirstWidth;
+    if (isWide || std::feof(file_.Stream()) == 0)
+        file_.Seek(start);
+    return isWide;
+}
+
 void GifDecoder::ReadFrameHeader() {
-    if (DGifGetImageHeader(gif_.get()) == GIF_ERROR)
+    const std::int64_t header = std::ftell(file_.Stream());
+    const int outcome = DGifGetImageHeader(gif_.get());
+    const bool hasWideCodes = HasWideCodes(header);
+    if (outcome == GIF_ERROR && !hasWideCodes)
         ThrowLibraryError();
     const GifImageDesc& image = gif_->Image;
     CheckImageSize(file_.Path(), image.Width, image.Height);
@@ -114,7 +138,6 @@ void GifDecoder::ReadFrameHeader() {
     frame_.colours = ColoursOf(image.ColorMap != nullptr ? image.ColorMap : gif_->SColorMap);
     if (frame_.colours.empty())
         frame_.colours = Greys();
-    // The library takes no codes that begin with more than 8 bits.
     codes_.emplace(file_.Stream());
 }
 

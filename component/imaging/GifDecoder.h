@@ -48,6 +48,7 @@ private:
     void Open();
     void FindFrame();
     void ReadExtension();
+    bool HasWideCodes(std::int64_t header);
     void ReadFrameHeader();
     void DecodeRow(std::uint8_t* indices, std::int32_t row);
     void SpoolRows();
