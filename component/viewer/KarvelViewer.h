@@ -102,7 +102,7 @@ private:
     WheelTurns wheel_;
     std::optional<QPointF> pointer_; ///< in the widget's own units
     std::optional<Drag> drag_;
-    Qt::CursorShape pointer_ = Qt::ArrowCursor;
+    Qt::CursorShape pointerShape_ = Qt::ArrowCursor;
     bool leftPressed_ = false;
     bool spaceHeld_ = false;
 };

@@ -122,7 +122,7 @@ void KarvelViewer::ForgetButtons() {
 }
 
 void KarvelViewer::SetPointer(Qt::CursorShape shape) {
-    if (std::exchange(pointer_, shape) != shape)
+    if (std::exchange(pointerShape_, shape) != shape)
         ShowPointer();
 }
 
@@ -132,5 +132,5 @@ void KarvelViewer::ShowPointer() {
     else if (spaceHeld_)
         setCursor(Qt::OpenHandCursor);
     else
-        setCursor(pointer_);
+        setCursor(pointerShape_);
 }
