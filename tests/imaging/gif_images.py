@@ -173,7 +173,7 @@ def make_bad_codes(folder):
     few, large = indices_of(30, 20, 256), indices_of(30, 40, 256).astype(int)
     header = frame(large.astype(numpy.uint8))[:10]
     for label, data in (("early-end", lzw(few.ravel().tolist(), 8)), ("index", lzw((large + 300).ravel().tolist(), 11)),
-                        ("meaning", b"\x08\x04\x00\x03\xfe\xff\x00"), ("no-width", b"\0\1\0\0"),
+                        ("meaning", b"\x08\x03\x00\xff\x03\x00"), ("no-width", b"\0\1\0\0"),
                         ("width", b"\x0c\4\0\0\0\0\0")):
         write_gif(os.path.join(folder, f"bad-{label}.gif"), (30, 40), colours, header + data)
 

@@ -47,7 +47,7 @@ TEST(Gif, WhoseCodesAreWrongSaysHow) {
         {"index", "its codes contradict themselves in row 1"},
         {"meaning", "its codes contradict themselves in row 1"},
         {"no-width", "its codes contradict themselves in row 1"},
-        {"width", "its codes contradict themselves in row 1"}};
+        {"width", "the blocks before its pixels contradict themselves"}};
     for (const auto& [name, reason] : cases) {
         SCOPED_TRACE(name);
         try {
