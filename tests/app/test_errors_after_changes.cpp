@@ -139,6 +139,8 @@ protected:
         script_.ExpectBox(NoMemory);
         QMimeData data;
         data.setUrls({QUrl::fromLocalFile(QString::fromStdString(PathOf("new.png")))});
+        QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(window_.get(), &enter); // a drop goes to what was entered
         QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(window_.get(), &drop);
         QApplication::processEvents();

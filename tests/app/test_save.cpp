@@ -142,16 +142,16 @@ TEST_F(Saving, DoesNotTouchTheScaledFlag) {
     EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
 }
 
-TEST_F(Saving, AsTakesTheNewNameAsItWasTyped) {
+TEST_F(Saving, AsTakesTheNewNameCompletedByTheEndingOfTheFilter) {
     const std::string file = MakeLibrary("a.Atlavex", {{20, 20}}, 1);
     StartWith(file);
     Edit();
     ExpectSaveDialog(PathOf("copy without ending"));
     Choose("mFileSaveAtlavexAs");
-    EXPECT_EQ(State().fileName.toStdString(), PathOf("copy without ending"));
-    EXPECT_EQ(Title(), "Quorvant Studio - " + PathOf("copy without ending"));
+    EXPECT_EQ(State().fileName.toStdString(), PathOf("copy without ending.Atlavex"));
+    EXPECT_EQ(Title(), "Quorvant Studio - " + PathOf("copy without ending.Atlavex"));
     EXPECT_FALSE(State().modified);
-    EXPECT_EQ(IconAt(*Open(PathOf("copy without ending")), 1)->OffsetX(), 5);
+    EXPECT_EQ(IconAt(*Open(PathOf("copy without ending.Atlavex")), 1)->OffsetX(), 5);
     EXPECT_EQ(IconAt(*Open(file), 1)->OffsetX(), 0);
 }
 
