@@ -86,6 +86,9 @@ public:
     /// library's patience with views. The same view asked for again brings them, in steps that long, and
     /// answers with a better image when they are all there.
     virtual bool ViewIsDraft() const { return false; }
+    /// True when that view is a draft because its tiles cannot be read now, as while another program holds
+    /// the file: asked for again at once it will hardly be better.
+    virtual bool ViewIsObstructed() const { return false; }
 
     /// All pixels of the map, bit for bit, in bands of one tile height from the top, in Format(). The
     /// callback gets the rows (width × BytesPerPixel bytes each, without gaps) and their number. Throws

@@ -25,8 +25,8 @@ std::optional<std::int32_t> PixelUnder(std::int32_t position, std::int32_t image
     return CheckedRound<std::int32_t>(std::min<double>(RoundHalfEven(position / zoom), imageSize - 1));
 }
 
-/// Milliseconds until a draft is asked for again whose map failed: nothing says that it will do better at
-/// once, and a window that asks without end has no time for anything else.
+/// Milliseconds until a draft is asked for again whose map failed or could not read its tiles: nothing says
+/// that it will do better at once, and a window that asks without end has no time for anything else.
 constexpr int PauseAfterFailure = 1000;
 
 int NearestInteger(double value) {
@@ -275,6 +275,8 @@ void clsBitmapView::ShowMapPart() {
         // The map is gone or there is no memory: what the viewer has is better than nothing.
         pause = PauseAfterFailure;
     }
+    if (map_->ViewIsObstructed())
+        pause = PauseAfterFailure;
     if (map_->ViewIsDraft())
         draft_.start(pause);
 }

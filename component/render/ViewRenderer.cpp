@@ -178,6 +178,10 @@ bool ViewRenderer::IsDraft() const {
     return state_->draft;
 }
 
+bool ViewRenderer::IsObstructed() const {
+    return state_->draft && state_->loader.Obstacle() != nullptr;
+}
+
 bool ViewRenderer::Render(const ViewRequest& request, std::shared_ptr<const Bitmap>& view) {
     CheckRequest(request);
     ViewMemory& memory = *state_->memory;

@@ -31,6 +31,8 @@ public:
     /// patience, or blank places, because they could not be read (another program's lock). The same request
     /// again goes on bringing them, and draws the view when they are there.
     bool IsDraft() const;
+    /// True when it is a draft because tiles could not be read when they were last asked for.
+    bool IsObstructed() const;
 
     /// Draws a view of the requested size; the part outside the map is transparent. A damaged tile
     /// is hatched, and not read again while it stays in the cache. The picture stays as it is

@@ -1,5 +1,6 @@
 // Views whose tiles take longer than the patience.
 
+#include "base/ComponentError.h"
 #include "component/render/ViewRenderer.h"
 #include "tests/render/DrawnMap.h"
 
@@ -20,6 +21,8 @@ public:
     using DrawnMap::DrawnMap;
 
     std::vector<std::uint8_t> ReadTile(int level, std::int32_t row, std::int32_t column) override {
+        if (locked)
+            throw ComponentError(ErrorNumber::FileLocked, "Another program holds the file.");
         if (slow)
             std::this_thread::sleep_for(2 * Patience);
         {
@@ -30,6 +33,7 @@ public:
     }
 
     bool slow = true;
+    bool locked = false;
     std::set<int> levels; ///< those of which a tile was read
 
 private:
@@ -111,6 +115,23 @@ TEST_F(DraftView, ScrolledBeforeItIsFinalEndsAsOneDrawnAnew) {
     request.left -= 50, request.top -= 30;
     Finish(renderer, request, view);
     map.slow = false;
+    EXPECT_EQ(view->pixels, Final(map, request).pixels);
+}
+
+TEST_F(DraftView, IsObstructedForAsLongAsItsTilesCannotBeRead) {
+    ViewRenderer renderer(map.Layout(), map, std::make_shared<ViewMemory>(2, Patience));
+    const ViewRequest request{0, 0, 300, 250, 1};
+    std::shared_ptr<const Bitmap> view;
+    map.locked = true;
+    for (int i = 0; i < 3; ++i) {
+        renderer.Render(request, view);
+        EXPECT_TRUE(renderer.IsDraft());
+        EXPECT_TRUE(renderer.IsObstructed());
+    }
+    map.locked = false;
+    renderer.Render(request, view);
+    EXPECT_FALSE(renderer.IsObstructed());
+    Finish(renderer, request, view);
     EXPECT_EQ(view->pixels, Final(map, request).pixels);
 }
 

@@ -23,7 +23,8 @@ public:
     bool fails = false;  ///< every question is answered by an error
     bool changed = true; ///< what it says of its answers
     int zoomsWritten = 0;
-    int drafts = 0; ///< so many of the next answers are not final
+    bool obstructed = false; ///< its drafts cannot be made final, and no answer is better than the last
+    int drafts = 0;          ///< so many of the next answers are not final
 
     std::int32_t Width() const override { return layout_.Width(); }
     std::int32_t Height() const override { return layout_.Height(); }
@@ -40,7 +41,7 @@ public:
                     std::shared_ptr<const AtlavexImage>& image) override {
         calls.push_back({left, top, width, height, zoom_});
         Fail();
-        if (!changed)
+        if (!changed || (obstructed && isDraft_))
             return false;
         Bitmap bitmap(width, height);
         bitmap.pixels.assign(bitmap.pixels.size(), Colour);
@@ -49,6 +50,7 @@ public:
         return true;
     }
     bool ViewIsDraft() const override { return isDraft_; }
+    bool ViewIsObstructed() const override { return obstructed && isDraft_; }
 
 private:
     void Fail() const {

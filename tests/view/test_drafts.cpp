@@ -41,6 +41,20 @@ TEST_F(ViewLayout, ADraftThatCannotBeReadIsNotAskedForWithoutPause) {
     EXPECT_EQ(window_.viewer.Image(), View().objBitmap());
 }
 
+TEST_F(ViewLayout, ADraftOfALockedFileIsNotAskedForWithoutPause) {
+    const auto map = Show(2000, 2000);
+    ServeQuietMoments();
+    map->drafts = 1;
+    map->obstructed = true;
+    View().ScrollBy({100, 50});
+    ASSERT_TRUE(map->ViewIsDraft());
+    map->calls.clear();
+    ServeQuietMoments();
+    EXPECT_TRUE(map->calls.empty());
+    map->obstructed = false;
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !map->ViewIsDraft(); }, 30'000)) << "It is not given up.";
+}
+
 TEST_F(ViewLayout, WhileBusyLeavesADraftAndFinishesItAfterwards) {
     const auto map = Show(2000, 2000);
     ServeQuietMoments();
