@@ -251,6 +251,7 @@ TEST_F(AfterChanges, AFileIsCountedAndLoadedUnderTheHourglassAndCountedAgainWith
     };
     Start(file);
     hook_ = nullptr;
+    calls.erase(calls.begin(), std::find(calls.begin(), calls.end(), "IsEncrypted")); // of the empty lists
     ASSERT_GE(calls.size(), 7U);
     calls.resize(7);
     EXPECT_EQ(calls, (std::vector<std::string>{"IsEncrypted", "IsEncrypted", "MapCount under the hourglass",
