@@ -1,4 +1,7 @@
-"""Makes the sample sheets and holds them against GDAL, PROJ and their own table of printed crossings."""
+"""Holds the sample sheets against GDAL, PROJ and their own table of printed crossings.
+
+    test_sheets.py SHEETS    the drawn sheets
+"""
 
 import hashlib
 import json
@@ -15,6 +18,7 @@ from PIL import Image
 
 gdal.UseExceptions()
 _SCRIPT = Path(__file__).resolve().parents[2] / "samples" / "make_sheets.py"
+_SHEETS = None
 
 
 def _make(folder):
@@ -30,10 +34,7 @@ class Sheets(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        cls._temporary = tempfile.TemporaryDirectory()
-        cls.addClassCleanup(cls._temporary.cleanup)
-        cls.folder = Path(cls._temporary.name)
-        _make(cls.folder)
+        cls.folder = Path(_SHEETS)
         cls.truth = json.loads((cls.folder / "truth.json").read_text(encoding="utf-8"))
         cls.sheet, cls.polar = cls.truth["topographic"], cls.truth["polar"]
 
@@ -156,4 +157,5 @@ class Sheets(unittest.TestCase):
 
 
 if __name__ == "__main__":
+    _SHEETS = sys.argv.pop(1)
     unittest.main()
