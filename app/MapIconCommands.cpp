@@ -3,6 +3,7 @@
 #include "app/EntryLists.h"
 #include "app/ScaledFlag.h"
 #include "app/Steps.h"
+#include "base/ComponentError.h"
 #include "dialogs/frmAtlavexProperties.h"
 #include "dialogs/frmExport.h"
 #include "dialogs/frmMetadata.h"

@@ -2,7 +2,8 @@
 
 #include "app/EditorState.h"
 #include "app/ScaledFlag.h"
-#include "component/viewer/KarvelViewer.h"
+#include "base/ComponentError.h"
+#include "view/KarvelViewer.h"
 #include "view/clsBitmapView.h"
 
 #include <QLabel>

@@ -2,8 +2,8 @@
 
 #include "app/ScaledFlag.h"
 #include "base/ComponentError.h"
-#include "component/viewer/KarvelViewer.h"
 #include "platform/modMessages.h"
+#include "view/KarvelViewer.h"
 #include "wizard/WizardMessages.h"
 #include "wizard/clsScalingWizard.h"
 #include "wizard/clsWorldfileWizard.h"

@@ -2,7 +2,7 @@
 
 #include "app/EditorState.h"
 #include "app/EditorWindow.h"
-#include "component/viewer/ViewerMark.h"
+#include "view/ViewerMark.h"
 #include "view/clsBitmapView.h"
 
 #include <memory>

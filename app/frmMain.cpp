@@ -10,10 +10,10 @@
 #include "app/WizardCommands.h"
 #include "app/modResize.h"
 #include "base/ErrorSentence.h"
-#include "component/viewer/KarvelViewer.h"
 #include "dialogs/frmPreferences.h"
 #include "platform/modMessages.h"
 #include "ui_frmMain.h"
+#include "view/KarvelViewer.h"
 
 #include <QApplication>
 #include <QCloseEvent>

@@ -12,10 +12,10 @@
 #include "app/WheelGuard.h"
 #include "app/WizardCommands.h"
 #include "app/frmMain.h"
-#include "component/viewer/KarvelViewer.h"
 #include "dialogs/frmPreferences.h"
 #include "platform/modMessages.h"
 #include "ui_frmMain.h"
+#include "view/KarvelViewer.h"
 
 #include <QApplication>
 #include <QClipboard>

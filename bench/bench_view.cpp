@@ -6,7 +6,7 @@
 // measures the first map of the library in a viewer of 1920 × 1080 device pixels.
 
 #include "component/AtlavexLibrary.h"
-#include "component/viewer/KarvelViewer.h"
+#include "view/KarvelViewer.h"
 #include "view/ZoomSlider.h"
 #include "view/clsBitmapView.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/scaling/Georeference.h"
+#include "component/Georeference.h"
 
 #include <cstdint>
 #include <string>

@@ -2,7 +2,7 @@
 
 #include "base/ComponentError.h"
 #include "cli/ImageWriter.h"
-#include "component/imaging/Bitmap.h"
+#include "component/Bitmap.h"
 
 #include <algorithm>
 #include <vector>

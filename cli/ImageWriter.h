@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cli/NewFile.h"
-#include "component/imaging/PixelFormat.h"
+#include "component/PixelFormat.h"
 
 #include <cstdint>
 #include <memory>

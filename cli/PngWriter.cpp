@@ -1,7 +1,7 @@
 #include "cli/ImageWriter.h"
 
 #include "base/ComponentError.h"
-#include "component/imaging/LibraryGuard.h"
+#include "base/LibraryGuard.h"
 
 #include <png.h>
 

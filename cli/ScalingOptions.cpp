@@ -4,7 +4,7 @@
 #include "cli/Arguments.h"
 #include "cli/CoordinateSystem.h"
 #include "cli/ExitStatus.h"
-#include "component/scaling/Worldfile.h"
+#include "component/Worldfile.h"
 
 #include <algorithm>
 #include <cmath>
@@ -40,14 +40,6 @@ std::vector<ReferencePoint> ParsePoints(std::string_view option, const std::vect
     std::transform(texts.begin(), texts.end(), std::back_inserter(points),
                    [option](const std::string& text) { return ParseReferencePoint(option, text); });
     return points;
-}
-
-std::span<const ReferencePoint, PointCount> AsPoints(const std::vector<ReferencePoint>& points) {
-    return std::span<const ReferencePoint, PointCount>(points.data(), PointCount);
-}
-
-std::span<const ReferencePoint, CornerCount> AsCorners(const std::vector<ReferencePoint>& points) {
-    return std::span<const ReferencePoint, CornerCount>(points.data(), CornerCount);
 }
 
 /// What rounding may add to a pole that is a point's own latitude.
@@ -118,13 +110,13 @@ void ScalingPlan::ChooseSystem(const ScalingOptions& options) {
 void ScalingPlan::ChoosePoints(const ScalingOptions& options) {
     if (!options.points.empty()) {
         points_ = ParsePoints("--point", options.points);
-        MakeLinearScaling(AsPoints(points_));
+        CheckScaling(ScalingKind::Linear, points_);
     } else if (!options.corners.empty()) {
         points_ = ParsePoints("--corner", options.corners);
-        MakePolarScaling(AsCorners(points_));
+        CheckScaling(ScalingKind::Polar, points_);
     } else {
         worldfile_ = ReadWorldfile(options.worldfile);
-        MakeLinearScaling(WorldfilePoints(*worldfile_));
+        CheckScaling(ScalingKind::Linear, WorldfilePoints(*worldfile_));
     }
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "component/AtlavexMap.h"
-#include "component/imaging/RowReader.h"
+#include "component/Worldfile.h"
 
 #include <cstdint>
 #include <memory>

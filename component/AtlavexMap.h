@@ -1,10 +1,11 @@
 #pragma once
 
 #include "component/AtlavexImage.h"
+#include "component/Georeference.h"
 #include "component/Metadata.h"
-#include "component/imaging/PyramidLayout.h"
-#include "component/imaging/RowReader.h"
-#include "component/scaling/Scaling.h"
+#include "component/Orientation.h"
+#include "component/PixelFormat.h"
+#include "component/PyramidLayout.h"
 #include "coordinates/Projection.h"
 
 #include <array>

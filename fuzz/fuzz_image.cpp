@@ -1,7 +1,7 @@
 // An image file of any kind: opened and read to its last row.
 
 #include "base/ComponentError.h"
-#include "component/imaging/RowReader.h"
+#include "component/readers/OpenImage.h"
 #include "fuzz/FuzzInput.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // One stored tile: decoded at the size that its map says, in both ways.
 
 #include "base/ComponentError.h"
-#include "component/imaging/TileCodec.h"
+#include "component/tiles/TileCodec.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // A worldfile's text: six finite numbers or an error.
 
 #include "base/ComponentError.h"
-#include "component/scaling/Worldfile.h"
+#include "component/Worldfile.h"
 
 #include <cmath>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 #include "view/clsBitmapView.h"
 
 #include "base/CheckedNumbers.h"
-#include "component/viewer/KarvelViewer.h"
+#include "view/KarvelViewer.h"
 #include "view/ZoomSlider.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 #include "wizard/clsWorldfileWizard.h"
 
-#include "component/scaling/Worldfile.h"
+#include "base/ComponentError.h"
+#include "component/Worldfile.h"
 #include "wizard/ScaleHandover.h"
 #include "wizard/WizardMessages.h"
 #include "wizard/frmSelectWorldfileGrid.h"

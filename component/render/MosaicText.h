@@ -1,8 +1,8 @@
 #pragma once
 
-#include "component/imaging/PixelFormat.h"
-#include "component/imaging/TileCodec.h"
+#include "component/PixelFormat.h"
 #include "component/render/TileExport.h"
+#include "component/tiles/TileCodec.h"
 
 #include <cstdint>
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/imaging/Bitmap.h"
+#include "component/Bitmap.h"
 #include "component/render/ViewAxis.h"
 #include "component/render/ViewRequest.h"
 

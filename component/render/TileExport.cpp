@@ -1,7 +1,6 @@
 #include "component/render/TileExport.h"
 
 #include "base/ComponentError.h"
-#include "component/imaging/TileCodec.h"
 #include "component/render/ExportFolder.h"
 #include "component/render/ExportText.h"
 #include "component/render/MapDescription.h"
@@ -9,6 +8,7 @@
 #include "component/render/ShortThreads.h"
 #include "component/render/TileWriters.h"
 #include "component/render/ViewerPage.h"
+#include "component/tiles/TileCodec.h"
 
 #include <algorithm>
 #include <utility>

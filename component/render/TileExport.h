@@ -1,9 +1,9 @@
 #pragma once
 
 #include "base/Progress.h"
-#include "component/imaging/PyramidLayout.h"
-#include "component/imaging/TileStore.h"
-#include "component/scaling/Georeference.h"
+#include "component/Georeference.h"
+#include "component/PyramidLayout.h"
+#include "component/tiles/TileStore.h"
 
 #include <filesystem>
 #include <string>

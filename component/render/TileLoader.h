@@ -1,9 +1,9 @@
 #pragma once
 
-#include "component/imaging/PyramidLayout.h"
-#include "component/imaging/TileStore.h"
+#include "component/PyramidLayout.h"
 #include "component/render/TileCache.h"
 #include "component/render/ViewMemory.h"
+#include "component/tiles/TileStore.h"
 
 #include <chrono>
 #include <exception>

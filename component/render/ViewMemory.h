@@ -1,9 +1,9 @@
 #pragma once
 
-#include "component/imaging/Bitmap.h"
-#include "component/imaging/TileCodec.h"
+#include "component/Bitmap.h"
 #include "component/render/TileCache.h"
 #include "component/render/ViewRequest.h"
+#include "component/tiles/TileCodec.h"
 
 #include <array>
 #include <chrono>

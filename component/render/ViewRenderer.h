@@ -1,10 +1,10 @@
 #pragma once
 
-#include "component/imaging/Bitmap.h"
-#include "component/imaging/PyramidLayout.h"
-#include "component/imaging/TileStore.h"
+#include "component/Bitmap.h"
+#include "component/PyramidLayout.h"
 #include "component/render/ViewMemory.h"
 #include "component/render/ViewRequest.h"
+#include "component/tiles/TileStore.h"
 
 #include <memory>
 

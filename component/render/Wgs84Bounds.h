@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/imaging/PyramidLayout.h"
+#include "component/PyramidLayout.h"
 #include "component/scaling/Scaling.h"
 
 #include <optional>

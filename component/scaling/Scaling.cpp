@@ -7,7 +7,7 @@
 namespace {
 
 template <std::size_t Count>
-std::span<const ReferencePoint, Count> Exactly(const std::vector<ReferencePoint>& points) {
+std::span<const ReferencePoint, Count> Exactly(std::span<const ReferencePoint> points) {
     if (points.size() != Count)
         throw ComponentError(ErrorNumber::InvalidArgument, "The scaling needs " + std::to_string(Count) +
                                                                " reference points, not " +
@@ -15,16 +15,26 @@ std::span<const ReferencePoint, Count> Exactly(const std::vector<ReferencePoint>
     return std::span<const ReferencePoint, Count>(points.data(), Count);
 }
 
+std::unique_ptr<Scaling> ScalingThrough(ScalingKind kind, std::span<const ReferencePoint> points) {
+    switch (kind) {
+    case ScalingKind::Linear:
+        return MakeLinearScaling(Exactly<3>(points));
+    case ScalingKind::Polar:
+        return MakePolarScaling(Exactly<4>(points));
+    case ScalingKind::None:
+        break;
+    }
+    throw ComponentError(ErrorNumber::InvalidArgument, "There is no scaling of this kind.");
+}
+
 } // namespace
 
 std::unique_ptr<Scaling> MakeScaling(const Georeference& georeference) {
-    switch (georeference.kind) {
-    case ScalingKind::None:
+    if (georeference.kind == ScalingKind::None)
         return nullptr;
-    case ScalingKind::Linear:
-        return MakeLinearScaling(Exactly<3>(georeference.points));
-    case ScalingKind::Polar:
-        return MakePolarScaling(Exactly<4>(georeference.points));
-    }
-    throw ComponentError(ErrorNumber::InvalidArgument, "There is no scaling of this kind.");
+    return ScalingThrough(georeference.kind, georeference.points);
+}
+
+void CheckScaling(ScalingKind kind, std::span<const ReferencePoint> points) {
+    ScalingThrough(kind, points);
 }

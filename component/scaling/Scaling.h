@@ -1,22 +1,10 @@
 #pragma once
 
-#include "component/scaling/Georeference.h"
+#include "component/Georeference.h"
 
 #include <array>
 #include <memory>
 #include <span>
-
-/// A place in a map's pixels; whole numbers are pixel centres.
-struct PixelPosition {
-    double x = 0;
-    double y = 0;
-};
-
-/// A place in a map's own coordinates: longitude/latitude in degrees or easting/northing in metres.
-struct WorldPosition {
-    double x = 0;
-    double y = 0;
-};
 
 /// Turns pixels into coordinates and back.
 class Scaling {
@@ -44,12 +32,6 @@ std::unique_ptr<Scaling> MakePolarScaling(std::span<const ReferencePoint, 4> cor
 
 /// The scaling that a georeference describes; nothing for ScalingKind::None. Throws as above.
 std::unique_ptr<Scaling> MakeScaling(const Georeference& georeference);
-
-/// An affine map as six numbers: X = a·px + b·py + c, Y = d·px + e·py + f.
-struct Affine {
-    double a = 0, b = 0, c = 0;
-    double d = 0, e = 0, f = 0;
-};
 
 /// The affine map of a linear scaling (for a geotransform or a worldfile).
 Affine AffineOf(std::span<const ReferencePoint, 3> points);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/imaging/RowReader.h"
+#include "component/Orientation.h"
 #include "component/storage/Container.h"
 #include "component/storage/Records.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "component/imaging/PixelFormat.h"
-#include "component/imaging/PyramidLayout.h"
-#include "component/scaling/Georeference.h"
+#include "component/Georeference.h"
+#include "component/PixelFormat.h"
+#include "component/PyramidLayout.h"
 #include "component/storage/Digest.h"
 
 #include <string>

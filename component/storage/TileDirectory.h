@@ -1,9 +1,9 @@
 #pragma once
 
 #include "base/Progress.h"
-#include "component/imaging/TileStore.h"
 #include "component/storage/Container.h"
 #include "component/storage/Records.h"
+#include "component/tiles/TileStore.h"
 
 #include <list>
 #include <map>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "component/imaging/PyramidLayout.h"
-#include "component/imaging/TileCodec.h"
+#include "component/PyramidLayout.h"
 #include "component/storage/Records.h"
+#include "component/tiles/TileCodec.h"
 
 /// Decodes a map's stored pictures and compares them with what the map's record says of them: a right digest
 /// only says that they are what was stored. One object a thread.

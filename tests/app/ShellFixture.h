@@ -1,8 +1,8 @@
 #pragma once
 
-#include "component/viewer/KarvelViewer.h"
 #include "tests/app/EditorFixture.h"
 #include "tests/support/desktop/Controls.h"
+#include "view/KarvelViewer.h"
 
 #include <QTabBar>
 #include <QTabWidget>

@@ -1,4 +1,4 @@
-#include "component/imaging/Bitmap.h"
+#include "component/Bitmap.h"
 #include "tests/app/ShellFixture.h"
 
 #include <QAbstractItemView>

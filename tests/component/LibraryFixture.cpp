@@ -1,6 +1,6 @@
 #include "tests/component/LibraryFixture.h"
 
-#include "component/imaging/Bitmap.h"
+#include "component/Bitmap.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/imaging/PixelFormat.h"
+#include "component/PixelFormat.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -1,6 +1,6 @@
 // Icons: large ones, many of them, and damaged ones.
 
-#include "component/imaging/Bitmap.h"
+#include "component/Bitmap.h"
 #include "tests/component/LibraryFixture.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 // Every kind of image, tile size and image size comes back from a file as it went in.
 
-#include "component/imaging/Bitmap.h"
+#include "component/Bitmap.h"
 #include "tests/component/LibraryFixture.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // Other programs that change, replace, delete or lock the file that is open.
 
-#include "component/imaging/Bitmap.h"
+#include "component/Bitmap.h"
 #include "tests/component/LibraryFixture.h"
 #include "tests/component/OtherProgram.h"
 

@@ -1,6 +1,6 @@
 // The visible part of a map, its changed flag, and the zoom.
 
-#include "component/imaging/Bitmap.h"
+#include "component/Bitmap.h"
 #include "tests/component/LibraryFixture.h"
 
 #include <limits>

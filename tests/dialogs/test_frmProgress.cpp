@@ -1,5 +1,6 @@
 #include "dialogs/frmProgress.h"
 
+#include "base/ComponentError.h"
 #include "component/AtlavexLibrary.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/desktop/Controls.h"

@@ -2,7 +2,7 @@
 
 #include "base/ComponentError.h"
 #include "component/SaveNotes.h"
-#include "component/imaging/TileCodec.h"
+#include "component/tiles/TileCodec.h"
 #include "tests/faults/FaultLab.h"
 #include "tests/faults/Forger.h"
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "component/imaging/Bitmap.h"
-#include "component/imaging/PyramidLayout.h"
-#include "component/imaging/TileCodec.h"
-#include "component/imaging/TileStore.h"
+#include "component/Bitmap.h"
+#include "component/PyramidLayout.h"
+#include "component/tiles/TileCodec.h"
+#include "component/tiles/TileStore.h"
 
 #include <mutex>
 #include <set>

@@ -1,4 +1,4 @@
-#include "component/scaling/Worldfile.h"
+#include "component/Worldfile.h"
 #include "base/ComponentError.h"
 #include "tests/support/RunProgram.h"
 #include "tests/support/TempFolder.h"

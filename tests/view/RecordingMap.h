@@ -1,6 +1,7 @@
 #pragma once
 
-#include "component/PixelImage.h"
+#include "base/ComponentError.h"
+#include "component/library/PixelImage.h"
 #include "tests/support/BlankMap.h"
 
 #include <vector>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/viewer/KarvelViewer.h"
+#include "view/KarvelViewer.h"
 #include "view/clsBitmapView.h"
 
 #include <QImage>

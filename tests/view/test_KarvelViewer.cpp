@@ -1,6 +1,6 @@
 // What the viewer paints, by the screen's own pixels.
 
-#include "component/PixelImage.h"
+#include "component/library/PixelImage.h"
 #include "tests/view/ViewWindow.h"
 
 namespace {

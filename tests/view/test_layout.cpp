@@ -1,5 +1,6 @@
 // Scroll ranges, coarse bars, the slider's upper end, and how often a map is asked for its pixels.
 
+#include "base/ComponentError.h"
 #include "tests/view/ViewLayout.h"
 #include "view/ZoomSlider.h"
 

@@ -1,6 +1,6 @@
 // Real maps in a real window: the very pixels on the screen, and what a click on them gives.
 
-#include "component/imaging/Bitmap.h"
+#include "component/Bitmap.h"
 #include "tests/component/LibraryFixture.h"
 #include "tests/view/ViewWindow.h"
 #include "view/ZoomSlider.h"

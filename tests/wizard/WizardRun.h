@@ -1,7 +1,7 @@
 #pragma once
 
-#include "component/viewer/KarvelViewer.h"
 #include "tests/app/EditorFixture.h"
+#include "view/KarvelViewer.h"
 
 #include <QRadioButton>
 #include <QScrollBar>

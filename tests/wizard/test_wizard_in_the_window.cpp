@@ -1,9 +1,9 @@
 #include "app/frmMain.h"
 #include "component/AtlavexLibrary.h"
-#include "component/viewer/KarvelViewer.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/desktop/ModalScript.h"
 #include "tests/wizard/FormDriver.h"
+#include "view/KarvelViewer.h"
 
 #include <QAccessible>
 #include <QAction>

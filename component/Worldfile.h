@@ -1,0 +1,21 @@
+#pragma once
+
+#include "component/Georeference.h"
+#include "component/Orientation.h"
+
+#include <array>
+#include <filesystem>
+#include <string_view>
+
+/// Reads a worldfile: six finite numbers, one a line, in the order A, D, B, E, C, F, with decimal points
+/// whatever the user's locale; LF or CRLF, blank lines tolerated. C and F are the centre of the upper left
+/// pixel. Throws WorldfileInvalid, naming file and line, or FileNotFound / FileNotReadable.
+Affine ReadWorldfile(const std::filesystem::path& file);
+Affine ParseWorldfile(std::string_view text, std::string_view fileName);
+
+/// The worldfile of an image as stored, expressed for the image as displayed. Width and height are those of
+/// the displayed image.
+Affine TurnWorldfile(const Affine& stored, Orientation orientation, std::int32_t width, std::int32_t height);
+
+/// Three reference points of the affine map at the pixels (1, 1), (1, 100) and (100, 100).
+std::array<ReferencePoint, 3> WorldfilePoints(const Affine& affine);

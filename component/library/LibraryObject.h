@@ -1,0 +1,126 @@
+#pragma once
+
+#include "component/AtlavexLibrary.h"
+#include "component/ImageRemarks.h"
+#include "component/library/IconObject.h"
+#include "component/library/MapObject.h"
+#include "component/storage/Disposal.h"
+#include "component/storage/KnownFiles.h"
+#include "component/storage/RememberedKey.h"
+
+#include <map>
+
+/// A map library over its file: keeps the state in memory, the open file, and the scratch for what is not
+/// saved yet.
+class LibraryObject final : public AtlavexLibrary {
+public:
+    explicit LibraryObject(const LibraryOptions& options, LockWait waitForOthers = {});
+    ~LibraryObject() override;
+    LibraryObject(const LibraryObject&) = delete;
+    LibraryObject& operator=(const LibraryObject&) = delete;
+
+    std::int32_t MapCount() const override { return static_cast<std::int32_t>(state_.maps.size()); }
+    std::int32_t IconCount() const override { return static_cast<std::int32_t>(state_.icons.size()); }
+    std::string MapIdAt(std::int32_t position) const override;
+    std::string IconIdAt(std::int32_t position) const override;
+    std::shared_ptr<AtlavexMap> GetMap(const std::string& reference) override;
+    std::shared_ptr<AtlavexIcon> GetIcon(const std::string& reference) override;
+
+    std::shared_ptr<AtlavexMap> AddMapFromImageFile(const std::string& file, const std::string& name,
+                                                    std::int32_t tileWidth, std::int32_t tileHeight) override;
+    std::shared_ptr<AtlavexIcon> AddIconFromImageFile(const std::string& file,
+                                                      const std::string& name) override;
+    void SetScratchFolder(const std::string& folder) override;
+    void RemoveMap(const std::string& reference) override;
+    void RemoveIcon(const std::string& reference) override;
+
+    bool IsEncrypted(const std::string& file) override;
+    void LoadFromFile(const std::string& file, const std::string& key) override;
+    void SaveToFile(const std::string& file, const std::string& key) override;
+    void MergeFromFile(const std::string& file, const std::string& key) override;
+    bool KeyFitted() const override { return keyFitted_; }
+    void CancelOperation() override { operations_->Cancel(); }
+
+    std::vector<Damage> Verify() override;
+    void Compact() override;
+    std::string FileName() const override { return file_ ? file_->Path().string() : std::string(); }
+    bool IsSealed() const override { return form_->IsSealed(); }
+    /// What is worth knowing about the last save beside its success, in sentences; mostly nothing.
+    const std::vector<std::string>& Notes() const { return notes_; }
+
+private:
+    /// A file whose maps and icons are to be added.
+    struct OtherLibrary {
+        std::unique_ptr<LibraryFile> file; ///< nothing when it is the one that is open here
+        LibraryState state;
+    };
+
+    void Replace(LibraryState state);
+    std::shared_ptr<AtlavexMap> ImportMap(const std::string& file, const std::string& name,
+                                          std::int32_t tileWidth, std::int32_t tileHeight);
+    std::shared_ptr<AtlavexIcon> ImportIcon(const std::string& file, const std::string& name);
+    void RaiseRemarks(const std::vector<std::string>& remarks) const;
+    friend void OnImageRemark(AtlavexLibrary& library, std::function<void(const std::string& sentence)> tell);
+    std::shared_ptr<AtlavexMap> Append(std::shared_ptr<MapState> map);
+    std::shared_ptr<AtlavexIcon> Append(std::shared_ptr<IconState> icon);
+    std::shared_ptr<const Envelope> NewForm(const std::string& key) const;
+    bool IsOpenFile(const std::filesystem::path& path) const;
+    std::shared_ptr<Container> ContainerForNew();
+    void SaveHere(Progress& progress);
+    /// `over` is the open file when the new one takes its place.
+    void SaveAnew(const std::filesystem::path& target, LibraryFile* over,
+                  std::shared_ptr<const Envelope> form, Progress& progress);
+    /// Another program that changed the open file may have removed tiles and pictures that are still wanted
+    /// here: throws FileChanged, naming what they belong to. Returns where that is not so.
+    void TellRemovedPixels(Progress& progress) const;
+    void Shrink(Progress& progress);
+    /// Saves a file with a second name: under this one alone, so that the other one keeps what it has.
+    void WriteAnew(Progress& progress);
+    void NoteKept(std::int64_t pictures);
+    void RequireUnchangedFile() const;
+    void FollowTiles();
+    /// Whether what lies there under the key is in no file's list: removing the object frees its space.
+    bool IsUnsaved(const std::shared_ptr<Container>& container, const RecordKey& key) const;
+    std::ptrdiff_t ObjectsInScratch() const;
+    bool IsAloneInScratch(const std::shared_ptr<Container>& container) const;
+    /// The scratch goes with the last object in it.
+    void LeaveScratch() noexcept;
+    /// Lets a scratch go, at the end of an addition, that nothing came to lie in.
+    class Addition {
+    public:
+        explicit Addition(LibraryObject& library) : library_(library) {}
+        ~Addition() { library_.LeaveScratch(); }
+        Addition(const Addition&) = delete;
+        Addition& operator=(const Addition&) = delete;
+
+    private:
+        LibraryObject& library_;
+    };
+    bool IsUnsavedInFile(const std::shared_ptr<Container>& container, const RecordKey& key) const;
+    void GiveUpDirectWork();
+    bool OpenOther(const std::filesystem::path& path, const std::string& key, OtherLibrary& other);
+    LibraryState CopyOther(const OtherLibrary& other, const std::shared_ptr<Container>& target,
+                           Progress& progress);
+    void MakeIdentifiersUnique(LibraryState& added) const;
+
+    LibraryOptions options_;
+    LockWait waitForOthers_;
+    std::shared_ptr<FileSystem> files_;
+    std::shared_ptr<Operations> operations_;
+    std::shared_ptr<ViewMemory> views_;
+    std::shared_ptr<RecentPictures> pictures_;
+    LibraryState state_;
+    NumberSource numbers_;
+    RememberedKey key_;
+    bool keyFitted_ = true;
+    std::vector<std::string> notes_;
+    std::shared_ptr<const Envelope> form_;
+    std::unique_ptr<LibraryFile> file_;
+    KnownFiles known_; ///< since the last load
+    std::shared_ptr<Container> scratch_;
+    std::unique_ptr<Transaction> direct_; ///< open while new tiles stand in the library file unsaved
+    std::map<std::int64_t, std::shared_ptr<MapObject>> mapObjects_;
+    std::map<std::int64_t, std::shared_ptr<IconObject>> iconObjects_;
+    Disposal disposal_;
+    std::function<void(const std::string& sentence)> tellRemark_;
+};

@@ -1,0 +1,311 @@
+// Loading, saving and merging: the part of a library that deals with files.
+
+#include "component/SaveNotes.h"
+#include "component/library/LibraryObject.h"
+#include "component/storage/FileReplacement.h"
+#include "component/storage/FileRights.h"
+#include "component/storage/RealPath.h"
+#include "component/storage/Saving.h"
+#include "component/storage/Verification.h"
+#include "platform/modGUID.h"
+
+#include <algorithm>
+#include <optional>
+#include <set>
+
+namespace {
+
+/// A cancelled load or merge is no error: the caller sees that nothing came.
+void IgnoringCancel(const std::function<void()>& operation) {
+    try {
+        operation();
+    } catch (const ComponentError& error) {
+        if (error.Number() != ErrorNumber::Cancelled)
+            throw;
+    }
+}
+
+/// The names in a row; a sentence has room for so many only.
+std::string ListOf(const std::vector<std::string>& names) {
+    constexpr std::size_t MostNames = 20;
+    std::string list;
+    for (std::size_t i = 0; i < std::min(names.size(), MostNames); ++i)
+        list += (i > 0 ? ", " : "") + names[i];
+    return names.size() <= MostNames ? list
+                                     : list + " and " + std::to_string(names.size() - MostNames) + " more";
+}
+
+/// Whether the file stands in another place, too. A journal lies beside one name only: after a crash under
+/// that one, a save under the other would be rolled away later.
+bool HasSecondName(const std::filesystem::path& file) {
+    std::error_code unknown;
+    const std::uintmax_t names = std::filesystem::hard_link_count(file, unknown);
+    return !unknown && names > 1;
+}
+
+bool IsSomethingAt(const std::filesystem::path& path) {
+    std::error_code unknown;
+    return std::filesystem::symlink_status(path, unknown).type() != std::filesystem::file_type::not_found;
+}
+
+} // namespace
+
+bool LibraryObject::IsOpenFile(const std::filesystem::path& path) const {
+    return file_ && path == file_->Path() && !file_->File().HasMoved();
+}
+
+bool LibraryObject::IsEncrypted(const std::string& file) {
+    const std::filesystem::path path = RealPath(file);
+    return IsOpenFile(path) ? file_->Header().sealed : LibraryFile::IsSealed(path, waitForOthers_);
+}
+
+void LibraryObject::LoadFromFile(const std::string& file, const std::string& key) {
+    const std::filesystem::path path = RealPath(file);
+    const LibraryFile::Access access{waitForOthers_,
+                                     waitForOthers_ && options_.newTiles == NewTiles::LibraryFile};
+    std::unique_ptr<LibraryFile> opened;
+    LibraryState state;
+    bool cancelled = true;
+    IgnoringCancel([&] {
+        operations_->Run([&](Progress& progress) {
+            progress.Expect(2);
+            opened = LibraryFile::Open(path, key, path.string(), access);
+            progress.Add(1);
+            if (opened)
+                state = opened->ReadState();
+            progress.ThrowIfCancelled();
+            progress.Add(1);
+        });
+        cancelled = false;
+    });
+    keyFitted_ = cancelled || opened != nullptr;
+    if (cancelled || !opened)
+        return;
+    direct_.reset();
+    Replace(std::move(state));
+    file_ = std::move(opened);
+    direct_ = file_->TakeLock();
+    known_.Forget();
+    known_.Remember(*file_);
+    scratch_.reset();
+    form_ = file_->Tiles()->SharedForm();
+    numbers_.Raise(file_->Header().nextNumber);
+    if (form_->IsSealed())
+        key_.Remember(key); // as it is: a choice between two texts would copy it
+    else
+        key_.Remember({});
+}
+
+std::shared_ptr<const Envelope> LibraryObject::NewForm(const std::string& key) const {
+    if (key.empty())
+        return Envelope::Plain();
+    return Envelope::Sealed(key, {static_cast<std::uint32_t>(options_.keyOperations),
+                                  static_cast<std::uint32_t>(options_.keyMemoryMiB) * 1024});
+}
+
+void LibraryObject::SaveToFile(const std::string& file, const std::string& key) {
+    const std::filesystem::path target = RealPath(file);
+    // Where the open file is gone from its name, nothing is lost by writing it there again. Not so what
+    // stands in the file alone, without a scratch: whoever took the file away took that, too.
+    const bool isGone = options_.newTiles == NewTiles::Scratch && !IsSomethingAt(target);
+    const bool sameFile = file_ && target == file_->Path() && !isGone;
+    const bool sameKey = key_.Is(key);
+    notes_.clear();
+    operations_->Run([&](Progress& progress) {
+        if (sameFile && sameKey)
+            SaveHere(progress);
+        else
+            SaveAnew(target, sameFile ? file_.get() : nullptr, sameKey ? form_ : NewForm(key), progress);
+        // Here, where the file is known to be saved: a handler may still throw, the folder not be synced.
+        key_.Remember(key);
+        if (!sameFile || !sameKey)
+            SyncFolderOf(*files_, target);
+    });
+    FollowTiles();
+}
+
+void LibraryObject::SaveHere(Progress& progress) {
+    SweepTemporaries(*files_, file_->Path());
+    if (HasSecondName(file_->Path())) {
+        WriteAnew(progress);
+        return;
+    }
+    try {
+        NoteKept(SaveInPlace(*file_, state_, numbers_, std::move(direct_), progress));
+    } catch (const ComponentError&) {
+        GiveUpDirectWork();
+        throw;
+    }
+    known_.Remember(*file_);
+    scratch_.reset();
+    if (!IsMostlyFree(*file_) || !CanKeepOwnerAndGroup(file_->Path()))
+        return;
+    file_->File().WaitNoMore(); // others may have their turn before the file gets smaller
+    try {
+        Shrink(progress);
+    } catch (const ComponentError&) {
+        // What was asked for is saved; that the file could not be made smaller, or that the user would not
+        // wait for it, is no failure of the save.
+    }
+}
+
+void LibraryObject::WriteAnew(Progress& progress) {
+    const std::filesystem::path path = file_->Path();
+    if (!CanKeepOwnerAndGroup(path)) {
+        GiveUpDirectWork();
+        throw ComponentError(ErrorNumber::FileNotWritable,
+                             "The file '" + path.string() +
+                                 "' has a second name (a hard link) and an owner or group that a new file "
+                                 "cannot have. Use Save As to keep your version under another name.");
+    }
+    Shrink(progress);
+}
+
+std::vector<std::string> NotesOfLastSave(const AtlavexLibrary& library) {
+    const auto* object = dynamic_cast<const LibraryObject*>(&library);
+    return object != nullptr ? object->Notes() : std::vector<std::string>();
+}
+
+void LibraryObject::NoteKept(std::int64_t pictures) {
+    if (pictures > 0)
+        notes_.push_back(
+            "The file '" + file_->Path().string() + "' keeps " + std::to_string(pictures) +
+            " of the pictures and directory pages of what was removed, because other maps or icons name "
+            "them too, as none should.");
+}
+
+void LibraryObject::SaveAnew(const std::filesystem::path& target, LibraryFile* over,
+                             std::shared_ptr<const Envelope> form, Progress& progress) {
+    disposal_.Wait(); // the new file may need the space
+    NewFileRequest request;
+    request.target = target;
+    request.form = form;
+    request.replaced = over;
+    request.known = &known_;
+    request.begun = &direct_;
+    // Should the new file not open afterwards, the old one that is open is no longer what stands there.
+    if (request.replaced != nullptr)
+        request.placed = [this] { file_.reset(); };
+    request.discard = [this](std::shared_ptr<void> leftover) { disposal_.Take(std::move(leftover)); };
+    request.generation = file_ ? file_->Header().generation + 1 : 1;
+    std::unique_ptr<LibraryFile> saved;
+    try {
+        saved = SaveAsNewFile(files_, request, state_, numbers_, progress);
+    } catch (const ComponentError& error) {
+        if (!direct_)
+            GiveUpDirectWork();
+        if (error.Number() == ErrorNumber::FileDamaged)
+            TellRemovedPixels(progress);
+        throw;
+    }
+    direct_.reset();
+    file_ = std::move(saved);
+    known_.Remember(*file_);
+    form_ = std::move(form);
+    scratch_.reset();
+}
+
+void LibraryObject::TellRemovedPixels(Progress& progress) const {
+    if (!file_ || file_->IsUnchanged())
+        return;
+    progress.Expect(VerifyWork(state_));
+    const std::vector<std::string> gone = ObjectsWithoutPixels(state_, *file_->Tiles(), progress);
+    if (!gone.empty())
+        throw ComponentError(ErrorNumber::FileChanged,
+                             "The file '" + file_->Path().string() +
+                                 "' was changed by another program since it was opened, and these have no "
+                                 "pixels in it any more: " +
+                                 ListOf(gone) + ". Delete them, then the rest can be saved.");
+}
+
+void LibraryObject::Compact() {
+    if (!file_)
+        throw ComponentError(ErrorNumber::FileNotFound, "The library has no file yet.");
+    operations_->Run([&](Progress& progress) { Shrink(progress); });
+    FollowTiles();
+}
+
+void LibraryObject::Shrink(Progress& progress) {
+    const std::filesystem::path path = file_->Path();
+    SaveAnew(path, file_.get(), form_, progress);
+    SyncFolderOf(*files_, path);
+}
+
+bool LibraryObject::OpenOther(const std::filesystem::path& path, const std::string& key,
+                              OtherLibrary& other) {
+    // The open file is read through the connection that is there: a second one would stand in the way of
+    // what is being written. Once another program has changed it, nothing is being written to it here, and
+    // what this library knows of it is no longer what it holds.
+    if (IsOpenFile(path) && file_->IsUnchanged()) {
+        if (form_->IsSealed() && !key_.Is(key))
+            return false;
+        other.state = file_->ReadState();
+        return true;
+    }
+    other.file = LibraryFile::Open(path, key, path.string(), {waitForOthers_, false});
+    if (!other.file)
+        return false;
+    other.state = other.file->ReadState();
+    return true;
+}
+
+LibraryState LibraryObject::CopyOther(const OtherLibrary& other, const std::shared_ptr<Container>& target,
+                                      Progress& progress) {
+    LibraryState added;
+    for (const auto& map : other.state.maps) {
+        auto copy = std::make_shared<MapState>(*map);
+        const PyramidLayout layout = copy->record.Layout();
+        TileReader reader(map->container, layout, map->record.pages, map->Name());
+        copy->record.pages =
+            CopyTiles(reader, *map->container, layout, map->record.pages, *target, &numbers_, progress);
+        copy->container = target;
+        copy->id = numbers_.Take();
+        added.maps.push_back(std::move(copy));
+    }
+    for (const auto& icon : other.state.icons) {
+        progress.ThrowIfCancelled();
+        auto copy = std::make_shared<IconState>(*icon);
+        copy->record.picture = CopyPicture(*icon, *target, &numbers_);
+        copy->container = target;
+        copy->id = numbers_.Take();
+        added.icons.push_back(std::move(copy));
+    }
+    MakeIdentifiersUnique(added);
+    return added;
+}
+
+void LibraryObject::MakeIdentifiersUnique(LibraryState& added) const {
+    std::set<std::string> used;
+    for (const auto& map : state_.maps)
+        used.insert(map->record.identifier);
+    for (const auto& map : added.maps)
+        if (!map->record.identifier.empty() && !used.insert(map->record.identifier).second)
+            used.insert(map->record.identifier = CreateGUID());
+}
+
+void LibraryObject::MergeFromFile(const std::string& file, const std::string& key) {
+    const std::filesystem::path path = RealPath(file);
+    LibraryState added;
+    const Addition addition(*this);
+    keyFitted_ = true;
+    IgnoringCancel([&] {
+        LibraryState copied;
+        std::shared_ptr<Container> target;
+        std::optional<Savepoint> savepoint; // kept when the events are over, too: their handlers may throw
+        operations_->Run([&](Progress& progress) {
+            OtherLibrary other;
+            keyFitted_ = OpenOther(path, key, other);
+            if (!keyFitted_ || (other.state.maps.empty() && other.state.icons.empty()))
+                return;
+            progress.Expect(VerifyWork(other.state));
+            target = ContainerForNew();
+            savepoint.emplace(target->File());
+            copied = CopyOther(other, target, progress);
+        });
+        if (savepoint)
+            savepoint->Keep();
+        added = std::move(copied);
+    });
+    state_.maps.insert(state_.maps.end(), added.maps.begin(), added.maps.end());
+    state_.icons.insert(state_.icons.end(), added.icons.begin(), added.icons.end());
+}

@@ -1,0 +1,22 @@
+#include "component/readers/OrientedReader.h"
+
+#include "component/readers/FlippedReader.h"
+#include "component/readers/TransposedReader.h"
+
+std::unique_ptr<RowReader> ApplyOrientation(std::unique_ptr<RowReader> reader, Orientation orientation) {
+    switch (orientation) {
+    case Orientation::TopLeft:
+        return reader;
+    case Orientation::TopRight:
+        return std::make_unique<MirroredReader>(std::move(reader));
+    case Orientation::BottomRight:
+    case Orientation::BottomLeft:
+        return std::make_unique<FlippedReader>(std::move(reader), orientation);
+    case Orientation::LeftTop:
+    case Orientation::RightTop:
+    case Orientation::RightBottom:
+    case Orientation::LeftBottom:
+        return std::make_unique<TransposedReader>(std::move(reader), orientation);
+    }
+    return reader;
+}
