@@ -1,3 +1,4 @@
+#include "base/Guid.h"
 #include "cli/Arguments.h"
 #include "cli/CommandSet.h"
 #include "cli/NewObject.h"
@@ -5,7 +6,6 @@
 #include "cli/Selection.h"
 #include "cli/Stamp.h"
 #include "cli/Version.h"
-#include "platform/modGUID.h"
 
 namespace {
 

@@ -1,5 +1,6 @@
 // Loading, saving and merging: the part of a library that deals with files.
 
+#include "base/Guid.h"
 #include "component/SaveNotes.h"
 #include "component/library/LibraryObject.h"
 #include "component/storage/FileReplacement.h"
@@ -7,7 +8,6 @@
 #include "component/storage/RealPath.h"
 #include "component/storage/Saving.h"
 #include "component/storage/Verification.h"
-#include "platform/modGUID.h"
 
 #include <algorithm>
 #include <optional>

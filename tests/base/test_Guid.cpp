@@ -1,4 +1,4 @@
-#include "platform/modGUID.h"
+#include "base/Guid.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "tests/desktop/IniFile.h"
+#include "tests/platform/IniFile.h"
 
 #include <cstdlib>
 #include <fstream>

@@ -1,6 +1,6 @@
 #include "platform/modRegistry.h"
 
-#include "tests/desktop/IniFile.h"
+#include "tests/platform/IniFile.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
