@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Checks the form of all C++ files, and the substance of the programs' sources with clang-tidy, which takes long.
+# Checks the form of all C++ files and who includes whom (tools/includes.txt), and the substance of the programs' sources with clang-tidy, which takes long.
 # tools/lint.sh --form checks the form alone, --fix mends it; tools/lint.sh FILE.cpp ... looks into these files only.
 # QUORVANT_BUILD names another build folder than build/, which must then be up to date.
 set -euo pipefail
@@ -11,6 +11,7 @@ if [ "${1:-}" = --fix ]; then
     exit 0
 fi
 clang-format --dry-run --Werror "${files[@]}"
+tools/check-includes.py
 if [ "${1:-}" = --form ]; then
     echo "Form: ${#files[@]} files, nothing to mend."
     exit 0

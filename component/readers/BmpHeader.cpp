@@ -1,6 +1,6 @@
 #include "component/readers/BmpHeader.h"
 
-#include "component/readers/ImageError.h"
+#include "component/readers/common/ImageError.h"
 
 #include <algorithm>
 #include <bit>

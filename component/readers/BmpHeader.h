@@ -1,7 +1,7 @@
 #pragma once
 
 #include "component/PixelFormat.h"
-#include "component/readers/ImageFile.h"
+#include "component/readers/common/ImageFile.h"
 
 #include <array>
 #include <cstdint>

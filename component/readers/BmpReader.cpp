@@ -3,8 +3,8 @@
 #include "component/readers/BmpHeader.h"
 #include "component/readers/BmpPixels.h"
 #include "component/readers/BmpRunReader.h"
-#include "component/readers/ImageError.h"
-#include "component/readers/ImageFile.h"
+#include "component/readers/common/ImageError.h"
+#include "component/readers/common/ImageFile.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "component/readers/BmpRunDecoder.h"
 
-#include "component/readers/ImageError.h"
+#include "component/readers/common/ImageError.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "component/readers/BmpHeader.h"
-#include "component/readers/ImageFile.h"
-#include "component/readers/SpoolFile.h"
+#include "component/readers/common/ImageFile.h"
+#include "component/readers/common/SpoolFile.h"
 
 #include <array>
 #include <cstdint>

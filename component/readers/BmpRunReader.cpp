@@ -1,7 +1,7 @@
 #include "component/readers/BmpRunReader.h"
 
 #include "component/readers/BmpRunDecoder.h"
-#include "component/readers/ImageError.h"
+#include "component/readers/common/ImageError.h"
 
 BmpRunReader::BmpRunReader(ImageFile file, const BmpHeader& header)
     : file_(std::move(file)), header_(header) {

@@ -1,6 +1,6 @@
 #include "component/readers/GifDecoder.h"
 
-#include "component/readers/ImageError.h"
+#include "component/readers/common/ImageError.h"
 
 #include <gif_lib.h>
 

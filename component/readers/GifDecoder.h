@@ -3,8 +3,8 @@
 #include "base/Progress.h"
 #include "component/PixelFormat.h"
 #include "component/readers/GifCodes.h"
-#include "component/readers/ImageFile.h"
-#include "component/readers/SpoolFile.h"
+#include "component/readers/common/ImageFile.h"
+#include "component/readers/common/SpoolFile.h"
 
 #include <filesystem>
 #include <memory>

@@ -1,7 +1,7 @@
 #include "component/readers/GifReader.h"
 
 #include "component/readers/GifDecoder.h"
-#include "component/readers/ImageError.h"
+#include "component/readers/common/ImageError.h"
 
 #include <algorithm>
 #include <utility>

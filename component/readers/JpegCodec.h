@@ -2,8 +2,8 @@
 
 #include "base/LibraryGuard.h"
 #include "base/Progress.h"
-#include "component/readers/ImageFile.h"
 #include "component/readers/JpegCoefficients.h"
+#include "component/readers/common/ImageFile.h"
 
 #include <cstdint>
 #include <cstdio>

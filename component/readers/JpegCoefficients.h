@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/LibraryGuard.h"
-#include "component/readers/SpoolFile.h"
+#include "component/readers/common/SpoolFile.h"
 
 #include <cstdint>
 #include <cstdio>

@@ -1,10 +1,10 @@
 #include "component/readers/JpegReader.h"
 
-#include "component/readers/ExifOrientation.h"
-#include "component/readers/ImageError.h"
-#include "component/readers/ImageFile.h"
 #include "component/readers/JpegCodec.h"
-#include "component/readers/OrientedReader.h"
+#include "component/readers/common/ExifOrientation.h"
+#include "component/readers/common/ImageError.h"
+#include "component/readers/common/ImageFile.h"
+#include "component/readers/common/OrientedReader.h"
 
 #include <algorithm>
 #include <span>

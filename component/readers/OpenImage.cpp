@@ -1,10 +1,10 @@
 #include "component/readers/OpenImage.h"
 #include "component/readers/BmpReader.h"
 #include "component/readers/GifReader.h"
-#include "component/readers/ImageError.h"
-#include "component/readers/ImageFile.h"
 #include "component/readers/JpegReader.h"
 #include "component/readers/PngReader.h"
+#include "component/readers/common/ImageError.h"
+#include "component/readers/common/ImageFile.h"
 #include "component/readers/tiff/TiffReader.h"
 
 #include <algorithm>

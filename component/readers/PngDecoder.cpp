@@ -1,7 +1,7 @@
 #include "component/readers/PngDecoder.h"
 
-#include "component/readers/ExifOrientation.h"
-#include "component/readers/ImageError.h"
+#include "component/readers/common/ExifOrientation.h"
+#include "component/readers/common/ImageError.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/LibraryGuard.h"
-#include "component/readers/ImageFile.h"
+#include "component/readers/common/ImageFile.h"
 #include "component/tiles/RowReader.h"
 
 #include <png.h>

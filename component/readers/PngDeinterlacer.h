@@ -1,7 +1,7 @@
 #pragma once
 
 #include "component/readers/PngDecoder.h"
-#include "component/readers/SpoolFile.h"
+#include "component/readers/common/SpoolFile.h"
 #include "component/tiles/RowReader.h"
 
 #include <array>

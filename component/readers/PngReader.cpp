@@ -1,10 +1,10 @@
 #include "component/readers/PngReader.h"
 
-#include "component/readers/ExifOrientation.h"
-#include "component/readers/ImageError.h"
-#include "component/readers/OrientedReader.h"
 #include "component/readers/PngDecoder.h"
 #include "component/readers/PngDeinterlacer.h"
+#include "component/readers/common/ExifOrientation.h"
+#include "component/readers/common/ImageError.h"
+#include "component/readers/common/OrientedReader.h"
 
 #include <vector>
 

@@ -1,5 +1,5 @@
-#include "component/readers/ExifOrientation.h"
 #include "component/readers/OpenImage.h"
+#include "component/readers/common/ExifOrientation.h"
 #include "tests/readers/ReferenceDecoder.h"
 #include "tests/support/TempFolder.h"
 

@@ -1,6 +1,6 @@
 // The temporary file behind images that cannot be read row by row.
 
-#include "component/readers/SpoolFile.h"
+#include "component/readers/common/SpoolFile.h"
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>

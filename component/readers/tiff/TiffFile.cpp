@@ -1,7 +1,7 @@
 #include "component/readers/tiff/TiffFile.h"
 
 #include "base/ComponentError.h"
-#include "component/readers/ImageError.h"
+#include "component/readers/common/ImageError.h"
 
 #include <algorithm>
 #include <array>

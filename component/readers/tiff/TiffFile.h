@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/readers/ImageFile.h"
+#include "component/readers/common/ImageFile.h"
 
 #include <tiffio.h>
 

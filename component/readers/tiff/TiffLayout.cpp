@@ -1,6 +1,6 @@
 #include "component/readers/tiff/TiffLayout.h"
 
-#include "component/readers/ImageError.h"
+#include "component/readers/common/ImageError.h"
 #include "component/readers/tiff/TiffNames.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "component/readers/tiff/TiffReader.h"
 
 #include "base/NumberText.h"
-#include "component/readers/OrientedReader.h"
+#include "component/readers/common/OrientedReader.h"
 #include "component/readers/tiff/TiffConverted.h"
 #include "component/readers/tiff/TiffFile.h"
 #include "component/readers/tiff/TiffLayout.h"

@@ -1,6 +1,6 @@
-#include "component/readers/FlippedReader.h"
+#include "component/readers/common/FlippedReader.h"
 
-#include "component/readers/OrientedReader.h"
+#include "component/readers/common/OrientedReader.h"
 
 #include <algorithm>
 

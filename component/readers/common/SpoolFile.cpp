@@ -1,4 +1,4 @@
-#include "component/readers/SpoolFile.h"
+#include "component/readers/common/SpoolFile.h"
 
 #include "base/ComponentError.h"
 

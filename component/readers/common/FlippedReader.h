@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/readers/SpoolFile.h"
+#include "component/readers/common/SpoolFile.h"
 #include "component/tiles/RowReader.h"
 
 #include <memory>

@@ -1,6 +1,6 @@
-#include "component/readers/TransposedReader.h"
+#include "component/readers/common/TransposedReader.h"
 
-#include "component/readers/OrientedReader.h"
+#include "component/readers/common/OrientedReader.h"
 
 #include <algorithm>
 #include <cstring>

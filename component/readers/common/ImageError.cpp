@@ -1,4 +1,4 @@
-#include "component/readers/ImageError.h"
+#include "component/readers/common/ImageError.h"
 
 #include "component/tiles/RowReader.h"
 

@@ -1,7 +1,7 @@
-#include "component/readers/ImageFile.h"
+#include "component/readers/common/ImageFile.h"
 
 #include "base/ComponentError.h"
-#include "component/readers/ImageError.h"
+#include "component/readers/common/ImageError.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

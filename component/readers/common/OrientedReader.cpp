@@ -1,7 +1,7 @@
-#include "component/readers/OrientedReader.h"
+#include "component/readers/common/OrientedReader.h"
 
-#include "component/readers/FlippedReader.h"
-#include "component/readers/TransposedReader.h"
+#include "component/readers/common/FlippedReader.h"
+#include "component/readers/common/TransposedReader.h"
 
 std::unique_ptr<RowReader> ApplyOrientation(std::unique_ptr<RowReader> reader, Orientation orientation) {
     switch (orientation) {

@@ -1,4 +1,4 @@
-#include "component/readers/ExifOrientation.h"
+#include "component/readers/common/ExifOrientation.h"
 
 #include <cstddef>
 
