@@ -1,8 +1,8 @@
 #include "app/FileChoosers.h"
 #include "app/ImageNames.h"
 #include "app/MapIconCommands.h"
-#include "app/Stamping.h"
 #include "app/Steps.h"
+#include "component/ObjectTexts.h"
 #include "dialogs/frmNewMap.h"
 
 namespace {
@@ -38,7 +38,10 @@ void MapIconCommands::AddIconFrom(const QString& fileName) {
     steps.Do([&] { window_.RefillIcons(state_.objAtlavex->IconCount() - 1); });
     if (state_.currentIcon != icon)
         steps.Do([&] { window_.RefillIcons(-1); });
-    steps.Do([&] { DescribeNewObject(*icon, settings->name, settings->description, NewIconVersion); });
+    steps.Do([&] {
+        DescribeNewObject(*icon, settings->name.toStdString(), settings->description.toStdString(),
+                          NewIconVersion);
+    });
     window_.ShowPage(1);
     steps.Do([&] { window_.LayOut(); });
     steps.ThrowFirst();

@@ -2,20 +2,14 @@
 #include "app/ImageNames.h"
 #include "app/MapIconCommands.h"
 #include "app/ScaledFlag.h"
-#include "app/Stamping.h"
 #include "app/Steps.h"
 #include "catalogue/modConst.h"
+#include "component/ObjectTexts.h"
 #include "dialogs/frmNewMap.h"
 #include "platform/modGUID.h"
 #include "platform/modMessages.h"
 
-namespace {
-
-std::string MapVersion() {
-    return std::string(ApplicationName).append(" v").append(VersionText());
-}
-
-} // namespace
+namespace {} // namespace
 
 void MapIconCommands::AddMap() {
     AddMap([this] { return ChooseMapImage(window_); });
@@ -82,7 +76,10 @@ void MapIconCommands::TakeNewMap(const std::shared_ptr<AtlavexMap>& map, const N
     state_.modified = true; // whatever follows: the map is in the library
     Steps steps;
     steps.Do([&] { map->SetIdentifier(CreateGUID()); });
-    steps.Do([&] { DescribeNewObject(*map, settings.name, settings.description, MapVersion()); });
+    steps.Do([&] {
+        DescribeNewObject(*map, settings.name.toStdString(), settings.description.toStdString(),
+                          ApplicationText());
+    });
     steps.Do([&] { window_.RefillMaps(state_.objAtlavex->MapCount() - 1); });
     if (state_.currentMap != map)
         steps.Do([&] { window_.RefillMaps(-1); });

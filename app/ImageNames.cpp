@@ -1,13 +1,11 @@
 #include "app/ImageNames.h"
 
+#include "component/ObjectTexts.h"
+
 #include <QFileInfo>
 
 QString ProposedName(const QString& fileName) {
-    qsizetype separator = fileName.lastIndexOf(u'/');
-    if (separator < 0)
-        separator = fileName.lastIndexOf(u'\\');
-    const QString name = fileName.mid(separator + 1);
-    return name.left(name.indexOf(u'.')); // all of it when there is none
+    return QString::fromStdString(NameFromFile(fileName.toStdString()));
 }
 
 QString WorldfileFor(const QString& fileName) {

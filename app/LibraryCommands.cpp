@@ -2,9 +2,9 @@
 
 #include "app/FileChoosers.h"
 #include "app/ScaledFlag.h"
-#include "app/Stamping.h"
 #include "app/Steps.h"
 #include "base/CheckedNumbers.h"
+#include "component/ObjectTexts.h"
 #include "platform/modMessages.h"
 
 #include <QFileInfo>

@@ -12,3 +12,6 @@ inline constexpr int VersionRevision = 0;
 
 /// Major, minor and revision joined by points: "2.31.0".
 std::string VersionText();
+
+/// Name and version, which a map made by this program carries as its "version": "Quorvant Studio v2.31.0".
+std::string ApplicationText();

@@ -1,7 +1,7 @@
 #include "base/ErrorSentence.h"
-#include "cli/CommandSet.h"
-#include "cli/Interrupt.h"
-#include "cli/Output.h"
+#include "cli/commands/CommandSet.h"
+#include "cli/output/Interrupt.h"
+#include "cli/output/Output.h"
 
 #include <exception>
 

@@ -1,6 +1,6 @@
 #include "tests/cli/AtlavexTest.h"
 
-#include "cli/ExitStatus.h"
+#include "cli/output/ExitStatus.h"
 
 #include <map>
 #include <sstream>

@@ -1,0 +1,144 @@
+#include "cli/commands/ScalingOptions.h"
+
+#include "base/NumberText.h"
+#include "cli/commands/CoordinateSystem.h"
+#include "cli/input/Arguments.h"
+#include "cli/output/ExitStatus.h"
+#include "component/Worldfile.h"
+
+#include <algorithm>
+#include <cmath>
+#include <span>
+
+namespace {
+
+constexpr std::size_t PointCount = 3;
+constexpr std::size_t CornerCount = 4;
+
+void CheckSystemChoice(const ScalingOptions& options) {
+    if (options.grid.empty() == options.datum.empty())
+        throw UsageError("A scaling needs either --grid or --datum.");
+    if (!options.zone.empty() && options.grid.empty())
+        throw UsageError("--zone belongs to --grid.");
+}
+
+void CheckSourceChoice(const ScalingOptions& options) {
+    const int sources = (options.worldfile.empty() ? 0 : 1) + (options.points.empty() ? 0 : 1) +
+                        (options.corners.empty() ? 0 : 1);
+    if (sources != 1)
+        throw UsageError("A scaling needs one of --worldfile, three --point or four --corner.");
+    if (!options.points.empty() && options.points.size() != PointCount)
+        throw UsageError("A scaling needs --point three times, not " + std::to_string(options.points.size()) +
+                         ".");
+    if (!options.corners.empty() && options.corners.size() != CornerCount)
+        throw UsageError("A scaling needs --corner four times, not " +
+                         std::to_string(options.corners.size()) + ".");
+}
+
+std::vector<ReferencePoint> ParsePoints(std::string_view option, const std::vector<std::string>& texts) {
+    std::vector<ReferencePoint> points;
+    std::transform(texts.begin(), texts.end(), std::back_inserter(points),
+                   [option](const std::string& text) { return ParseReferencePoint(option, text); });
+    return points;
+}
+
+/// What rounding may add to a pole that is a point's own latitude.
+constexpr double RoundingDegrees = 1e-9;
+
+/// Places looked at along each side of the map; the arcs of a polar one bend in between by less than matters.
+constexpr int Places = 33;
+
+void RequireOnEarth(const WorldPosition& world, const std::string& where) {
+    const bool latitude = std::abs(world.y) > 90 + RoundingDegrees;
+    if (!latitude && std::abs(world.x) <= 360 + RoundingDegrees)
+        return;
+    throw ComponentError(ErrorNumber::OutsideArea,
+                         where + " would have the " + (latitude ? "latitude " : "longitude ") +
+                             NumberToText(latitude ? world.y : world.x) + ", which is not within " +
+                             (latitude ? "±90" : "±360") + " degrees.");
+}
+
+void RequirePointsOnEarth(const std::vector<ReferencePoint>& points) {
+    int number = 0;
+    for (const ReferencePoint& point : points)
+        RequireOnEarth({point.x, point.y}, "Point " + std::to_string(++number));
+}
+
+void RequirePixelOnEarth(const AtlavexMap& map, const PixelPosition& pixel) {
+    const WorldPosition world = map.PixelToWorld(pixel);
+    // The middle of a sheet whose meridians meet on it has no coordinate, and does no harm.
+    if (std::isfinite(world.x) && std::isfinite(world.y))
+        RequireOnEarth(world,
+                       "The pixel " + NumberToText(pixel.x) + "," + NumberToText(pixel.y) + " of the map");
+}
+
+/// In degrees a map ends at the poles: what lies beyond could be stored, but not be located.
+void RequireOnEarth(const AtlavexMap& map) {
+    if (map.HasGrid())
+        return;
+    const double right = map.Width() - 1, bottom = map.Height() - 1;
+    for (int i = 0; i < Places; ++i) {
+        const double x = std::round(right * i / (Places - 1)), y = std::round(bottom * i / (Places - 1));
+        for (const PixelPosition& pixel : {PixelPosition{x, 0}, {x, bottom}, {0, y}, {right, y}})
+            RequirePixelOnEarth(map, pixel);
+    }
+}
+
+} // namespace
+
+ScalingPlan::ScalingPlan(const ScalingOptions& options) {
+    CheckSystemChoice(options);
+    CheckSourceChoice(options);
+    ChoosePoints(options);
+    ChooseSystem(options);
+    if (!grid_)
+        RequirePointsOnEarth(points_);
+}
+
+void ScalingPlan::ChooseSystem(const ScalingOptions& options) {
+    if (options.grid.empty()) {
+        datum_ = DatumByName(options.datum);
+        return;
+    }
+    const NamedGrid chosen = GridByName(options.grid, options.zone);
+    datum_ = chosen.grid.Datum();
+    grid_ = chosen.grid.AsNumbers();
+    gridIdentifier_ = chosen.identifier;
+    zone_ = chosen.zone;
+}
+
+void ScalingPlan::ChoosePoints(const ScalingOptions& options) {
+    if (!options.points.empty()) {
+        points_ = ParsePoints("--point", options.points);
+        CheckScaling(ScalingKind::Linear, points_);
+    } else if (!options.corners.empty()) {
+        points_ = ParsePoints("--corner", options.corners);
+        CheckScaling(ScalingKind::Polar, points_);
+    } else {
+        worldfile_ = ReadWorldfile(options.worldfile);
+        CheckScaling(ScalingKind::Linear, WorldfilePoints(*worldfile_));
+    }
+}
+
+void ScalingPlan::ApplySystem(AtlavexMap& map) const {
+    map.SetMapDatum(datum_->AsNumbers());
+    if (!grid_)
+        return;
+    map.SetMapGrid(grid_->method, grid_->zone, grid_->values);
+    map.SetGridIdentifier(gridIdentifier_);
+    map.SetZone(zone_);
+}
+
+void ScalingPlan::ApplyTo(AtlavexMap& map, Orientation orientation) const {
+    ApplySystem(map);
+    if (points_.size() == CornerCount) {
+        map.SetScalingCorners(points_[0], points_[1], points_[2], points_[3]);
+    } else if (worldfile_) {
+        const auto points =
+            WorldfilePoints(TurnWorldfile(*worldfile_, orientation, map.Width(), map.Height()));
+        map.SetScalingThreePoints(points[0], points[1], points[2]);
+    } else {
+        map.SetScalingThreePoints(points_[0], points_[1], points_[2]);
+    }
+    RequireOnEarth(map);
+}

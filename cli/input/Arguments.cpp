@@ -1,0 +1,99 @@
+#include "cli/input/Arguments.h"
+
+#include "base/CheckedNumbers.h"
+#include "base/NumberText.h"
+#include "cli/output/ExitStatus.h"
+
+#include <charconv>
+#include <optional>
+
+namespace {
+
+[[noreturn]] void Refuse(std::string_view option, std::string_view text, std::string_view expected) {
+    throw UsageError(std::string(option) + ": '" + std::string(text) + "' is not " + std::string(expected) +
+                     ".");
+}
+
+/// Both sides of the only separator; nothing when it is missing or not alone.
+std::optional<std::pair<std::string_view, std::string_view>> SplitOnce(std::string_view text,
+                                                                       char separator) {
+    const std::size_t at = text.find(separator);
+    if (at == std::string_view::npos || text.find(separator, at + 1) != std::string_view::npos)
+        return std::nullopt;
+    return std::pair{text.substr(0, at), text.substr(at + 1)};
+}
+
+std::optional<std::int32_t> WholeNumber(std::string_view text) {
+    if (text.starts_with('+'))
+        text.remove_prefix(1);
+    std::int32_t value = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc() || stop != end)
+        return std::nullopt;
+    return value;
+}
+
+struct NumberPair {
+    double first = 0;
+    double second = 0;
+};
+
+std::optional<NumberPair> NumbersWithComma(std::string_view text) {
+    const auto parts = SplitOnce(text, ',');
+    if (!parts)
+        return std::nullopt;
+    const auto first = TextToNumber(parts->first), second = TextToNumber(parts->second);
+    if (!first || !second)
+        return std::nullopt;
+    return NumberPair{*first, *second};
+}
+
+} // namespace
+
+double ParseNumber(std::string_view option, std::string_view text) {
+    const auto value = TextToNumber(text);
+    if (!value)
+        Refuse(option, text, "a number such as 12.5");
+    return *value;
+}
+
+PixelSize ParseSize(std::string_view option, std::string_view text) {
+    const auto parts = SplitOnce(text, 'x');
+    const auto width = parts ? WholeNumber(parts->first) : std::nullopt;
+    const auto height = parts ? WholeNumber(parts->second) : std::nullopt;
+    if (!width || !height || *width < 1 || *height < 1)
+        Refuse(option, text, "a size in pixels such as 256x256");
+    return {*width, *height};
+}
+
+PixelOffset ParseOffset(std::string_view option, std::string_view text) {
+    const auto parts = SplitOnce(text, ',');
+    const auto x = parts ? WholeNumber(parts->first) : std::nullopt;
+    const auto y = parts ? WholeNumber(parts->second) : std::nullopt;
+    if (!x || !y)
+        Refuse(option, text, "a pair of whole pixels such as -5,12");
+    return {*x, *y};
+}
+
+ReferencePoint ParseReferencePoint(std::string_view option, std::string_view text) {
+    constexpr std::string_view Expected = "of the form PX,PY=X,Y, such as 120,80=12.5,55.75";
+    const auto sides = SplitOnce(text, '=');
+    const auto pixel = sides ? NumbersWithComma(sides->first) : std::nullopt;
+    const auto world = sides ? NumbersWithComma(sides->second) : std::nullopt;
+    if (!pixel || !world)
+        Refuse(option, text, Expected);
+    try {
+        return {world->first, world->second, CheckedRound<std::int32_t>(pixel->first),
+                CheckedRound<std::int32_t>(pixel->second)};
+    } catch (const ComponentError&) {
+        Refuse(option, text, "a pixel that a map can have");
+    }
+}
+
+std::pair<std::string, std::string> ParseKeyValue(std::string_view text) {
+    const std::size_t at = text.find('=');
+    if (at == std::string_view::npos || at == 0)
+        Refuse("KEY=VALUE", text, "a key, an equals sign and a value, such as author=Smith");
+    return {std::string(text.substr(0, at)), std::string(text.substr(at + 1))};
+}
