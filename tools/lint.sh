@@ -12,6 +12,7 @@ if [ "${1:-}" = --fix ]; then
 fi
 clang-format --dry-run --Werror "${files[@]}"
 tools/check-includes.py
+tools/draw-house.py --check
 if [ "${1:-}" = --form ]; then
     echo "Form: ${#files[@]} files, nothing to mend."
     exit 0
