@@ -8,6 +8,7 @@ from . import grid, marker, polar, sheet, topographic
 
 _DOTS_PER_INCH = 254  # 0.1 mm a pixel
 _LZW = "tiff_lzw"
+CORNER_SIZE = (2000, 1500)
 
 
 def worldfile_text(numbers):
@@ -22,6 +23,19 @@ def write_topographic(folder):
     for name, picture, tags in (("sheet-rgb", smooth, {317: 2}), ("sheet-palette", flat, {})):
         picture.save(folder / f"{name}.tif", compression=_LZW, dpi=(_DOTS_PER_INCH,) * 2, tiffinfo=tags)
         (folder / f"{name}.tfw").write_text(worldfile_text(sheet.WORLDFILE), encoding="ascii")
+    write_corner(flat, folder / "corner")
+
+
+def write_corner(picture, folder):
+    """Write the upper left corner of the flat sheet, small enough to be kept, with what is printed on it."""
+    folder.mkdir(exist_ok=True)
+    corner = picture.crop((0, 0, *CORNER_SIZE))
+    corner.save(folder / "sheet.tif", compression=_LZW, dpi=(_DOTS_PER_INCH,) * 2)
+    (folder / "sheet.tfw").write_text(worldfile_text(sheet.WORLDFILE), encoding="ascii")
+    lines = ["# pixel x\tpixel y\teasting\tnorthing\tlongitude\tlatitude\n"]
+    lines += ["\t".join(repr(row[name]) for name in ("x", "y", "easting", "northing", "longitude", "latitude")) + "\n"
+              for row in _grid_truth() if row["x"] < CORNER_SIZE[0] and row["y"] < CORNER_SIZE[1]]
+    (folder / "crossings.tsv").write_text("".join(lines), encoding="ascii")
 
 
 def write_polar(folder):

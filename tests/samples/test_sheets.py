@@ -26,7 +26,8 @@ def _make(folder):
 
 
 def _digests(folder):
-    return {path.name: hashlib.sha256(path.read_bytes()).hexdigest() for path in sorted(Path(folder).iterdir())}
+    return {path.relative_to(folder).as_posix(): hashlib.sha256(path.read_bytes()).hexdigest()
+            for path in sorted(Path(folder).rglob("*")) if path.is_file()}
 
 
 class Sheets(unittest.TestCase):
@@ -149,6 +150,14 @@ class Sheets(unittest.TestCase):
                   for text in self.polar["corners"]}
         (west, north), (_, south), (east, _), _ = pixels
         self.assertLess(pixels[east, north] - pixels[west, north], 0.6 * (pixels[east, south] - pixels[west, south]))
+
+    def test_the_sheet_that_is_kept_is_the_corner_of_the_drawn_one(self):
+        kept, drawn = Path(__file__).resolve().parents[2] / "samples" / "sheet", self.folder / "corner"
+        with Image.open(kept / "sheet.tif") as one, Image.open(self.folder / "sheet-palette.tif") as whole:
+            np.testing.assert_array_equal(np.asarray(one.convert("RGB")),
+                                          np.asarray(whole.crop((0, 0, *one.size)).convert("RGB")))
+        for name in ("crossings.tsv", "sheet.tfw"):
+            self.assertEqual((kept / name).read_text(encoding="ascii"), (drawn / name).read_text(encoding="ascii"))
 
     def test_the_marker_is_partly_transparent(self):
         with Image.open(self.folder / "marker.png") as icon:

@@ -226,10 +226,7 @@ class Sheet:
     """The sample sheet, and where its pixels are on the screen."""
 
     def __init__(self):
-        made = pathlib.Path(__file__).resolve().parents[2] / "samples" / "made"
-        if not (made / "truth.json").exists():
-            subprocess.run([made.parents[1] / "tools" / "sample-sheets.sh"], check=True)
-        self.file = made / "sheet-rgb.tif"
+        self.file = pathlib.Path(__file__).resolve().parents[2] / "samples" / "sheet" / "sheet.tif"
         self.pixels = numpy.asarray(Image.open(self.file).convert("RGB"))
 
     def on(self, picture, x, y, reach=14):
@@ -275,9 +272,9 @@ def tell_scale_the_sample_sheet(screen, folder, pictures):
     # The printed crossings lie 400 pixels, which are 1000 metres, apart; Ctrl with an arrow scrolls by a tenth.
     place_point(screen, sheet, pictures, 1, (900, 530), (381000, 5158000))
     screen.key(*["ctrl+Right"] * 6)
-    place_point(screen, sheet, pictures, 2, (4500, 530), (390000, 5158000))
+    place_point(screen, sheet, pictures, 2, (1700, 530), (383000, 5158000))
     screen.key(*["ctrl+Down"] * 6, *["ctrl+Left"] * 6)
-    place_point(screen, sheet, pictures, 3, (900, 2930), (381000, 5152000))
+    place_point(screen, sheet, pictures, 3, (900, 1330), (381000, 5156000))
     screen.wait_for_active("Quorvant Studio")  # "Scaling completed!"
     screen.picture(pictures / "completed.png")
     screen.key("Return")
@@ -288,7 +285,7 @@ def tell_scale_the_sample_sheet(screen, folder, pictures):
     screen.type(str(library))
     screen.key("Return")
     screen.wait_for_active(f"Quorvant Studio - {library}")
-    for pixel, place in (((500, 530), (380000, 5158000)), ((4100, 3330), (389000, 5151000))):
+    for pixel, place in (((500, 530), (380000, 5158000)), ((1300, 930), (382000, 5157000))):
         easting, northing = map(float, atlavex("locate", library, 1, *pixel).split())
         assert abs(easting - place[0]) < 1e-6 and abs(northing - place[1]) < 1e-6, (pixel, easting, northing)
 
