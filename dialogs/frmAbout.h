@@ -15,7 +15,7 @@ class frmAbout : public QDialog {
     Q_OBJECT
 
 public:
-    explicit frmAbout(QWidget* parent = nullptr, AddressOpener open = OpenInBrowser);
+    explicit frmAbout(QWidget* parent = nullptr, AddressOpener open = OpenInBrowser());
     ~frmAbout() override;
 
 private:

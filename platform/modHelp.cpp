@@ -14,14 +14,12 @@
 
 namespace {
 
-/// What fails later than this has shown something, and the user has gone on to other things.
-constexpr qint64 FailsAtOnce = 10000; // milliseconds
-
 /// The desktop's program that opens an address. Some desktops' is the browser itself and lives as long: it is
 /// left alone when this program ends.
 class Browser : public QProcess {
 public:
-    explicit Browser(const std::function<void()>& failed) : QProcess(QCoreApplication::instance()) {
+    Browser(const std::function<void()>& failed, std::chrono::milliseconds soonEnough)
+        : QProcess(QCoreApplication::instance()), soonEnough_(soonEnough) {
         setObjectName(QStringLiteral("Browser"));
         setProcessChannelMode(QProcess::ForwardedChannels);
         setStandardInputFile(QProcess::nullDevice());
@@ -43,20 +41,21 @@ public:
 private:
     void End(const std::function<void()>& failed, bool isFailure) {
         deleteLater();
-        if (isFailure && !started_.hasExpired(FailsAtOnce))
+        if (isFailure && !started_.hasExpired(soonEnough_.count()))
             failed();
     }
 
+    std::chrono::milliseconds soonEnough_;
     QElapsedTimer started_;
 };
 
 } // namespace
 
-bool OpenInBrowser(const QUrl& address, const std::function<void()>& failed) {
+bool OpenInBrowser::operator()(const QUrl& address, const std::function<void()>& failed) const {
     const QString program = QStandardPaths::findExecutable(QStringLiteral("xdg-open"));
     if (program.isEmpty())
         return QDesktopServices::openUrl(address);
-    (new Browser(failed))->start(program, {address.toString(QUrl::FullyEncoded)});
+    (new Browser(failed, soonEnough_))->start(program, {address.toString(QUrl::FullyEncoded)});
     return true;
 }
 

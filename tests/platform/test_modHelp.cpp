@@ -3,6 +3,7 @@
 #include "tests/support/desktop/FakeBrowser.h"
 #include "tests/support/desktop/ModalScript.h"
 
+#include <QApplication>
 #include <QTest>
 
 #include <csignal>
@@ -12,6 +13,15 @@ namespace {
 const auto Sentence =
     QStringLiteral("Internet Explorer could not be launched. Please visit "
                    "https://www.kestova.example/quorvant/guide.asp for the Developer's Guide");
+
+const QUrl Address(QStringLiteral("https://www.kestova.example/"));
+
+/// Longer than any of these tests.
+constexpr std::chrono::hours VeryLong(1);
+
+bool BrowsersAreGone() {
+    return QCoreApplication::instance()->findChildren<QObject*>(QStringLiteral("Browser")).isEmpty();
+}
 
 } // namespace
 
@@ -50,7 +60,36 @@ TEST(Help, TellsItAlsoWhenTheBrowserFailsAfterItsStart) {
 
 TEST(Help, FindsNoBrowserWithoutADesktop) {
     const NoBrowser none;
-    EXPECT_FALSE(OpenInBrowser(QUrl(QStringLiteral("https://www.kestova.example/")), [] {}));
+    EXPECT_FALSE(OpenInBrowser()(Address, [] {}));
+}
+
+TEST(Help, WaitsForNoBrowserAndTellsWhenItFailsAWhileLater) {
+    const TempFolder folder;
+    const std::string go = (folder / "go").string();
+    const std::string alone = (folder / "alone").string();
+    // Where this program waited for it, nobody would ever let it go on.
+    const FakeBrowser browser("for i in $(seq 200); do [ -e '" + go +
+                              "' ] && exit 4; sleep 0.1; done; touch '" + alone + "'; exit 4");
+    ModalScript script;
+    ShowHelp(nullptr, OpenInBrowser(VeryLong));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !browser.Opened().empty(); }, 60000));
+    EXPECT_FALSE(BrowsersAreGone());
+    script.ExpectBox(Sentence);
+    WriteWholeFile(go, "");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return script.IsDone(); }, 60000));
+    EXPECT_TRUE(QTest::qWaitFor(BrowsersAreGone, 60000));
+    EXPECT_FALSE(std::filesystem::exists(alone));
+}
+
+TEST(Help, TellsNothingOfABrowserThatFailsTooLate) {
+    const ModalScript nothing;
+    const FakeBrowser browser("sleep 0.2; exit 4");
+    ShowHelp(nullptr, OpenInBrowser(std::chrono::milliseconds(1)));
+    EXPECT_TRUE(QTest::qWaitFor(BrowsersAreGone, 60000));
+    EXPECT_FALSE(browser.Opened().empty());
+    QCoreApplication::processEvents();
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    EXPECT_EQ(OpenInBrowser::SoonEnough, std::chrono::seconds(10));
 }
 
 TEST(Help, LeavesABrowserThatStaysOpenRunning) {
@@ -59,7 +98,7 @@ TEST(Help, LeavesABrowserThatStaysOpenRunning) {
                               (folder / "new").string() + "' '" + (folder / "number").string() +
                               "'; exec sleep 1000");
     bool failed = false;
-    EXPECT_TRUE(OpenInBrowser(QUrl(QStringLiteral("https://www.kestova.example/")), [&] { failed = true; }));
+    EXPECT_TRUE(OpenInBrowser()(Address, [&] { failed = true; }));
     ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(folder / "number"); }, 60000));
     const pid_t number = std::stoi(ReadWholeFile(folder / "number"));
     // As the end of the program does.
