@@ -1,14 +1,14 @@
 #include "platform/RemoteCoordinates.h"
 
+#include "platform/SessionBus.h"
+
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDialog>
 #include <QEventLoop>
-#include <QFileInfo>
 #include <QPointer>
-#include <QUrl>
 
 #include <algorithm>
 #include <array>
@@ -23,18 +23,6 @@ const auto Interface = Service;
 
 /// libdbus knows this number as "no limit": the other program's dialog may stay open for hours.
 constexpr int NoTimeLimit = std::numeric_limits<int>::max();
-
-/// Where the session bus is, as every program on it finds out. The D-Bus library itself remembers for ever
-/// where it found the first one.
-QString SessionBusAddress() {
-    const QString named = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
-    if (!named.isEmpty())
-        return named;
-    const QString socket = qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/bus");
-    if (QFileInfo::exists(socket))
-        return QStringLiteral("unix:path=") + QString::fromLatin1(QUrl::toPercentEncoding(socket, "/"));
-    return QStringLiteral("autolaunch:");
-}
 
 /// A connection of its own for one call, so that a service that appeared since is found. It is made as to any
 /// program, and says its first word itself: the library's way to a bus waits for the bus to answer, and ends

@@ -6,6 +6,7 @@ stories.py BUILD_FOLDER STORY [PICTURE_FOLDER]: tells one story and fails with w
 
 import json
 import pathlib
+import socket
 import subprocess
 import sys
 import tempfile
@@ -342,6 +343,20 @@ def tell_work_without_home_and_bus(screen, folder, pictures):
     screen.key("alt+n")
     screen.wait_for("The end of the program", lambda: editor.poll() is not None)
     assert not list(pathlib.Path("/var/tmp").glob(f"unsaved-{editor.pid}-*")), "The scratch file stays"
+
+
+def tell_start_beside_a_silent_bus(screen, folder, pictures):
+    """Somebody listens where the session bus should be, and never says a word: a bus that hangs. The window comes, and
+    goes when it is told to."""
+    library = make_library(folder)
+    with socket.socket(socket.AF_UNIX) as bus:
+        bus.bind(str(folder / "bus"))
+        bus.listen()
+        screen.environment["DBUS_SESSION_BUS_ADDRESS"] = f"unix:path={folder}/bus"
+        editor = screen.start(EDITOR, library)
+        screen.wait_for_active(f"Quorvant Studio - {library}")
+        screen.picture(pictures / "window.png")
+        quit_editor(screen, editor)
 
 
 def tell_leave_no_program_behind(screen, folder, pictures):

@@ -1,5 +1,6 @@
 #include "platform/RemoteCoordinates.h"
 #include "tests/support/desktop/ModalScript.h"
+#include "tests/support/desktop/SilentBus.h"
 #include "tests/wizard/FormDriver.h"
 #include "tests/wizard/PrivateBus.h"
 #include "tests/wizard/RecordingMap.h"
@@ -8,10 +9,6 @@
 #include "wizard/frmSelectWorldfileGrid.h"
 
 #include <QTimer>
-
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 namespace {
 
@@ -78,30 +75,6 @@ TEST(RemoteCoordinates, KeepTheFormDisabledUntilTheAnswer) {
 }
 
 namespace {
-
-/// Where a session bus should be: takes every connection and never says a word.
-class SilentBus {
-public:
-    SilentBus() {
-        const std::string path = (folder_ / "bus").string();
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        path.copy(std::data(address.sun_path), std::size(address.sun_path) - 1);
-        EXPECT_EQ(bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-        EXPECT_EQ(listen(socket_, 8), 0);
-        qputenv("DBUS_SESSION_BUS_ADDRESS", QByteArray::fromStdString("unix:path=" + path));
-    }
-    ~SilentBus() {
-        close(socket_);
-        qunsetenv("DBUS_SESSION_BUS_ADDRESS");
-    }
-    SilentBus(const SilentBus&) = delete;
-    SilentBus& operator=(const SilentBus&) = delete;
-
-private:
-    TempFolder folder_;
-    int socket_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-};
 
 using Leave = void (*)(QWidget& shown);
 constexpr std::array<Leave, 3> WaysOut{
