@@ -10,8 +10,8 @@
 /// where it found the first one.
 QString SessionBusAddress();
 
-/// Whether whoever listens at the address says nothing for so long. A bus that is not there is not silent, nor
-/// is one that is not reached by a socket of this machine.
+/// Whether whoever listens at the address says nothing for so long. A bus that is not there is not silent,
+/// nor is one that is not reached by a socket of this machine.
 bool IsSilentBus(const QString& address, std::chrono::milliseconds patience);
 
 /// Keeps Qt from a session bus that does not answer: it asks for accessibility there, and for more on some

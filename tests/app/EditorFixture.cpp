@@ -59,28 +59,32 @@ void EditorTest::Pick(const char* list, int entry) {
     QTest::keyClick(view, Qt::Key_Return);
 }
 
+void AnswerFileDialog(QWidget& dialog, const std::optional<std::string>& path) {
+    auto* const field = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    ASSERT_NE(field, nullptr);
+    EXPECT_EQ(field->text().toStdString(), "") << "A dialog starts without a file name.";
+    if (!path) {
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+        return;
+    }
+    dialog.activateWindow();
+    field->setFocus();
+    EXPECT_TRUE(QTest::qWaitFor([field] { return field->hasFocus(); }));
+    // In one go, like a paste: while the dialog is still reading its folder it completes what is typed, and
+    // it takes no Return until it has looked at the path.
+    for (int tries = 0; tries < 500 && dialog.isVisible(); ++tries) {
+        field->setText(QString::fromStdString(*path));
+        QTest::keyClick(field, Qt::Key_Return);
+        if (dialog.isVisible())
+            QTest::qWait(20);
+    }
+    EXPECT_FALSE(dialog.isVisible()) << "The file dialog does not take " << *path;
+}
+
 void EditorTest::ExpectFileDialog(const QString& title, const std::optional<std::string>& path) {
     script_.Expect(QStringLiteral("FileDialog"), [title, path](QWidget& dialog) {
         EXPECT_EQ(dialog.windowTitle().toStdString(), title.toStdString());
-        auto* const field = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-        ASSERT_NE(field, nullptr);
-        EXPECT_EQ(field->text().toStdString(), "") << "A dialog starts without a file name.";
-        if (!path) {
-            QTest::keyClick(&dialog, Qt::Key_Escape);
-            return;
-        }
-        dialog.activateWindow();
-        field->setFocus();
-        EXPECT_TRUE(QTest::qWaitFor([field] { return field->hasFocus(); }));
-        // In one go, like a paste: while the dialog is still reading its folder it completes what is typed,
-        // and it takes no Return until it has looked at the path.
-        for (int tries = 0; tries < 500 && dialog.isVisible(); ++tries) {
-            field->setText(QString::fromStdString(*path));
-            QTest::keyClick(field, Qt::Key_Return);
-            if (dialog.isVisible())
-                QTest::qWait(20);
-        }
-        EXPECT_FALSE(dialog.isVisible()) << "The file dialog does not take " << *path;
+        AnswerFileDialog(dialog, path);
     });
 }
 

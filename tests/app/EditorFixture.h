@@ -10,6 +10,9 @@
 #include <QLabel>
 #include <QLineEdit>
 
+/// Types the path into a file dialog and presses Enter, or Escape for nothing.
+void AnswerFileDialog(QWidget& dialog, const std::optional<std::string>& path);
+
 /// The real main window over the real engine, driven by the names of its controls.
 class EditorTest : public LibraryTest {
 protected:

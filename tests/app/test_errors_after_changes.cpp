@@ -1,21 +1,17 @@
 // What goes wrong when the library has been changed already: the change stays, and is shown and unsaved.
 
-#include "app/frmMain.h"
-#include "tests/app/RecordingLibrary.h"
-#include "tests/component/LibraryFixture.h"
+#include "tests/app/EditorFixture.h"
 #include "tests/support/desktop/Controls.h"
-#include "tests/support/desktop/ModalScript.h"
 
-#include <QAction>
-#include <QComboBox>
 #include <QDropEvent>
-#include <QLabel>
 #include <QMimeData>
 #include <QTabWidget>
 
 #include <new>
 
 namespace {
+
+using testing::ElementsAre;
 
 const auto NoMemory = QStringLiteral("There is not enough memory.");
 
@@ -63,11 +59,33 @@ public:
         Tell("LoadFromFile");
         RecordingLibrary::LoadFromFile(file, key);
     }
+    void MergeFromFile(const std::string& file, const std::string& key) override {
+        Tell("MergeFromFile");
+        RecordingLibrary::MergeFromFile(file, key);
+    }
 
 private:
     void Tell(const std::string& call) const {
         if (const Hook now = hook_) // a copy: the hook may take itself away
             now(call);
+    }
+
+    Hook& hook_;
+};
+
+/// The real window; tells when a command counts the entries of its lists.
+class CountedWindow : public frmMain {
+public:
+    CountedWindow(LibraryMaker makeLibrary, Hook& hook)
+        : frmMain(false, std::move(makeLibrary)), hook_(hook) {}
+
+private:
+    int MapEntries() const override { return Count("entries of maps", "ddMaps"); }
+    int IconEntries() const override { return Count("entries of icons", "ddIcons"); }
+    int Count(const char* what, const char* list) const {
+        if (const Hook now = hook_)
+            now(what);
+        return findChild<QComboBox*>(QLatin1String(list))->count();
     }
 
     Hook& hook_;
@@ -87,9 +105,10 @@ protected:
         return PathOf("a.Atlavex");
     }
     void Start(const std::string& file) {
-        window_ = std::make_unique<frmMain>(false, [this](const LibraryOptions&) {
+        const auto makeLibrary = [this](const LibraryOptions&) {
             return std::make_shared<FailingLibrary>(NewLibrary(), log_, probe_, hook_);
-        });
+        };
+        window_ = std::make_unique<CountedWindow>(makeLibrary, hook_);
         window_->Form_Load(QString::fromStdString(file));
         window_->show();
         EXPECT_TRUE(QTest::qWaitForWindowActive(window_.get()));
@@ -106,6 +125,22 @@ protected:
             hook_ = nullptr;
             throw std::bad_alloc();
         };
+    }
+
+    /// From now on, with how the pointer looks.
+    void NoteCalls() {
+        hook_ = [this](const std::string& call) {
+            const QCursor* const pointer = QApplication::overrideCursor();
+            const bool hourglass = pointer != nullptr && pointer->shape() == Qt::WaitCursor;
+            calls_.push_back(call + (hourglass ? " under the hourglass" : ""));
+        };
+    }
+    /// So many, from the first that asks for a file; before it the lists were emptied.
+    std::vector<std::string> TakeCalls(std::size_t count) {
+        hook_ = nullptr;
+        calls_.erase(calls_.begin(), std::find(calls_.begin(), calls_.end(), "IsEncrypted"));
+        calls_.resize(std::min(count, calls_.size()));
+        return std::exchange(calls_, {});
     }
 
     template <typename Type>
@@ -151,6 +186,7 @@ protected:
     RecordingLibrary::Log log_;
     ProgressProbe probe_;
     Hook hook_;
+    std::vector<std::string> calls_; ///< those that are noted
     std::unique_ptr<frmMain> window_;
 };
 
@@ -243,18 +279,21 @@ TEST_F(AfterChanges, AnOpenedFileHasItsTitleWhateverCannotBeShown) {
 
 TEST_F(AfterChanges, AFileIsCountedAndLoadedUnderTheHourglassAndCountedAgainWithoutIt) {
     const std::string file = MakeFile(1);
-    std::vector<std::string> calls;
-    hook_ = [&calls](const std::string& call) {
-        const bool hourglass = QApplication::overrideCursor() != nullptr &&
-                               QApplication::overrideCursor()->shape() == Qt::WaitCursor;
-        calls.push_back(call + (hourglass ? " under the hourglass" : ""));
-    };
+    NoteCalls();
     Start(file);
-    hook_ = nullptr;
-    calls.erase(calls.begin(), std::find(calls.begin(), calls.end(), "IsEncrypted")); // of the empty lists
-    ASSERT_GE(calls.size(), 7U);
-    calls.resize(7);
-    EXPECT_EQ(calls, (std::vector<std::string>{"IsEncrypted", "IsEncrypted", "MapCount under the hourglass",
-                                               "IconCount under the hourglass",
-                                               "LoadFromFile under the hourglass", "MapCount", "IconCount"}));
+    EXPECT_THAT(TakeCalls(7), ElementsAre("IsEncrypted", "IsEncrypted", "MapCount under the hourglass",
+                                          "IconCount under the hourglass", "LoadFromFile under the hourglass",
+                                          "MapCount", "IconCount"));
+}
+
+TEST_F(AfterChanges, AMergedFileIsCountedByTheListsUnderTheHourglassAndAfterwardsWithoutIt) {
+    StartWith(1);
+    script_.Expect(QStringLiteral("FileDialog"),
+                   [this](QWidget& dialog) { AnswerFileDialog(dialog, PathOf("a.Atlavex")); });
+    script_.ExpectBox(QStringLiteral("Merge complete. \r\n2 map(s) added.\r\n1 icon(s) added."));
+    NoteCalls();
+    Choose("mnuMerge");
+    EXPECT_THAT(TakeCalls(6), ElementsAre("IsEncrypted", "entries of maps under the hourglass",
+                                          "entries of icons under the hourglass",
+                                          "MergeFromFile under the hourglass", "MapCount", "IconCount"));
 }

@@ -26,7 +26,8 @@ TEST(SessionBus, IsSilentWhereSomebodyListensAndSaysNothing) {
     EXPECT_TRUE(IsSilent(bus.Address(), VeryShort));
     EXPECT_TRUE(IsSilent(bus.Address() + ",guid=00ff", VeryShort));
     EXPECT_TRUE(IsSilent("unix:path=" + bus.Folder() + "/b%75s", VeryShort)) << "percent-encoded";
-    EXPECT_TRUE(IsSilent("unix:path=/nowhere/at/all;" + bus.Address(), VeryShort)) << "the first that is there";
+    EXPECT_TRUE(IsSilent("unix:path=/nowhere/at/all;" + bus.Address(), VeryShort))
+        << "the first that is there";
 }
 
 TEST(SessionBus, IsSilentAtOnceWhereSoManyWaitThatNobodyIsLetIn) {
@@ -51,7 +52,8 @@ TEST(SessionBus, IsNotSilentWhereItAnswersOrIsNotThere) {
          {"", "unix:path=/nowhere/at/all", "unix:path=", "unix:abstract=quorvant-no-bus", "unix:tmpdir=/tmp",
           "autolaunch:", "disabled:", "tcp:host=localhost,port=1", ";;"})
         EXPECT_FALSE(IsSilent(address, VeryLong)) << address;
-    EXPECT_FALSE(IsSilent("unix:path=/" + std::string(200, 'x'), VeryLong)) << "longer than any socket's name";
+    EXPECT_FALSE(IsSilent("unix:path=/" + std::string(200, 'x'), VeryLong))
+        << "longer than any socket's name";
 }
 
 TEST(SessionBus, IsKeptFromTheToolkitWhileItIsSilentAndNamedAsBeforeAfterwards) {
