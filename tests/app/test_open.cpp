@@ -23,6 +23,7 @@ protected:
         const std::string file = MakeLibrary("old.Atlavex", {{20, 20}}, 1);
         Start();
         OpenByMenu(file);
+        Find<QSlider>("sldZoom").setValue(3);
         Edit();
         return file;
     }
@@ -39,6 +40,8 @@ protected:
         EXPECT_EQ(State().rememberedMap, -1);
         EXPECT_EQ(TextOf("lStatus"), "Not scaled");
         EXPECT_FALSE(Find<QSlider>("sldZoom").isEnabled());
+        EXPECT_EQ(Find<QSlider>("sldZoom").value(), 0);
+        EXPECT_EQ(TextOf("lbZoomPercentage"), "100%");
         EXPECT_EQ(QApplication::overrideCursor(), nullptr);
         ExpectNothingShown();
     }

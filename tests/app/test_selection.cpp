@@ -101,6 +101,9 @@ TEST_F(Selecting, WithTheMouseGivesTheViewerTheFocus) {
     PickWithTheMouse("ddIcons", 1);
     EXPECT_EQ(State().currentIcon->Name(), "icon2");
     EXPECT_TRUE(Find<QWidget>("viewerIcon").hasFocus());
+    Pick("ddIcons", 0);
+    EXPECT_EQ(State().currentIcon->Name(), "icon1");
+    EXPECT_TRUE(Find<QWidget>("ddIcons").hasFocus());
 }
 
 TEST_F(Selecting, AnUnscaledMapCannotBeLeft) {
