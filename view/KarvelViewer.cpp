@@ -94,8 +94,7 @@ void KarvelViewer::SetValueText(const QString& text) {
     if (text == valueText_)
         return;
     valueText_ = text;
-    QAccessibleValueChangeEvent value(this, text);
-    QAccessible::updateAccessibility(&value);
+    // Not of the value: Qt expects a number then, and complains of every other at each move of the pointer.
     QAccessibleEvent description(this, QAccessible::DescriptionChanged);
     QAccessible::updateAccessibility(&description);
 }
