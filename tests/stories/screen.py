@@ -27,11 +27,14 @@ class Screen:
     """Xvfb with openbox and a session bus; programs started here live in a home of their own. At the end all of them
     are gone, with whatever they have started in their turn."""
 
-    def __init__(self, size="1280x900x24"):
+    width, height = 1280, 900
+
+    def __init__(self):
         descendants.adopt()
         self.folder = tempfile.TemporaryDirectory(prefix="quorvant-story-")
         self.home = pathlib.Path(self.folder.name)
-        self.server, number = self.start_telling("Xvfb", "-displayfd", "{}", "-screen", "0", size, "-nolisten", "tcp")
+        self.server, number = self.start_telling("Xvfb", "-displayfd", "{}", "-screen", "0",
+                                                 f"{self.width}x{self.height}x24", "-nolisten", "tcp")
         self.environment = {**os.environ, "DISPLAY": f":{number}", "HOME": str(self.home),
                             "XDG_CONFIG_HOME": str(self.home), "XDG_CACHE_HOME": str(self.home),
                             "XDG_RUNTIME_DIR": str(self.home), "QT_QPA_PLATFORM": "xcb", "LC_ALL": "C.UTF-8"}
@@ -67,8 +70,8 @@ class Screen:
         with os.fdopen(reading) as line:
             return program, line.readline().strip()
 
-    def start(self, *command, folder=None):
-        return subprocess.Popen(list(map(str, command)), env=self.environment, cwd=folder)
+    def start(self, *command, folder=None, output=None):
+        return subprocess.Popen(list(map(str, command)), env=self.environment, cwd=folder, stdout=output)
 
     def do(self, *arguments):
         return subprocess.run(["xdotool", *map(str, arguments)], env=self.environment,
@@ -93,6 +96,12 @@ class Screen:
             return name.endswith(title[1:]) if title.startswith("*") else name == title
         self.wait_for(f"The window {title!r}", is_active)
         time.sleep(0.15)  # the window has the keyboard, its field a moment later
+
+    def place_of_active(self):
+        """Left, top, width and height of the inside of the window that has the keyboard."""
+        told = self.do("getactivewindow", "getwindowgeometry", "--shell")
+        numbers = dict(line.split("=") for line in told.splitlines())
+        return [int(numbers[name]) for name in ("X", "Y", "WIDTH", "HEIGHT")]
 
     def key(self, *keys):
         for key in keys:

@@ -66,8 +66,12 @@ def offset_of(library):
 
 
 def tell_look_around(screen, folder, pictures):
-    """Open, zoom with the wheel, scroll by keys, read out a position, see the icon."""
+    """Open, zoom with the wheel, scroll by keys, read out a position, see the icon. The window fills most of the screen
+    and is whole on it."""
     open_library(screen, folder)
+    x, y, width, height = screen.place_of_active()
+    assert x >= 0 and y >= 0 and x + width <= screen.width and y + height <= screen.height, (x, y, width, height)
+    assert width * height > screen.width * screen.height * 3 / 4, (width, height)
     screen.move(400, 400)
     first = screen.picture(pictures / "opened.png")
     screen.do("keydown", "ctrl")
@@ -343,6 +347,40 @@ def tell_work_without_home_and_bus(screen, folder, pictures):
     screen.key("alt+n")
     screen.wait_for("The end of the program", lambda: editor.poll() is not None)
     assert not list(pathlib.Path("/var/tmp").glob(f"unsaved-{editor.pid}-*")), "The scratch file stays"
+
+
+def tell_have_the_prompt_spoken(screen, folder, pictures):
+    """A screen reader is told of the wizard's prompt when it is shown, wherever the focus is."""
+    prompt = "Wizard step 3: Click on a known coordinate"
+    library = make_library(folder)
+    editor = screen.start(EDITOR, library)
+    screen.wait_for_active(f"Quorvant Studio - {library}")
+    screen.key("alt+m", "w")
+    screen.wait_for_active("Wizard Step 1: Select Datum or Grid")
+    screen.type("Int")
+    screen.key("Return")
+    screen.wait_for_active("Wizard Step 2: Projection")
+    screen.key("space")
+
+    # From now on every key takes a way round by the screen reader.
+    spoken = folder / "spoken"
+    with open(spoken, "w") as lines:
+        screen.start(BUILD / "tests" / "screen_reader", output=lines)
+
+    def said(line):
+        return spoken.read_text().splitlines().count(line)
+
+    screen.wait_for("The registering of the editor", lambda: said("registered"))
+    assert not said(prompt)
+    screen.key("Return")
+    screen.wait_for("The prompt", lambda: said(prompt))
+    screen.wait_for_active(f"Quorvant Studio - {library}")
+    screen.key("Escape")
+    screen.wait_for_active("Quorvant Studio")  # the wizard was cancelled
+    screen.key("Return")
+    screen.wait_for_active(f"Quorvant Studio - {library}")
+    quit_editor(screen, editor)
+    assert said(prompt) == 1, spoken.read_text()
 
 
 def tell_start_beside_a_silent_bus(screen, folder, pictures):
