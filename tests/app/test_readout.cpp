@@ -225,6 +225,15 @@ TEST_F(ReadingOut, GivesWayToTheScalingWhereThePointerShowsNoMapAnyMore) {
     EXPECT_EQ(TextOf("lStatus"), scaled);
 }
 
+TEST_F(ReadingOut, ComesNotBackByItselfOverWhatWasSaidSince) {
+    StartWithGrid({2000, 1600});
+    At(4, 8);
+    Pick("ddMaps", 0);
+    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+    Find<QScrollBar>("hscrollMap").setValue(100);
+    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+}
+
 TEST_F(ReadingOut, GoesWithTheMapThatTheSaveQuestionTakesAway) {
     StartWithGrid({200, 100});
     Edit();
