@@ -29,6 +29,7 @@ protected:
             Click(window, "bOK");
             EXPECT_TRUE(window.isVisible());
             EXPECT_EQ(window.focusWidget(), &Control<QLineEdit>(window, field));
+            EXPECT_EQ(Control<QLineEdit>(window, field).selectedText().toStdString(), text.toStdString());
             QTest::keyClick(&window, Qt::Key_Escape);
         });
         form_.exec();

@@ -1,6 +1,7 @@
-// A screen reader, for stories, with the services of a desktop behind it: on the session bus it says that this is the
-// bus for accessibility as well, lets programs register themselves, and asks them for what happens to their objects. Of a
-// notice that is newly shown it prints the name. Prints "ready" first, and "registered" for each program.
+// A screen reader, for stories, with the services of a desktop behind it: on the session bus it says that
+// this is the bus for accessibility as well, lets programs register themselves, and asks them for what
+// happens to their objects. Of a notice that is newly shown it prints the name. Prints "ready" first, and
+// "registered" for each program.
 
 #include <QCoreApplication>
 #include <QDBusArgument>
@@ -101,7 +102,8 @@ class Reader : public QObject {
 
 public Q_SLOTS:
     void StateChanged(const QDBusMessage& event) {
-        if (event.arguments().value(0) != QStringLiteral("showing") || event.arguments().value(1).toInt() != 1)
+        if (event.arguments().value(0) != QStringLiteral("showing") ||
+            event.arguments().value(1).toInt() != 1)
             return;
         constexpr uint Notification = 101;
         Ask(event, QStringLiteral("org.a11y.atspi.Accessible"), QStringLiteral("GetRole"), {},
@@ -122,7 +124,8 @@ private:
              const QVariantList& arguments, const std::function<void(const QVariant&)>& take) {
         QDBusMessage call = QDBusMessage::createMethodCall(event.service(), event.path(), interface, method);
         call.setArguments(arguments);
-        auto* const watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
+        auto* const watcher =
+            new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
         connect(watcher, &QDBusPendingCallWatcher::finished, this, [watcher, take] {
             watcher->deleteLater();
             take(watcher->reply().arguments().value(0));
@@ -140,8 +143,8 @@ int main(int argc, char** argv) {
     QDBusConnection bus = QDBusConnection::sessionBus();
     Desktop desktop;
     Reader reader;
-    if (!bus.connect({}, {}, QStringLiteral("org.a11y.atspi.Event.Object"), QStringLiteral("StateChanged"), &reader,
-                     SLOT(StateChanged(QDBusMessage))) ||
+    if (!bus.connect({}, {}, QStringLiteral("org.a11y.atspi.Event.Object"), QStringLiteral("StateChanged"),
+                     &reader, SLOT(StateChanged(QDBusMessage))) ||
         !bus.registerVirtualObject(QStringLiteral("/org/a11y"), &desktop, QDBusConnection::SubPath) ||
         !bus.registerService(QStringLiteral("org.a11y.atspi.Registry")) ||
         !bus.registerService(QStringLiteral("org.a11y.Bus")))

@@ -2,6 +2,7 @@
 #include "component/AtlavexLibrary.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/desktop/ModalScript.h"
+#include "tests/support/desktop/SilentBus.h"
 #include "tests/wizard/FormDriver.h"
 #include "view/KarvelViewer.h"
 
@@ -10,6 +11,7 @@
 #include <QImage>
 #include <QLabel>
 #include <QScreen>
+#include <QTimer>
 
 #include <cmath>
 
@@ -306,4 +308,22 @@ TEST_F(WizardInTheWindow, OpensTheCoordinateFormBesideThePixelThatWasClicked) {
             "Wizard canceled! Select 'Bitmap -> Scaling Wizard...' from menu to restart the Wizard."));
         ClickMap(place);
     }
+}
+
+TEST_F(WizardInTheWindow, LetsTheWindowBeClosedOnceTheOtherProgramWasGivenUp) {
+    QApplication::setQuitOnLastWindowClosed(false); // the other tests go on
+    const SilentBus bus;
+    script.Expect(QStringLiteral("frmSelectDatumGrid"), [this](QWidget& shown) {
+        QTimer::singleShot(50, &shown, [this, &shown] {
+            EXPECT_FALSE(window.close());
+            Click(shown, "bCancel");
+        });
+        Click(shown, "bNext"); // of a custom grid
+    });
+    script.ExpectBox(QStringLiteral(
+        "Wizard canceled! Select 'Bitmap -> Scaling Wizard...' from menu to restart the Wizard."));
+    ClickMap({30, 40});
+    EXPECT_TRUE(script.IsDone());
+    EXPECT_TRUE(window.close());
+    EXPECT_FALSE(window.isVisible());
 }
