@@ -226,8 +226,7 @@ void LibraryObject::RemoveMap(const std::string& reference) {
     }
     Forget(mapObjects_, map->id);
     state_.maps.erase(found);
-    map.reset(); // it holds the scratch
-    LeaveScratch();
+    LeaveSpace(std::move(map));
 }
 
 void LibraryObject::RemoveIcon(const std::string& reference) {
@@ -239,27 +238,38 @@ void LibraryObject::RemoveIcon(const std::string& reference) {
         icon->container->Remove(BlobKind::IconPicture, icon->record.picture.number);
     Forget(iconObjects_, icon->id);
     state_.icons.erase(found);
-    icon.reset(); // as above
-    LeaveScratch();
+    LeaveSpace(std::move(icon));
 }
 
 bool LibraryObject::IsUnsaved(const std::shared_ptr<Container>& container, const RecordKey& key) const {
-    return container == scratch_ || IsUnsavedInFile(container, key);
+    return !IsFile(container) || IsUnsavedInFile(container, key);
 }
 
-std::ptrdiff_t LibraryObject::ObjectsInScratch() const {
-    const auto liesThere = [this](const auto& object) { return object->container == scratch_; };
+bool LibraryObject::IsFile(const std::shared_ptr<Container>& container) const {
+    return file_ && container == file_->Tiles();
+}
+
+std::ptrdiff_t LibraryObject::ObjectsIn(const std::shared_ptr<Container>& container) const {
+    const auto liesThere = [&container](const auto& object) { return object->container == container; };
     return std::count_if(state_.maps.begin(), state_.maps.end(), liesThere) +
            std::count_if(state_.icons.begin(), state_.icons.end(), liesThere);
 }
 
 bool LibraryObject::IsAloneInScratch(const std::shared_ptr<Container>& container) const {
-    return container == scratch_ && ObjectsInScratch() == 1;
+    return !IsFile(container) && ObjectsIn(container) == 1;
+}
+
+template <typename Object>
+void LibraryObject::LeaveSpace(std::shared_ptr<Object> removed) noexcept {
+    if (!IsFile(removed->container) && ObjectsIn(removed->container) > 0)
+        removed->container->GiveBackSpace();
+    removed.reset(); // it holds the scratch
+    LeaveScratch();
 }
 
 void LibraryObject::LeaveScratch() noexcept {
     try {
-        if (scratch_ && ObjectsInScratch() == 0)
+        if (scratch_ && ObjectsIn(scratch_) == 0)
             disposal_.Take(std::move(scratch_));
     } catch (const std::exception&) {
         scratch_.reset(); // no memory for a thread: here and now
@@ -267,7 +277,7 @@ void LibraryObject::LeaveScratch() noexcept {
 }
 
 bool LibraryObject::IsUnsavedInFile(const std::shared_ptr<Container>& container, const RecordKey& key) const {
-    return file_ && container == file_->Tiles() && !file_->Records().contains(key);
+    return IsFile(container) && !file_->Records().contains(key);
 }
 
 void LibraryObject::GiveUpDirectWork() {

@@ -81,8 +81,12 @@ private:
     void FollowTiles();
     /// Whether what lies there under the key is in no file's list: removing the object frees its space.
     bool IsUnsaved(const std::shared_ptr<Container>& container, const RecordKey& key) const;
-    std::ptrdiff_t ObjectsInScratch() const;
+    bool IsFile(const std::shared_ptr<Container>& container) const;
+    std::ptrdiff_t ObjectsIn(const std::shared_ptr<Container>& container) const;
     bool IsAloneInScratch(const std::shared_ptr<Container>& container) const;
+    /// What the object held of a scratch goes back to the disk.
+    template <typename Object>
+    void LeaveSpace(std::shared_ptr<Object> removed) noexcept;
     /// The scratch goes with the last object in it.
     void LeaveScratch() noexcept;
     /// Lets a scratch go, at the end of an addition, that nothing came to lie in.

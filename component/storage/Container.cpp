@@ -1,9 +1,15 @@
 #include "component/storage/Container.h"
 
+#include <exception>
+#include <utility>
+
 namespace {
 
 /// So much is written between two requests to get it to the disk.
 constexpr std::size_t WriteBackStep = std::size_t{32} << 20;
+
+/// At a time.
+constexpr int PagesGivenBack = 1000;
 
 } // namespace
 
@@ -46,6 +52,31 @@ std::optional<Bytes> Container::GetStored(BlobKind kind, std::int64_t number) {
 void Container::Remove(BlobKind kind, std::int64_t number) {
     const std::scoped_lock lock(mutex_);
     TableOf(kind).remove.Bind(1, number).Run();
+}
+
+void Container::GiveBackSpace() noexcept {
+    try {
+        std::int64_t before = 0;
+        std::int64_t left = FreePages();
+        do {
+            GiveBackSome();
+            before = std::exchange(left, FreePages());
+        } while (left < before);
+    } catch (const std::exception&) {
+        return; // what was not given back is used again
+    }
+}
+
+void Container::GiveBackSome() {
+    // Pages that are moved are kept in memory until the statement ends.
+    const std::string some = "PRAGMA incremental_vacuum(" + std::to_string(PagesGivenBack) + ")";
+    const std::scoped_lock lock(mutex_);
+    database_->Execute(some.c_str());
+}
+
+std::int64_t Container::FreePages() {
+    const std::scoped_lock lock(mutex_);
+    return database_->Number("PRAGMA freelist_count");
 }
 
 ClosedBlob Container::Put(BlobKind kind, std::int64_t number, ByteSpan plain) {

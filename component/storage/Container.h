@@ -40,6 +40,9 @@ public:
     /// Nothing when there is no such row.
     std::optional<Bytes> GetStored(BlobKind kind, std::int64_t number);
     void Remove(BlobKind kind, std::int64_t number);
+    /// Gives back to the disk what was removed from a scratch, as far as that is possible; in a library's
+    /// file the space stays for what is saved next.
+    void GiveBackSpace() noexcept;
 
     /// Closes the blob and stores it; gives its length as stored and its digest.
     ClosedBlob Put(BlobKind kind, std::int64_t number, ByteSpan plain);
@@ -55,6 +58,8 @@ private:
         Statement remove;
     };
     Table& TableOf(BlobKind kind);
+    void GiveBackSome();
+    std::int64_t FreePages();
 
     std::unique_ptr<Database> database_;
     std::shared_ptr<const Envelope> form_;

@@ -23,6 +23,9 @@ constexpr std::array<TableText, 6> Tables = {{
     {"blob", "CREATE TABLE blob(id INTEGER PRIMARY KEY, data BLOB NOT NULL)"},
 }};
 
+/// Giving pages back takes longer by the square of their number.
+constexpr std::int64_t ScratchPageSize = 2 * PageSize;
+
 constexpr std::string_view SqliteMagic("SQLite format 3\0", 16);
 constexpr int SqliteHeaderSize = 100;
 
@@ -112,7 +115,9 @@ void CreateLibrarySchema(Database& database) {
 }
 
 void CreateScratchSchema(Database& database) {
-    database.Execute(("PRAGMA page_size=" + std::to_string(PageSize)).c_str());
+    // That pages can be given back has to be said before the first table.
+    database.Execute(
+        ("PRAGMA page_size=" + std::to_string(ScratchPageSize) + ";PRAGMA auto_vacuum=INCREMENTAL").c_str());
     database.Execute(Tables[4].sql);
     database.Execute(Tables[5].sql);
 }

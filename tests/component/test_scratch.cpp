@@ -176,6 +176,62 @@ TEST_F(LibraryScratch, GoesWithTheLastUnsavedObject) {
     }
 }
 
+TEST_F(LibraryScratch, ShrinksByWhatIsRemovedWhileOthersStay) {
+    const Sheet first = MakeSheet(PixelFormat::Rgb, 700, 600, 1),
+                second = MakeSheet(PixelFormat::Rgb, 700, 600, 2),
+                large = MakeSheet(PixelFormat::Rgb, 1200, 900, 3),
+                icon = MakeSheet(PixelFormat::Rgba, 400, 300, 4);
+    for (const std::string key : {"", "key"}) {
+        SaveRichLibrary(PathOf("lib.Atlavex"), key);
+        const auto library = Open(PathOf("lib.Atlavex"), key);
+        AddMap(*library, first);
+        const auto size = ScratchSize();
+        AddMap(*library, large);
+        AddIcon(*library, icon);
+        AddMap(*library, second);
+        const auto full = ScratchSize();
+        library->RemoveMap(library->MapIdAt(4)); // what follows it moves up
+        EXPECT_LT(ScratchSize(), full - 1200 * 900 * 2);
+        EXPECT_EQ(SheetOf(*MapAt(*library, 3)), first);
+        EXPECT_EQ(SheetOf(*MapAt(*library, 4)), second);
+        library->RemoveIcon(library->IconIdAt(3));
+        library->RemoveMap(library->MapIdAt(4)); // nothing follows it
+        EXPECT_LT(ScratchSize(), size + 100'000);
+        EXPECT_EQ(SheetOf(*MapAt(*library, 3)), first);
+        const LibraryContent content = ContentOf(*library);
+        library->SaveToFile(PathOf("lib.Atlavex"), key);
+        ExpectHolds(PathOf("lib.Atlavex"), key, content);
+        std::filesystem::remove(PathOf("lib.Atlavex"));
+    }
+}
+
+TEST_F(LibraryScratch, ShrinksAlsoWhenAnotherFolderIsPreferredByNow) {
+    const auto library = NewLibrary();
+    AddMap(*library, MakeSheet(PixelFormat::Rgb, 100, 90));
+    const auto size = ScratchSize();
+    AddMap(*library, MakeSheet(PixelFormat::Rgb, 1200, 900));
+    std::filesystem::create_directory(PathOf("other"));
+    library->SetScratchFolder(PathOf("other"));
+    AddMap(*library, MakeSheet(PixelFormat::Rgb, 100, 90));
+    library->RemoveMap(library->MapIdAt(2));
+    EXPECT_LT(ScratchSize(), size + 100'000);
+    library->RemoveMap(library->MapIdAt(1));
+    EXPECT_TRUE(ScratchFilesGo());
+    EXPECT_EQ(library->MapCount(), 1);
+}
+
+TEST_F(LibraryScratch, ShrinksWhenAMapIsNotAdded) {
+    const auto library = NewLibrary();
+    AddMap(*library, MakeSheet(PixelFormat::Rgb, 100, 90));
+    const auto size = ScratchSize();
+    library->OnProgress = [&](float done) {
+        if (done > 0.5F)
+            library->CancelOperation();
+    };
+    EXPECT_ERROR(AddMap(*library, MakeSheet(PixelFormat::Rgb, 1200, 900)), ErrorNumber::Cancelled);
+    EXPECT_LT(ScratchSize(), size + 100'000);
+}
+
 TEST_F(LibraryScratch, GivesBackTheSpaceOfAMapThatIsRemoved) {
     const auto library = NewLibrary();
     const Sheet large = MakeSheet(PixelFormat::Rgb, 1200, 900, 1),
