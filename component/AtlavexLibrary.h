@@ -63,7 +63,8 @@ public:
     virtual std::shared_ptr<AtlavexIcon> AddIconFromImageFile(const std::string& file,
                                                               const std::string& name) = 0;
     /// Where maps and icons that are not saved yet are kept from the next one on; what is kept elsewhere
-    /// stays there. Empty, not there, or no place to make a file in: the user's cache folder.
+    /// stays there. Empty, not there, or no place to make a file in: the user's cache folder. What memory
+    /// should not hold of an image while it is read lies in the same folder, or in the user's temporary one.
     virtual void SetScratchFolder(const std::string& folder) = 0;
     virtual void RemoveMap(const std::string& reference) = 0;
     virtual void RemoveIcon(const std::string& reference) = 0;

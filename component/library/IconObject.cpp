@@ -66,8 +66,8 @@ std::shared_ptr<const AtlavexImage> IconObject::Image() {
     });
 }
 
-std::unique_ptr<RowReader> OpenIconImage(const std::string& file) {
-    std::unique_ptr<RowReader> image = OpenImage(file);
+std::unique_ptr<RowReader> OpenIconImage(const std::string& file, const std::string& spoolFolder) {
+    std::unique_ptr<RowReader> image = OpenImage(file, spoolFolder);
     const ImageInfo& info = image->Info();
     if (std::int64_t{info.width} * info.height > LargestIconPixels)
         throw ComponentError(ErrorNumber::ImageTooLarge,

@@ -31,7 +31,7 @@ private:
 
 /// Opens an image file that is to become an icon. Throws as OpenImage, and ImageTooLarge for more than
 /// LargestIconPixels.
-std::unique_ptr<RowReader> OpenIconImage(const std::string& file);
+std::unique_ptr<RowReader> OpenIconImage(const std::string& file, const std::string& spoolFolder);
 
 /// What ImportIcon adds to the progress for such an image.
 std::int64_t ImportIconWork(const ImageInfo& info);

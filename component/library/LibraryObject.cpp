@@ -157,7 +157,7 @@ std::shared_ptr<AtlavexMap> LibraryObject::AddMapFromImageFile(const std::string
 
 std::shared_ptr<AtlavexMap> LibraryObject::ImportMap(const std::string& file, const std::string& name,
                                                      std::int32_t tileWidth, std::int32_t tileHeight) {
-    const std::unique_ptr<RowReader> reader = OpenImage(file);
+    const std::unique_ptr<RowReader> reader = OpenImage(file, options_.scratchFolder);
     const ImageInfo& info = reader->Info();
     const PyramidLayout layout(info.width, info.height, tileWidth, tileHeight);
     auto map = std::make_shared<MapState>();
@@ -192,7 +192,7 @@ std::shared_ptr<AtlavexIcon> LibraryObject::AddIconFromImageFile(const std::stri
 }
 
 std::shared_ptr<AtlavexIcon> LibraryObject::ImportIcon(const std::string& file, const std::string& name) {
-    const std::unique_ptr<RowReader> image = OpenIconImage(file);
+    const std::unique_ptr<RowReader> image = OpenIconImage(file, options_.scratchFolder);
     auto icon = std::make_shared<IconState>();
     const Addition addition(*this);
     std::optional<Savepoint> savepoint; // as for a map

@@ -72,10 +72,11 @@ void BmpReader::ReadBand(std::uint8_t* rows, std::ptrdiff_t stride, std::int32_t
 
 } // namespace
 
-std::unique_ptr<RowReader> OpenBmp(const std::filesystem::path& file) {
+std::unique_ptr<RowReader> OpenBmp(const std::filesystem::path& file,
+                                   const std::filesystem::path& spoolFolder) {
     ImageFile opened(file);
     const BmpHeader header = ReadBmpHeader(opened);
     if (header.packing == BmpPacking::RunLengths)
-        return std::make_unique<BmpRunReader>(std::move(opened), header);
+        return std::make_unique<BmpRunReader>(std::move(opened), header, spoolFolder);
     return std::make_unique<BmpReader>(std::move(opened), header);
 }

@@ -13,4 +13,5 @@
 /// round(v × 255 / largest v). Pixels that a run-length coded file skips have index 0.
 /// Memory: a few rows; run-length coded files go through a SpoolFile of width × height pixels.
 /// Throws what OpenImage throws.
-std::unique_ptr<RowReader> OpenBmp(const std::filesystem::path& file);
+std::unique_ptr<RowReader> OpenBmp(const std::filesystem::path& file,
+                                   const std::filesystem::path& spoolFolder);

@@ -3,8 +3,8 @@
 #include "component/readers/BmpRunDecoder.h"
 #include "component/readers/common/ImageError.h"
 
-BmpRunReader::BmpRunReader(ImageFile file, const BmpHeader& header)
-    : file_(std::move(file)), header_(header) {
+BmpRunReader::BmpRunReader(ImageFile file, const BmpHeader& header, std::filesystem::path spoolFolder)
+    : file_(std::move(file)), header_(header), spoolFolder_(std::move(spoolFolder)) {
     info_.width = header.width;
     info_.height = header.height;
     info_.format = header.bits == 24 ? PixelFormat::Rgb : PixelFormat::Palette;
@@ -13,7 +13,7 @@ BmpRunReader::BmpRunReader(ImageFile file, const BmpHeader& header)
 }
 
 void BmpRunReader::SpoolRows() {
-    auto spool = std::make_unique<SpoolFile>();
+    auto spool = std::make_unique<SpoolFile>(spoolFolder_);
     BmpRunDecoder decoder(file_, header_);
     do {
         ThrowIfCancelled();

@@ -13,7 +13,7 @@
 /// stays 0. Memory: one row and a small buffer.
 class BmpRunReader : public RowReader {
 public:
-    BmpRunReader(ImageFile file, const BmpHeader& header);
+    BmpRunReader(ImageFile file, const BmpHeader& header, std::filesystem::path spoolFolder);
     void ReadRows(std::uint8_t* rows, std::ptrdiff_t stride, std::int32_t count) override;
 
 private:
@@ -21,6 +21,7 @@ private:
 
     ImageFile file_;
     BmpHeader header_;
+    std::filesystem::path spoolFolder_;
     std::unique_ptr<SpoolFile> spool_; ///< stored rows in stored order; empty until the first ReadRows
     std::int32_t row_ = 0;
 };

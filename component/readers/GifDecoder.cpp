@@ -47,7 +47,8 @@ void GifDecoder::Close::operator()(GifFileType* gif) const {
     DGifCloseFile(gif, &error);
 }
 
-GifDecoder::GifDecoder(const std::filesystem::path& file) : file_(file) {
+GifDecoder::GifDecoder(const std::filesystem::path& file, std::filesystem::path spoolFolder)
+    : file_(file), spoolFolder_(std::move(spoolFolder)) {
     Open();
     FindFrame();
 }
@@ -156,7 +157,7 @@ void GifDecoder::DecodeRow(std::uint8_t* indices, std::int32_t row) {
 }
 
 void GifDecoder::SpoolRows() {
-    auto spool = std::make_unique<SpoolFile>();
+    auto spool = std::make_unique<SpoolFile>(spoolFolder_);
     std::vector<std::uint8_t> indices(static_cast<std::size_t>(frame_.width));
     for (const Pass& pass : Passes)
         for (std::int32_t row = pass.firstRow; row < frame_.height; row += pass.step) {

@@ -30,8 +30,9 @@ struct GifFrame {
 /// The first frame of a GIF file, by rows from the top.
 class GifDecoder {
 public:
-    /// Reads up to the frame's pixels. Throws what OpenImage throws.
-    explicit GifDecoder(const std::filesystem::path& file);
+    /// Reads up to the frame's pixels. An interlaced frame goes through a SpoolFile in the folder. Throws
+    /// what OpenImage throws.
+    GifDecoder(const std::filesystem::path& file, std::filesystem::path spoolFolder);
 
     const GifFrame& Frame() const { return frame_; }
     std::int64_t FileSize() const { return file_.Size(); }
@@ -59,6 +60,7 @@ private:
     GifFrame frame_;
     std::optional<GifCodes> codes_; ///< made when the frame's header is read
     std::int32_t row_ = 0;
+    std::filesystem::path spoolFolder_;
     std::unique_ptr<SpoolFile> spool_; ///< the rows of an interlaced frame
     const Progress* progress_ = nullptr;
 };

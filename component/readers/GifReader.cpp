@@ -11,7 +11,7 @@ namespace {
 /// Puts the frame's rows on the logical screen.
 class GifReader : public RowReader {
 public:
-    explicit GifReader(const std::filesystem::path& file);
+    GifReader(const std::filesystem::path& file, const std::filesystem::path& spoolFolder);
     void ReadRows(std::uint8_t* rows, std::ptrdiff_t stride, std::int32_t count) override;
     void WatchForCancel(const Progress& progress) override { decoder_.WatchForCancel(progress); }
 
@@ -28,8 +28,8 @@ private:
     std::int32_t row_ = 0;
 };
 
-GifReader::GifReader(const std::filesystem::path& file)
-    : decoder_(file), frame_(decoder_.Frame()), colours_(frame_.colours) {
+GifReader::GifReader(const std::filesystem::path& file, const std::filesystem::path& spoolFolder)
+    : decoder_(file, spoolFolder), frame_(decoder_.Frame()), colours_(frame_.colours) {
     info_.width = std::max(frame_.screenWidth, frame_.left + frame_.width);
     info_.height = std::max(frame_.screenHeight, frame_.top + frame_.height);
     CheckImageSize(file, info_.width, info_.height);
@@ -94,6 +94,7 @@ void GifReader::ReadRows(std::uint8_t* rows, std::ptrdiff_t stride, std::int32_t
 
 } // namespace
 
-std::unique_ptr<RowReader> OpenGif(const std::filesystem::path& file) {
-    return std::make_unique<GifReader>(file);
+std::unique_ptr<RowReader> OpenGif(const std::filesystem::path& file,
+                                   const std::filesystem::path& spoolFolder) {
+    return std::make_unique<GifReader>(file, spoolFolder);
 }

@@ -12,4 +12,5 @@
 /// index or a free one; where all 256 indices have a colour, the image becomes Rgba.
 /// Memory: one row; interlaced frames go through a SpoolFile of the frame's size.
 /// Throws what OpenImage throws.
-std::unique_ptr<RowReader> OpenGif(const std::filesystem::path& file);
+std::unique_ptr<RowReader> OpenGif(const std::filesystem::path& file,
+                                   const std::filesystem::path& spoolFolder);

@@ -40,7 +40,8 @@ JpegCoefficients& CoefficientsOf(j_common_ptr codec) {
     return CodecOf(codec).coefficients_;
 }
 
-JpegCodec::JpegCodec(ImageFile& file) : file_(file) {
+JpegCodec::JpegCodec(ImageFile& file, const std::filesystem::path& spoolFolder)
+    : file_(file), coefficients_(exit_, spoolFolder) {
     codec_.err = jpeg_std_error(&errors_);
     errors_.error_exit = OnError;
     errors_.emit_message = OnMessage;

@@ -14,8 +14,8 @@
 /// library cannot go on, and when it would go on with invented pixels.
 class JpegCodec {
 public:
-    /// Reads the file's header.
-    explicit JpegCodec(ImageFile& file);
+    /// Reads the file's header. What memory cannot hold goes through a SpoolFile in the folder.
+    JpegCodec(ImageFile& file, const std::filesystem::path& spoolFolder);
     ~JpegCodec();
     JpegCodec(const JpegCodec&) = delete;
     JpegCodec& operator=(const JpegCodec&) = delete;
@@ -48,7 +48,7 @@ private:
 
     ImageFile& file_;
     LibraryExit exit_;
-    JpegCoefficients coefficients_{exit_};
+    JpegCoefficients coefficients_;
     jpeg_error_mgr errors_{};
     jpeg_progress_mgr watch_{};
     jpeg_decompress_struct codec_{};

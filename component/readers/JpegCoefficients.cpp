@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <span>
+#include <utility>
 
 namespace {
 
@@ -33,7 +34,8 @@ struct JpegCoefficients::Array {
     }
 };
 
-JpegCoefficients::JpegCoefficients(LibraryExit& exit) : exit_(exit) {}
+JpegCoefficients::JpegCoefficients(LibraryExit& exit, std::filesystem::path spoolFolder)
+    : exit_(exit), spoolFolder_(std::move(spoolFolder)) {}
 
 JpegCoefficients::~JpegCoefficients() = default;
 
@@ -98,7 +100,7 @@ JBLOCKARRAY JpegCoefficients::Access(Array& array, std::int64_t firstRow, std::i
 
 void JpegCoefficients::MoveWindow(Array& array, std::int64_t firstRow) {
     if (!spool_)
-        spool_ = std::make_unique<SpoolFile>();
+        spool_ = std::make_unique<SpoolFile>(spoolFolder_);
     if (array.changed)
         spool_->Write(array.FileOffset(), array.Bytes());
     // The window may reach the image's last rows, but a request lies in it as a whole.

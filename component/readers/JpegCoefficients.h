@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <memory>
 #include <vector>
 // The library's header needs the C stream type first.
@@ -21,7 +22,7 @@ inline constexpr std::int64_t JpegWindowBytes = std::int64_t{32} << 20;
 /// in a temporary file, which small images never need.
 class JpegCoefficients {
 public:
-    explicit JpegCoefficients(LibraryExit& exit);
+    JpegCoefficients(LibraryExit& exit, std::filesystem::path spoolFolder);
     ~JpegCoefficients();
     JpegCoefficients(const JpegCoefficients&) = delete;
     JpegCoefficients& operator=(const JpegCoefficients&) = delete;
@@ -48,6 +49,7 @@ private:
     LibraryExit& exit_;
     std::exception_ptr failure_;
     std::vector<std::unique_ptr<Array>> arrays_;
+    std::filesystem::path spoolFolder_;
     std::unique_ptr<SpoolFile> spool_; ///< made when the first window moves
     std::int64_t spoolBytes_ = 0;      ///< taken by the arrays so far
 };

@@ -19,7 +19,7 @@ constexpr std::string_view ExifBegin = "Exif\0\0"sv;
 
 class JpegReader : public RowReader {
 public:
-    explicit JpegReader(const std::filesystem::path& path);
+    JpegReader(const std::filesystem::path& path, const std::filesystem::path& spoolFolder);
 
     /// What the file's Exif data ask for; not applied here.
     Orientation StoredOrientation();
@@ -36,7 +36,8 @@ private:
     std::vector<std::uint8_t> inks_; ///< one row of CMYK, four bytes a pixel; empty for other colours
 };
 
-JpegReader::JpegReader(const std::filesystem::path& path) : file_(path), codec_(file_) {
+JpegReader::JpegReader(const std::filesystem::path& path, const std::filesystem::path& spoolFolder)
+    : file_(path), codec_(file_, spoolFolder) {
     const jpeg_decompress_struct& header = codec_.Header();
     CheckImageSize(path, header.image_width, header.image_height);
     info_.width = static_cast<std::int32_t>(header.image_width);
@@ -99,8 +100,9 @@ void JpegReader::MixInks(std::uint8_t* row) const {
 
 } // namespace
 
-std::unique_ptr<RowReader> OpenJpeg(const std::filesystem::path& file) {
-    auto reader = std::make_unique<JpegReader>(file);
+std::unique_ptr<RowReader> OpenJpeg(const std::filesystem::path& file,
+                                    const std::filesystem::path& spoolFolder) {
+    auto reader = std::make_unique<JpegReader>(file, spoolFolder);
     const Orientation orientation = reader->StoredOrientation();
-    return ApplyOrientation(std::move(reader), orientation);
+    return ApplyOrientation(std::move(reader), orientation, spoolFolder);
 }

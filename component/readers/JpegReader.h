@@ -14,4 +14,5 @@
 /// contradict themselves is ImageDamaged, never filled with grey. Memory: a few rows; files of several scans:
 /// at most JpegWindowBytes for each component, the rest of their coefficients in a SpoolFile of 2 bytes a
 /// sample. Throws what OpenImage throws.
-std::unique_ptr<RowReader> OpenJpeg(const std::filesystem::path& file);
+std::unique_ptr<RowReader> OpenJpeg(const std::filesystem::path& file,
+                                    const std::filesystem::path& spoolFolder);

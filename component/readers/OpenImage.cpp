@@ -20,7 +20,8 @@ using namespace std::string_view_literals;
 /// A kind of image file: how its first bytes read, and who reads the rest.
 struct ImageKind {
     std::string_view firstBytes;
-    std::unique_ptr<RowReader> (*open)(const std::filesystem::path&);
+    std::unique_ptr<RowReader> (*open)(const std::filesystem::path& file,
+                                       const std::filesystem::path& spoolFolder);
 };
 
 constexpr std::array Kinds{
@@ -50,9 +51,10 @@ const ImageKind& RecogniseKind(const std::filesystem::path& path) {
 
 } // namespace
 
-std::unique_ptr<RowReader> OpenImage(const std::filesystem::path& file) {
+std::unique_ptr<RowReader> OpenImage(const std::filesystem::path& file,
+                                     const std::filesystem::path& spoolFolder) {
     try {
-        return RecogniseKind(file).open(file);
+        return RecogniseKind(file).open(file, spoolFolder);
     } catch (const std::bad_alloc&) {
         ThrowImageError(ErrorNumber::OutOfMemory, file, "there is not enough memory");
     }

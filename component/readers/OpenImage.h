@@ -11,5 +11,7 @@
 /// stretched between their extremes; colour profiles are not applied; Exif and TIFF orientation are. GIF: the
 /// first frame on the logical screen. TIFF: the first page. Errors: FileNotFound, FileNotReadable (a folder,
 /// a device, no permission), ImageNotReadable (no image, or of a kind that is not read), ImageDamaged,
-/// ImageTooLarge, OutOfMemory.
-std::unique_ptr<RowReader> OpenImage(const std::filesystem::path& file);
+/// ImageTooLarge, OutOfMemory. Pixels that memory should not hold (of interlaced, progressive, turned images)
+/// go through a SpoolFile in `spoolFolder`.
+std::unique_ptr<RowReader> OpenImage(const std::filesystem::path& file,
+                                     const std::filesystem::path& spoolFolder = {});

@@ -19,7 +19,9 @@ std::int32_t PassRows(const ImageInfo& info, int pass) {
 
 } // namespace
 
-PngDeinterlacer::PngDeinterlacer(std::unique_ptr<PngDecoder> decoder) : decoder_(std::move(decoder)) {
+PngDeinterlacer::PngDeinterlacer(std::unique_ptr<PngDecoder> decoder,
+                                 const std::filesystem::path& spoolFolder)
+    : decoder_(std::move(decoder)), spool_(spoolFolder) {
     info_ = decoder_->Info();
     part_ = ImageBuffer(decoder_->Path(), std::int64_t{info_.width} * BytesPerPixel(info_.format));
 }

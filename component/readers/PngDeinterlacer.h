@@ -13,7 +13,7 @@
 /// own begin to its end. Memory: two rows.
 class PngDeinterlacer : public RowReader {
 public:
-    explicit PngDeinterlacer(std::unique_ptr<PngDecoder> decoder);
+    PngDeinterlacer(std::unique_ptr<PngDecoder> decoder, const std::filesystem::path& spoolFolder);
     void ReadRows(std::uint8_t* rows, std::ptrdiff_t stride, std::int32_t count) override;
 
 private:

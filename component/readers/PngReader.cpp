@@ -34,13 +34,14 @@ private:
 
 } // namespace
 
-std::unique_ptr<RowReader> OpenPng(const std::filesystem::path& file) {
+std::unique_ptr<RowReader> OpenPng(const std::filesystem::path& file,
+                                   const std::filesystem::path& spoolFolder) {
     auto decoder = std::make_unique<PngDecoder>(file);
     const Orientation orientation = decoder->StoredOrientation();
     std::unique_ptr<RowReader> reader;
     if (decoder->IsInterlaced())
-        reader = std::make_unique<PngDeinterlacer>(std::move(decoder));
+        reader = std::make_unique<PngDeinterlacer>(std::move(decoder), spoolFolder);
     else
         reader = std::make_unique<PngReader>(std::move(decoder));
-    return ApplyOrientation(std::move(reader), orientation);
+    return ApplyOrientation(std::move(reader), orientation, spoolFolder);
 }

@@ -13,4 +13,5 @@
 /// Any checksum that does not match is ImageDamaged.
 /// Memory: a few rows; interlaced files go through a SpoolFile of width × height pixels.
 /// Throws what OpenImage throws.
-std::unique_ptr<RowReader> OpenPng(const std::filesystem::path& file);
+std::unique_ptr<RowReader> OpenPng(const std::filesystem::path& file,
+                                   const std::filesystem::path& spoolFolder);

@@ -1,6 +1,7 @@
 // Where maps and icons stand that are not saved yet.
 
 #include "tests/component/LibraryFixture.h"
+#include "tests/support/RunProgram.h"
 #include "tests/support/ScopedVariable.h"
 
 #include <fcntl.h>
@@ -122,6 +123,32 @@ TEST_F(LibraryScratch, LiesInTheFolderThatWasNamedLast) {
     const LibraryContent content = ContentOf(*library);
     library->SaveToFile(PathOf("lib.Atlavex"), {});
     ExpectHolds(PathOf("lib.Atlavex"), {}, content);
+}
+
+/// Also what an image that is turned keeps beside memory while it is read.
+TEST_F(LibraryScratch, AndTheTemporaryPixelsOfAnImageLieInTheFolderThatWasNamedLast) {
+    const auto library = NewLibrary();
+    std::filesystem::create_directory(PathOf("other"));
+    library->SetScratchFolder(PathOf("other"));
+    const std::string image = PathOf("turned.png");
+    ASSERT_EQ(RunProgram({"/usr/bin/python3", "-c",
+                          "import sys\nfrom PIL import Image\nexif = Image.Exif()\nexif[0x0112] = 6\n"
+                          "Image.new('RGB', (30, 20)).save(sys.argv[1], exif=exif)",
+                          image})
+                  .status,
+              0);
+    std::vector<std::filesystem::path> places;
+    library->OnProgressBegin = [&](float, AtlavexLibrary&) {
+        for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+            std::error_code gone;
+            const std::filesystem::path file = std::filesystem::read_symlink(entry.path(), gone);
+            if (file.filename().string().starts_with("quorvant-image-"))
+                places.push_back(file.parent_path());
+        }
+    };
+    library->AddMapFromImageFile(image, "turned", 64, 64);
+    library->AddIconFromImageFile(image, "turned");
+    EXPECT_EQ(places, (std::vector<std::filesystem::path>{PathOf("other"), PathOf("other")}));
 }
 
 TEST_F(LibraryScratch, LiesInTheCacheFolderWhereTheNamedOneTakesNoFile) {

@@ -32,7 +32,7 @@ void CheckTheme(const std::string& theme, Tolerance tolerance = {}) {
 /// The error that reading the whole file ends in, if any.
 std::optional<ErrorNumber> ErrorOf(const std::filesystem::path& file) {
     try {
-        const auto reader = OpenTiff(file);
+        const auto reader = OpenTiff(file, {});
         // A damaged file may claim any size; rows enough to come by its damage.
         const ImageInfo& info = reader->Info();
         const std::int64_t rowBytes = std::int64_t{info.width} * BytesPerPixel(info.format);
@@ -118,7 +118,7 @@ TEST(Tiff, LargePlatesOfFewBytesAreReadAndCanBeCancelled) {
     const std::pair<const char*, std::uint8_t> plates[] = {{"g4.tif", 255}, {"zstd.tif", 7}};
     for (const auto& [name, shade] : plates) {
         SCOPED_TRACE(name);
-        const auto reader = OpenTiff(folder / name);
+        const auto reader = OpenTiff(folder / name, {});
         std::vector<std::uint8_t> row(static_cast<std::size_t>(reader->Info().width));
         const std::vector<std::uint8_t> expected(row.size(), shade);
         std::int32_t differing = 0;
@@ -128,7 +128,7 @@ TEST(Tiff, LargePlatesOfFewBytesAreReadAndCanBeCancelled) {
         }
         EXPECT_EQ(differing, 0);
         // Every single row looks whether the work was given up.
-        const auto cancelled = OpenTiff(folder / name);
+        const auto cancelled = OpenTiff(folder / name, {});
         Progress progress;
         cancelled->WatchForCancel(progress);
         cancelled->ReadRows(row.data(), static_cast<std::ptrdiff_t>(row.size()), 1);
@@ -146,7 +146,7 @@ TEST(Tiff, StretchedSamplesAreRemarkedOn) {
     const TempFolder folder;
     RunScript("make_tiffs.py", {"stretched", folder.Path().string()});
     const auto file = folder / "heights.tif";
-    const auto reader = OpenTiff(file);
+    const auto reader = OpenTiff(file, {});
     ReadAllRows(*reader);
     ASSERT_EQ(reader->Remarks().size(), 1U);
     EXPECT_EQ(reader->Remarks().front(), "The signed samples of the image '" + file.string() +
@@ -178,7 +178,7 @@ TEST(Tiff, TheOrientationIsThatOfAnotherReader) {
     for (int orientation = 1; orientation <= 8; ++orientation) {
         const auto file = folder / ("turned-" + std::to_string(orientation) + ".tif");
         EXPECT_TRUE(SamePixels(DecodeWithEngine(file), DecodeWithImageMagick(file))) << orientation;
-        EXPECT_EQ(static_cast<int>(OpenTiff(file)->Info().orientation), orientation);
+        EXPECT_EQ(static_cast<int>(OpenTiff(file, {})->Info().orientation), orientation);
     }
 }
 
@@ -200,7 +200,7 @@ TEST(Tiff, PixelsKeepTheirFormat) {
         {"P-packbits", PixelFormat::Palette}, {"RGB-zstd", PixelFormat::Rgb},
         {"RGBA-tiff_lzw", PixelFormat::Rgba}, {"LA-lzma", PixelFormat::Rgba}};
     for (const auto& [name, format] : cases)
-        EXPECT_EQ(OpenTiff(folder / (std::string(name) + ".tif"))->Info().format, format) << name;
+        EXPECT_EQ(OpenTiff(folder / (std::string(name) + ".tif"), {})->Info().format, format) << name;
 }
 
 TEST(Tiff, CielabIsConvertedByThePublishedFormulas) {
@@ -386,7 +386,7 @@ TEST(Tiff, WhatIsNotReadIsSaidWithTheReason) {
     for (const auto& [bytes, reason] : cases) {
         WriteWholeFile(file, bytes);
         try {
-            OpenTiff(file);
+            OpenTiff(file, {});
             ADD_FAILURE() << reason;
         } catch (const ComponentError& error) {
             EXPECT_NE(error.Description().find(reason), std::string::npos) << error.Description();

@@ -36,8 +36,9 @@ void MirroredReader::ReadRows(std::uint8_t* rows, std::ptrdiff_t stride, std::in
         MirrorRow(rows, info_);
 }
 
-FlippedReader::FlippedReader(std::unique_ptr<RowReader> stored, Orientation orientation)
-    : stored_(std::move(stored)) {
+FlippedReader::FlippedReader(std::unique_ptr<RowReader> stored, Orientation orientation,
+                             const std::filesystem::path& spoolFolder)
+    : stored_(std::move(stored)), spool_(spoolFolder) {
     info_ = stored_->Info();
     info_.orientation = orientation;
     ShareRemarksOf(*stored_);

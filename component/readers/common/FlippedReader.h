@@ -20,7 +20,8 @@ private:
 /// The last stored row first: BottomLeft, or BottomRight, which mirrors the rows as well.
 class FlippedReader : public RowReader {
 public:
-    FlippedReader(std::unique_ptr<RowReader> stored, Orientation orientation);
+    FlippedReader(std::unique_ptr<RowReader> stored, Orientation orientation,
+                  const std::filesystem::path& spoolFolder);
     void ReadRows(std::uint8_t* rows, std::ptrdiff_t stride, std::int32_t count) override;
     void WatchForCancel(const Progress& progress) override;
 

@@ -2,13 +2,13 @@
 
 #include "base/ComponentError.h"
 
+#include <fcntl.h>
 #include <sodium.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 #include <system_error>
 
@@ -53,6 +53,23 @@ void ReadAt(int descriptor, std::int64_t offset, std::span<std::uint8_t> bytes) 
     }
 }
 
+std::filesystem::path UserTemporaryFolder() {
+    std::error_code error;
+    std::filesystem::path folder = std::filesystem::temp_directory_path(error);
+    if (error)
+        ThrowWriteError(error.value());
+    return folder;
+}
+
+/// A file that has lost its name at once; not open where none can be made, with the reason in errno.
+FileDescriptor MakeNameless(const std::filesystem::path& folder) {
+    std::string name = (folder / "quorvant-image-XXXXXX").string();
+    FileDescriptor descriptor(mkostemp(name.data(), O_CLOEXEC));
+    if (descriptor.IsOpen())
+        unlink(name.c_str());
+    return descriptor;
+}
+
 /// The part of `length` bytes from the offset on that lies in one block.
 std::size_t PartInBlock(std::int64_t offset, std::size_t length) {
     return std::min(length, static_cast<std::size_t>(Block - offset % Block));
@@ -60,20 +77,18 @@ std::size_t PartInBlock(std::int64_t offset, std::size_t length) {
 
 } // namespace
 
-SpoolFile::SpoolFile() {
+SpoolFile::SpoolFile(const std::filesystem::path& folder) {
     if (sodium_init() < 0)
         throw ComponentError(ErrorNumber::Failed, "The encryption library could not be started.");
     randombytes_buf(key_.data(), key_.size());
     randombytes_buf(nonce_.data(), nonce_.size());
-    std::error_code error;
-    const std::filesystem::path folder = std::filesystem::temp_directory_path(error);
-    if (error)
-        ThrowWriteError(error.value());
-    std::string name = (folder / "quorvant-image-XXXXXX").string();
-    descriptor_ = FileDescriptor(mkstemp(name.data()));
+    if (!folder.empty())
+        descriptor_ = MakeNameless(folder);
+    const int error = errno;
     if (!descriptor_.IsOpen())
-        ThrowWriteError(errno);
-    unlink(name.c_str());
+        descriptor_ = MakeNameless(UserTemporaryFolder());
+    if (!descriptor_.IsOpen())
+        ThrowWriteError(folder.empty() ? errno : error);
 }
 
 SpoolFile::~SpoolFile() {

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <filesystem>
 #include <span>
 #include <vector>
 
@@ -13,8 +14,9 @@
 /// written read as 0 and take no space. One thread at a time.
 class SpoolFile {
 public:
-    /// Makes it in the user's temporary folder. Throws FileNotWritable or DiskFull.
-    SpoolFile();
+    /// Makes it in this folder; empty, or no place to make a file in: the user's temporary folder. Throws
+    /// FileNotWritable or DiskFull, as stood in the way at the first of them.
+    explicit SpoolFile(const std::filesystem::path& folder);
     ~SpoolFile();
     SpoolFile(const SpoolFile&) = delete;
     SpoolFile& operator=(const SpoolFile&) = delete;

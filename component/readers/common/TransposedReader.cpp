@@ -35,8 +35,9 @@ std::int32_t ColumnsOfAStrip(const ImageInfo& stored) {
 
 } // namespace
 
-TransposedReader::TransposedReader(std::unique_ptr<RowReader> stored, Orientation orientation)
-    : stored_(std::move(stored)), stripColumns_(ColumnsOfAStrip(stored_->Info())),
+TransposedReader::TransposedReader(std::unique_ptr<RowReader> stored, Orientation orientation,
+                                   const std::filesystem::path& spoolFolder)
+    : stored_(std::move(stored)), spool_(spoolFolder), stripColumns_(ColumnsOfAStrip(stored_->Info())),
       columnsBackwards_(orientation == Orientation::RightBottom || orientation == Orientation::LeftBottom),
       rowsBackwards_(orientation == Orientation::RightTop || orientation == Orientation::RightBottom) {
     info_ = stored_->Info();

@@ -14,7 +14,8 @@
 /// as large as TurnBufferBytes allows, so that every read and write is long.
 class TransposedReader : public RowReader {
 public:
-    TransposedReader(std::unique_ptr<RowReader> stored, Orientation orientation);
+    TransposedReader(std::unique_ptr<RowReader> stored, Orientation orientation,
+                     const std::filesystem::path& spoolFolder);
     void ReadRows(std::uint8_t* rows, std::ptrdiff_t stride, std::int32_t count) override;
     void WatchForCancel(const Progress& progress) override;
 

@@ -73,8 +73,10 @@ private:
 
 } // namespace
 
-std::unique_ptr<RowReader> OpenTiff(const std::filesystem::path& file) {
+std::unique_ptr<RowReader> OpenTiff(const std::filesystem::path& file,
+                                    const std::filesystem::path& spoolFolder) {
     auto tiff = std::make_unique<TiffFile>(file);
     const TiffLayout layout = ReadTiffLayout(*tiff);
-    return ApplyOrientation(std::make_unique<TiffReader>(std::move(tiff), layout), layout.orientation);
+    return ApplyOrientation(std::make_unique<TiffReader>(std::move(tiff), layout), layout.orientation,
+                            spoolFolder);
 }

@@ -16,4 +16,5 @@
 ///
 /// Memory: one strip of up to 2 MB (longer ones are read by rows), or one row of tiles (up to 512 MB), and a
 /// strip as it is stored, for libtiff reads compressed strips whole. Errors as OpenImage.
-std::unique_ptr<RowReader> OpenTiff(const std::filesystem::path& file);
+std::unique_ptr<RowReader> OpenTiff(const std::filesystem::path& file,
+                                    const std::filesystem::path& spoolFolder);
