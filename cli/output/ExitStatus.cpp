@@ -11,7 +11,7 @@ struct StatusRow {
 };
 
 // What is not listed is ExitStatus::Failed.
-constexpr std::array<StatusRow, 8> StatusRows{{
+constexpr std::array<StatusRow, 9> StatusRows{{
     {ErrorNumber::FileDamaged, ExitStatus::FileDamaged},
     {ErrorNumber::FileChanged, ExitStatus::FileChanged},
     {ErrorNumber::ImageNotReadable, ExitStatus::ImageNotReadable},
@@ -20,6 +20,7 @@ constexpr std::array<StatusRow, 8> StatusRows{{
     {ErrorNumber::MapNotScaled, ExitStatus::MapNotScaled},
     {ErrorNumber::UnknownGrid, ExitStatus::Usage},
     {ErrorNumber::UnknownZone, ExitStatus::Usage},
+    {ErrorNumber::UnknownDatum, ExitStatus::Usage},
 }};
 
 } // namespace

@@ -96,8 +96,8 @@ TEST_F(Maps, ScalingMistakesAreFoundBeforeTheImageIsRead) {
     const Words add{"add-map", library, image};
     const Words points{"--point", "0,0=9,48", "--point", "0,9=9,47", "--point", "9,9=10,47"};
     ExpectFailure(2, add + points + Words{"--grid", "Nowhere Grid"}, "Nowhere Grid");
-    ExpectFailure(1, add + points + Words{"--datum", "Nowhere"}, "Nowhere");
-    ExpectFailure(1, add + points + Words{"--datum", "wgs84"}, "wgs84");
+    ExpectFailure(2, add + points + Words{"--datum", "Nowhere"}, "Nowhere");
+    ExpectFailure(2, add + points + Words{"--datum", "wgs84"}, "wgs84");
     for (const char* zone : {"0", "61", "-1", "x", "1.5", "99999999999"})
         ExpectFailure(2, add + points + Words{"--grid", "UTM (etrs89)", "--zone", zone}, zone);
     ExpectFailure(2, add + points + Words{"--grid", "UTM (etrs89)"}, "zone");
