@@ -21,8 +21,7 @@ public:
 
     /// Compresses `raw` into `out`, which holds at least Bound(raw.size()) bytes; answers the length of the
     /// stream. Throws Failed when the compressor refuses, which no content makes it do. With a progress, the
-    /// bytes are added to it in steps and its cancel is seen between them, as far as the library works in
-    /// steps: ISA-L does, libdeflate sees it before and after.
+    /// bytes are added to it in steps of a megabyte and its cancel is seen between them.
     std::size_t Compress(std::span<const std::uint8_t> raw, std::span<std::uint8_t> out,
                          Progress* progress = nullptr);
 

@@ -1,6 +1,7 @@
 #include "component/tiles/TileCodec.h"
 
 #include "base/ComponentError.h"
+#include "component/tiles/LargePicture.h"
 #include "component/tiles/PngChunks.h"
 #include "component/tiles/PngFilters.h"
 #include "component/tiles/ScreenPixels.h"
@@ -13,7 +14,9 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <stop_token>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -198,6 +201,28 @@ TEST(TileCodec, OneEncoderServesManyTilesOfAnySize) {
             const auto png = encoder.Encode(sample.view);
             EXPECT_EQ(Decoded({png.begin(), png.end()}, side, side, BytesPerPixel(format)), sample.pixels);
         }
+}
+
+TEST(TileCodec, APictureThatIsCompressedInStepsIsTheSameAndCanBeCancelledBetweenThem) {
+    constexpr std::int32_t Side = 2000;
+    const Sample sample(PixelFormat::Rgb, Side, Side, true);
+    Progress progress;
+    const Bytes png = EncodeInSteps(sample.view, progress);
+    EXPECT_TRUE(DecodedByLibpng(png, Side, Side) == AsRgba(sample));
+    EXPECT_EQ(progress.Done(), std::int64_t{Side} * (3 * Side + 1));
+    Progress cancelled;
+    cancelled.Cancel();
+    EXPECT_THROW(EncodeInSteps(sample.view, cancelled), ComponentError);
+    EXPECT_EQ(cancelled.Done(), 0);
+    // From another thread, as soon as the first step is done.
+    Progress running;
+    std::jthread user([&running](const std::stop_token& end) {
+        while (running.Done() == 0 && !end.stop_requested())
+            std::this_thread::yield();
+        running.Cancel();
+    });
+    EXPECT_THROW(EncodeInSteps(sample.view, running), ComponentError);
+    EXPECT_LT(running.Done(), progress.Done());
 }
 
 TEST(TileCodec, TheFileHasOneIdatAndAPaletteNoLongerThanItsTileNeeds) {
