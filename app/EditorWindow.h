@@ -41,8 +41,8 @@ public:
 
     /// Refills ddMaps (ddIcons) with the names in library order and selects the entry, which becomes current
     /// and is shown; -1 or an entry that is not there: none is selected and the current object stays as it
-    /// is. Says nothing of the scaled flag and asks nothing; an icon that is damaged is said and not
-    /// selected. Ends with EnableMenus.
+    /// is. Says nothing of the scaled flag and asks nothing; what cannot be shown is said
+    /// and not selected. Ends with EnableMenus.
     virtual void RefillMaps(int select) = 0;
     virtual void RefillIcons(int select) = 0;
     /// Makes the entry current and shows it, as if it had been chosen, without the rule about unscaled maps.

@@ -13,10 +13,11 @@ public:
     /// The "name" metadata; when that is empty, the name given when the icon was added.
     virtual std::string Name() const = 0;
 
-    /// The icon's picture. Throws FileDamaged when the stored picture does not match its digest.
+    /// The icon's picture; hatched when the stored one does not match its digest, so that a damaged icon can
+    /// still be seen, renamed and removed.
     virtual std::shared_ptr<const AtlavexImage> Image() = 0;
 
-    /// The icon's picture as a PNG file. Throws as Image.
+    /// The icon's picture as a PNG file. Throws FileDamaged when it does not match its digest.
     virtual std::vector<std::uint8_t> PngFile() = 0;
 
     /// Displacement of the icon from its position in pixels: positive X moves it right, positive Y down,

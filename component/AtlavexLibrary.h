@@ -101,9 +101,9 @@ public:
     /// Whether that file is sealed under a key.
     virtual bool IsSealed() const = 0;
 
-    // Raised on the caller's thread from inside load, save, merge, adding a map, reading all pixels, verify
-    // and export. Amounts are in one unit, whatever it is, the same for total and done. OnProgressEnd follows
-    // every OnProgressBegin, also after a failure.
+    // Raised on the caller's thread from inside load, save, compacting, merge, adding a map or an icon,
+    // reading all pixels, verify and export. Amounts are in one unit, whatever it is, the same for total and
+    // done. OnProgressEnd follows every OnProgressBegin, also after a failure.
     std::function<void(float total, AtlavexLibrary& library)> OnProgressBegin;
     std::function<void(float done)> OnProgress;
     std::function<void()> OnProgressEnd;
