@@ -327,6 +327,47 @@ def make_large_strips(folder):
             write_truth(file, rgba_of(*(picture[..., i] for i in range(3))))
 
 
+def make_large_blocks(folder):
+    """Tiles of more than libtiff is to take into memory as wholes, in each coder that is unpacked
+    without it, with runs, repeats and noise; one tile reaches beyond the picture and one is left out."""
+    random = numpy.random.default_rng(9)
+    width, height = 2200, 2100
+    picture = random.integers(0, 256, (3, height, width), numpy.uint8)
+    picture[:, 300:900] //= 64
+    picture[:, 900:1500] = numpy.arange(width) // 100
+    picture[:, :, 2048:] = 0
+    memory = in_memory(*picture)
+    tiles = ["TILED=YES", "BLOCKXSIZE=2048", "BLOCKYSIZE=2048"]
+    coders = {"NONE": [1], "PACKBITS": [1], "LZW": [1, 2], "DEFLATE": [1, 2], "ZSTD": [1, 2]}
+
+    def put(name, memory, truth, *options):
+        file = os.path.join(folder, name + ".tif")
+        save_gdal(file, memory, "SPARSE_OK=TRUE", *options)
+        write_truth(file, truth)
+
+    for coder, predictors in coders.items():
+        for predictor in predictors:
+            coding = [f"COMPRESS={coder}"] + ([f"PREDICTOR={predictor}"] if predictor > 1 else [])
+            put(f"tiles-{coder}-{predictor}", memory, rgba_of(*picture), "PHOTOMETRIC=RGB", *tiles, *coding)
+    put("planes", memory, rgba_of(*picture), "PHOTOMETRIC=RGB", "INTERLEAVE=BAND", "COMPRESS=LZW", *tiles)
+    deep = picture[0].astype(numpy.uint16) * 256 + picture[1]
+    grey = rgba_of(((deep.astype(numpy.uint32) * 255 + 32767) // 65535).astype(numpy.uint8))
+    memory = gdal.GetDriverByName("MEM").Create("", width, height, 1, gdal.GDT_UInt16)
+    memory.GetRasterBand(1).WriteArray(deep)
+    for order in "LITTLE", "BIG":
+        put(f"deep-{order}", memory, grey, "COMPRESS=DEFLATE", "PREDICTOR=2", f"ENDIANNESS={order}", *tiles)
+
+
+def make_long_strips(folder):
+    """One strip of more stored bytes than libtiff is to take into memory, of noise that no coder makes small."""
+    large = numpy.random.default_rng(10).integers(0, 256, (3, 2400, 2400), numpy.uint8)
+    memory = in_memory(*large)
+    for coder in "NONE", "PACKBITS", "LZW", "DEFLATE", "ZSTD":
+        file = os.path.join(folder, f"strip-{coder}.tif")
+        save_gdal(file, memory, "PHOTOMETRIC=RGB", "BLOCKYSIZE=2400", f"COMPRESS={coder}")
+        write_truth(file, rgba_of(*large))
+
+
 def make_turned(folder):
     rgb = test_picture(WIDTH, HEIGHT)
     for orientation in range(1, 9):

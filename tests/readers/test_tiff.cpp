@@ -47,6 +47,16 @@ std::optional<ErrorNumber> ErrorOf(const std::filesystem::path& file) {
     return std::nullopt;
 }
 
+/// What reading the whole file ends in.
+std::string SentenceOf(const std::filesystem::path& file) {
+    try {
+        ReadAllRows(*OpenTiff(file));
+    } catch (const ComponentError& error) {
+        return error.Description();
+    }
+    return {};
+}
+
 bool IsOrderly(std::optional<ErrorNumber> error) {
     return !error || error == ErrorNumber::ImageDamaged || error == ErrorNumber::ImageNotReadable ||
            error == ErrorNumber::ImageTooLarge || error == ErrorNumber::OutOfMemory;
@@ -162,6 +172,58 @@ TEST(Tiff, AlphaExtraSamplesAndInksAreReadAsTheirTagsSay) {
 TEST(Tiff, LargeStripsAreReadRowByRow) {
     CheckTheme("large-strips");
 }
+TEST(Tiff, LargeTilesAndLongStoredStripsAreReadRowByRow) {
+    CheckTheme("large-blocks");
+    CheckTheme("long-strips");
+}
+
+TEST(Tiff, LongStoredStripsThatAreCutOrOverwrittenAreDamaged) {
+    const TempFolder folder;
+    RunScript("make_tiffs.py", {"long-strips", folder.Path().string()});
+    int files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.Path())) {
+        const std::string name = entry.path().filename().string();
+        if (entry.path().extension() != ".tif")
+            continue;
+        ++files;
+        SCOPED_TRACE(name);
+        std::string bytes = ReadWholeFile(entry.path());
+        if (name == "strip-LZW.tif") { // in others noise stands as it is, and any bytes mean something
+            std::string overwritten = bytes;
+            std::fill_n(overwritten.begin() + static_cast<std::ptrdiff_t>(bytes.size() / 2), 500, '\xff');
+            WriteWholeFile(folder / "damaged.tiff", overwritten);
+            EXPECT_EQ(ErrorOf(folder / "damaged.tiff"), ErrorNumber::ImageDamaged);
+        }
+        bytes.resize(bytes.size() / 2);
+        WriteWholeFile(folder / "damaged.tiff", bytes);
+        EXPECT_EQ(ErrorOf(folder / "damaged.tiff"), ErrorNumber::ImageDamaged);
+    }
+    EXPECT_EQ(files, 5);
+}
+
+TEST(Tiff, ATileAsLargeAsTheSheetNeedsNoMemoryForItAndCanBeCancelled) {
+    // 30,000 x 30,000 pixels of nothing, of which the file holds no byte on the disk.
+    const TempFolder folder;
+    const auto file = folder / "sheet.tif";
+    const std::vector<Tag> tags = {{256, 30'000}, {257, 30'000},     {258, 8},      {259, 1},
+                                   {262, 1},      {277, 1},          {322, 30'000}, {323, 30'000},
+                                   {324, 4096},   {325, 900'000'000}};
+    WriteWholeFile(file, TiffOf(tags));
+    std::filesystem::resize_file(file, 4096 + 900'000'000);
+    const auto reader = OpenTiff(file);
+    std::vector<std::uint8_t> row(30'000, 1);
+    Progress progress;
+    reader->WatchForCancel(progress);
+    for (std::int32_t y = 0; y < 15'000; ++y)
+        reader->ReadRows(row.data(), std::ssize(row), 1);
+    EXPECT_EQ(row, std::vector<std::uint8_t>(30'000, 0));
+    progress.Cancel();
+    EXPECT_THROW(reader->ReadRows(row.data(), std::ssize(row), 1), ComponentError);
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    EXPECT_LT(usage.ru_maxrss, 700 * 1024) << "KiB";
+}
+
 TEST(Tiff, TheOrientationIsApplied) {
     CheckTheme("turned");
 }
@@ -391,5 +453,76 @@ TEST(Tiff, WhatIsNotReadIsSaidWithTheReason) {
         } catch (const ComponentError& error) {
             EXPECT_NE(error.Description().find(reason), std::string::npos) << error.Description();
         }
+    }
+}
+
+TEST(Tiff, ATagOfNoUseIsPassedOverAndNotBlamedForWhatElseIsBroken) {
+    const TempFolder folder;
+    const auto file = folder / "tagged.tiff";
+    // A tag of a maker's own, as long as the file is not.
+    const std::vector<Tag> tags = {{256, 8}, {257, 8}, {258, 8}, {259, 1},  {262, 1},
+                                   {273, 8}, {277, 1}, {278, 8}, {279, 64}, {65000, 1'000'000}};
+    std::string bytes = TiffOf(tags);
+    const std::size_t count = 8 + 2 + 9 * 12 + 4;
+    bytes.replace(count, 4, std::string("\0\0\1\0", 4)); // values, where the last tag says one
+    WriteWholeFile(file, bytes);
+    EXPECT_EQ(ErrorOf(file), std::nullopt);
+    const std::size_t strip = 8 + 2 + 5 * 12 + 8;
+    bytes.replace(strip, 4, std::string("\0\0\0\1", 4)); // now the pixels lie beyond the end, too
+    WriteWholeFile(file, bytes);
+    const std::string sentence = SentenceOf(file);
+    EXPECT_NE(sentence.find("strip"), std::string::npos) << sentence;
+    EXPECT_EQ(sentence.find("65000"), std::string::npos) << sentence;
+}
+
+TEST(Tiff, WhatTheLibrarySaysOfABrokenFileStandsInTheSentence) {
+    const TempFolder folder;
+    const auto file = folder / "broken.tiff";
+    const std::vector<Tag> whole = {{256, 8}, {257, 8}, {258, 8}, {259, 1}, {262, 1},
+                                    {273, 8}, {277, 1}, {278, 8}, {279, 64}};
+    const std::vector<Tag> withoutLength = {{256, 8}, {258, 8}, {259, 1}, {262, 1},
+                                            {273, 8}, {277, 1}, {278, 8}};
+    const std::vector<Tag> withoutStrips = {{256, 8}, {257, 8}, {258, 8}, {259, 1}, {262, 1}, {277, 1}};
+    std::string elsewhere = TiffOf(whole);
+    elsewhere.replace(4, 4, std::string("\0\0\0\1", 4)); // the first page lies beyond the end
+    const std::pair<std::string, std::string> cases[] = {{TiffOf(withoutLength), "number of strips"},
+                                                         {TiffOf(withoutStrips), "StripOffsets"},
+                                                         {elsewhere, "directory"}};
+    for (const auto& [bytes, reason] : cases) {
+        WriteWholeFile(file, bytes);
+        const std::string sentence = SentenceOf(file);
+        EXPECT_NE(sentence.find(reason), std::string::npos) << sentence;
+    }
+}
+
+TEST(Tiff, ColoursThatTheLibraryDoesNotConvertAreNamed) {
+    const TempFolder folder;
+    const auto file = folder / "deep.tiff";
+    WriteWholeFile(
+        file,
+        TiffOf({{256, 4}, {257, 4}, {258, 16}, {259, 1}, {262, 6}, {273, 8}, {277, 3}, {278, 4}, {279, 96}},
+               0, 96));
+    const std::string sentence = SentenceOf(file);
+    EXPECT_NE(sentence.find("YCbCr pixels of 3 samples of 16 bits"), std::string::npos) << sentence;
+    EXPECT_EQ(sentence.find("Sorry"), std::string::npos) << sentence;
+}
+
+TEST(Tiff, CompressionsAreNamed) {
+    const TempFolder folder;
+    const auto file = folder / "coded.tiff";
+    const std::pair<std::uint32_t, std::string> cases[] = {
+        {34712, "JPEG 2000"}, {34715, "JBIG2"}, {50002, "JPEG XL"}, {34934, "JPEG XR"}};
+    for (const auto& [number, name] : cases) {
+        WriteWholeFile(file, TiffOf({{256, 8},
+                                     {257, 8},
+                                     {258, 8},
+                                     {259, number},
+                                     {262, 1},
+                                     {273, 8},
+                                     {277, 1},
+                                     {278, 8},
+                                     {279, 64}}));
+        const std::string sentence = SentenceOf(file);
+        EXPECT_NE(sentence.find("its compression (" + name + ") is not read"), std::string::npos) << sentence;
     }
 }

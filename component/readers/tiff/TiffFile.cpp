@@ -85,8 +85,13 @@ std::uint32_t TiffFile::Tag32(std::uint32_t tag, std::uint32_t otherwise) const 
     return TIFFGetFieldDefaulted(handle_.get(), tag, &value) == 1 ? value : otherwise;
 }
 
+std::size_t TiffFile::ReadAt(std::int64_t offset, std::span<std::uint8_t> bytes) {
+    file_.Seek(offset);
+    return file_.ReadSome(bytes);
+}
+
 void TiffFile::Check(bool succeeded) const {
-    if (!succeeded || !complaint_.empty())
+    if (!succeeded || stopped_ || !complaint_.empty())
         ThrowComplaint();
 }
 
@@ -97,6 +102,8 @@ void TiffFile::ForgetComplaints() {
 }
 
 void TiffFile::ThrowComplaint() const {
+    if (stopped_)
+        std::rethrow_exception(stopped_);
     if (!complaint_.empty())
         ThrowDamaged(Path(), complaint_);
     ThrowDamaged(Path(), hint_.empty() ? "its TIFF structure is broken"
@@ -125,18 +132,33 @@ int TiffFile::OnWarning(::TIFF*, void* self, const char* module, const char* for
     return 1;
 }
 
+/// A strip may be long: libtiff reads it in one go.
+std::size_t TiffFile::ReadOn(std::span<std::uint8_t> bytes) {
+    constexpr std::size_t MostBetweenPauses = std::size_t{1} << 20;
+    file_.Seek(position_);
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        if (pause_)
+            pause_();
+        const auto part = bytes.subspan(done).first(std::min(MostBetweenPauses, bytes.size() - done));
+        const std::size_t got = file_.ReadSome(part);
+        done += got;
+        if (got < part.size())
+            break;
+    }
+    position_ += static_cast<std::int64_t>(done);
+    return done;
+}
+
 tmsize_t TiffFile::OnRead(thandle_t self, void* bytes, tmsize_t count) {
     auto* tiff = static_cast<TiffFile*>(self);
     // No exception may pass through libtiff's frames.
     try {
-        tiff->file_.Seek(tiff->position_);
-        const std::size_t got =
-            tiff->file_.ReadSome({static_cast<std::uint8_t*>(bytes), static_cast<std::size_t>(count)});
-        tiff->position_ += static_cast<std::int64_t>(got);
-        return static_cast<tmsize_t>(got);
-    } catch (const ComponentError& error) {
-        if (tiff->complaint_.empty())
-            tiff->complaint_ = error.what();
+        return static_cast<tmsize_t>(
+            tiff->ReadOn({static_cast<std::uint8_t*>(bytes), static_cast<std::size_t>(count)}));
+    } catch (...) {
+        if (!tiff->stopped_)
+            tiff->stopped_ = std::current_exception();
         return -1;
     }
 }

@@ -6,9 +6,13 @@
 
 #include <cstdarg>
 #include <cstdint>
+#include <exception>
 #include <filesystem>
+#include <functional>
 #include <memory>
+#include <span>
 #include <string>
+#include <utility>
 
 /// A TIFF file opened through libtiff at its first page. Bytes come from an ImageFile, never from a memory
 /// map: another program that shortens the file would end this one. libtiff's complaints stay with the object,
@@ -23,6 +27,12 @@ public:
     ::TIFF* Handle() const { return handle_.get(); }
     const std::filesystem::path& Path() const { return file_.Path(); }
     std::int64_t Size() const { return file_.Size(); }
+
+    /// Stored bytes from a place in the file, as many as there are. Throws FileNotReadable.
+    std::size_t ReadAt(std::int64_t offset, std::span<std::uint8_t> bytes);
+    /// Called now and then while libtiff reads; what it throws comes out of the next Check.
+    void PauseWith(std::function<void()> pause) { pause_ = std::move(pause); }
+    const std::function<void()>& Pause() const { return pause_; }
 
     /// A tag of one number, or the standard's default, or else `otherwise`.
     std::uint16_t Tag16(std::uint32_t tag, std::uint16_t otherwise) const;
@@ -43,6 +53,7 @@ private:
     };
 
     void Open();
+    std::size_t ReadOn(std::span<std::uint8_t> bytes);
 
     static int OnError(::TIFF*, void* self, const char* module, const char* format, std::va_list arguments);
     static int OnWarning(::TIFF*, void* self, const char* module, const char* format, std::va_list arguments);
@@ -55,5 +66,7 @@ private:
     std::string complaint_;
     std::string hint_; ///< the last thing that was said and is no complaint
     bool colourMapLost_ = false;
+    std::function<void()> pause_;
+    std::exception_ptr stopped_;            ///< what ended the reading: a pause, or the system
     std::unique_ptr<::TIFF, Close> handle_; ///< last, for closing it calls back
 };

@@ -24,6 +24,7 @@ public:
         if (info_.format == PixelFormat::Palette)
             info_.palette = palette;
         file_->ForgetComplaints();
+        file_->PauseWith([this] { ThrowIfCancelled(); });
         if (layout.colour == TiffColour::Converted) {
             converted_ = std::make_unique<TiffConverted>(*file_, layout);
         } else {

@@ -1,6 +1,7 @@
 #include "component/readers/tiff/TiffRows.h"
 
 #include "component/readers/common/ImageError.h"
+#include "component/readers/tiff/TiffStreamedRows.h"
 
 #include <algorithm>
 
@@ -12,17 +13,18 @@ namespace {
 constexpr std::int64_t MostStripBytes = std::int64_t{2} << 20;
 constexpr std::int64_t MostStripPixels = std::int64_t{4} << 20;
 
-/// A row of tiles must be in memory at a time; a sheet of a gigapixel needs some 25 MB, 100,000 pixels of
-/// 16-bit RGB in tiles of 512 some 300 MB.
+/// Strips that take more bytes as stored are no longer read into memory to be unpacked.
+constexpr std::uint64_t MostStoredBytes = std::uint64_t{16} << 20;
+
+/// Tiles up to this size are unpacked as wholes, as strips are.
+constexpr std::int64_t MostTileBytes = std::int64_t{4} << 20;
+
+/// A row of tiles must be in memory at a time where they are unpacked as wholes; a sheet of a gigapixel needs
+/// some 25 MB, 100,000 pixels of 16-bit RGB in tiles of 512 some 300 MB.
 constexpr std::int64_t MostTileRowBytes = std::int64_t{512} << 20;
 
 /// The longest row of a plane: 64 million pixels of 16-bit RGBA.
 constexpr std::int64_t MostRowBytes = std::int64_t{512} << 20;
-
-/// Whether a writer has left the block out because nothing is in it; it reads as zeros.
-bool IsLeftOut(::TIFF* tiff, std::uint32_t block) {
-    return TIFFGetStrileOffset(tiff, block) == 0 && TIFFGetStrileByteCount(tiff, block) == 0;
-}
 
 /// Every row by itself. Rows of separate planes lie far apart, and a coder cannot jump: each plane is read
 /// through a file of its own.
@@ -33,6 +35,7 @@ public:
         for (int plane = 1; plane < layout.Planes(); ++plane) {
             auto own = std::make_unique<TiffFile>(file.Path());
             own->ForgetComplaints();
+            own->PauseWith(file.Pause());
             TiffFile* const at = own.get();
             planes_.push_back({at, std::move(own), {}});
         }
@@ -102,7 +105,7 @@ private:
         const auto strip = static_cast<std::uint32_t>(plane * perPlane + row_ / layout_.blockHeight);
         const std::int64_t bytes = std::min<std::int64_t>(bandRows_, layout_.height - row_) * rowBytes_;
         std::vector<std::uint8_t>& band = bands_[static_cast<std::size_t>(plane)];
-        if (IsLeftOut(file_.Handle(), strip))
+        if (IsTiffBlockLeftOut(file_, strip))
             std::fill(band.begin(), band.end(), std::uint8_t{0});
         else
             file_.Check(TIFFReadEncodedStrip(file_.Handle(), strip, band.data(), bytes) == bytes);
@@ -120,7 +123,7 @@ private:
 
     void ReadTile(std::uint32_t tile) {
         const auto bytes = static_cast<tmsize_t>(block_.size());
-        if (IsLeftOut(file_.Handle(), tile))
+        if (IsTiffBlockLeftOut(file_, tile))
             std::fill(block_.begin(), block_.end(), std::uint8_t{0});
         else
             file_.Check(TIFFReadEncodedTile(file_.Handle(), tile, block_.data(), bytes) == bytes);
@@ -143,22 +146,66 @@ private:
     std::vector<std::uint8_t> block_;
 };
 
-void CheckTiles(const TiffFile& file, const TiffLayout& layout) {
-    const std::int64_t tileRow = layout.blockWidth * layout.SamplesTogether() * layout.bits;
-    if (tileRow % 8 != 0)
+std::int64_t TileRowBits(const TiffLayout& layout) {
+    return layout.blockWidth * layout.SamplesTogether() * layout.bits;
+}
+
+void CheckTileRows(const TiffFile& file, const TiffLayout& layout) {
+    if (TileRowBits(layout) % 8 != 0)
         ThrowNotReadable(file.Path(), "the rows of its tiles do not end at a byte");
+    if (TileRowBits(layout) / 8 > MostRowBytes / layout.Planes())
+        ThrowImageError(ErrorNumber::ImageTooLarge, file.Path(),
+                        "the rows of its tiles are longer than the program accepts");
+}
+
+bool AreTilesLarge(const TiffLayout& layout) {
+    return TileRowBits(layout) / 8 > MostTileBytes / layout.blockHeight ||
+           layout.blockWidth > MostStripPixels / layout.blockHeight;
+}
+
+void CheckWholeTiles(const TiffFile& file, const TiffLayout& layout) {
+    const std::int64_t tileRow = TileRowBits(layout);
     // A tile may reach far beyond the image, so it counts by itself as well.
     const std::int64_t most = MostTileRowBytes / layout.Planes();
     if (tileRow / 8 > most / layout.blockHeight ||
         TiffRowBytes(layout) > most / std::min<std::int64_t>(layout.blockHeight, layout.height))
         ThrowImageError(ErrorNumber::ImageTooLarge, file.Path(),
-                        "its tiles are larger than the program accepts");
+                        "its tiles are larger than the program accepts in this compression");
     if (TIFFTileRowSize64(file.Handle()) * 8 != static_cast<std::uint64_t>(tileRow) ||
         TIFFTileSize64(file.Handle()) * 8 != static_cast<std::uint64_t>(tileRow * layout.blockHeight))
         ThrowDamaged(file.Path(), "the size of its tiles contradicts itself");
 }
 
+std::unique_ptr<TiffRows> MakeTileRows(TiffFile& file, const TiffLayout& layout) {
+    CheckTileRows(file, layout);
+    if (AreTilesLarge(layout))
+        if (std::unique_ptr<TiffRows> streamed = TiffStreamedRows::TryMake(file, layout))
+            return streamed;
+    CheckWholeTiles(file, layout);
+    return std::make_unique<BandByBand>(file, layout);
+}
+
+bool HasLongStoredStrip(const TiffFile& file) {
+    const std::uint32_t strips = TIFFNumberOfStrips(file.Handle());
+    for (std::uint32_t strip = 0; strip < strips; ++strip)
+        if (TIFFGetStrileByteCount(file.Handle(), strip) > MostStoredBytes)
+            return true;
+    return false;
+}
+
+std::unique_ptr<TiffRows> MakeLargeStripRows(TiffFile& file, const TiffLayout& layout) {
+    if (HasLongStoredStrip(file))
+        if (std::unique_ptr<TiffRows> streamed = TiffStreamedRows::TryMake(file, layout))
+            return streamed;
+    return std::make_unique<RowByRow>(file, layout);
+}
+
 } // namespace
+
+bool IsTiffBlockLeftOut(const TiffFile& file, std::uint32_t block) {
+    return TIFFGetStrileOffset(file.Handle(), block) == 0 &&
+           TIFFGetStrileByteCount(file.Handle(), block) == 0;
+}
 
 TiffSampleRun SampleRunOf(const TiffLayout& layout, const TiffRows& rows, int sample) {
     if (layout.separatePlanes)
@@ -175,14 +222,12 @@ std::unique_ptr<TiffRows> MakeTiffRows(TiffFile& file, const TiffLayout& layout)
     if (rowBytes > MostRowBytes / layout.Planes())
         ThrowImageError(ErrorNumber::ImageTooLarge, file.Path(),
                         "its rows are longer than the program accepts");
-    if (layout.tiled) {
-        CheckTiles(file, layout);
-        return std::make_unique<BandByBand>(file, layout);
-    }
+    if (layout.tiled)
+        return MakeTileRows(file, layout);
     if (TIFFScanlineSize64(file.Handle()) != static_cast<std::uint64_t>(rowBytes))
         ThrowDamaged(file.Path(), "the length of its rows contradicts itself");
     if (rowBytes * layout.Planes() > MostStripBytes / layout.blockHeight ||
         layout.width > MostStripPixels / layout.blockHeight)
-        return std::make_unique<RowByRow>(file, layout);
+        return MakeLargeStripRows(file, layout);
     return std::make_unique<BandByBand>(file, layout);
 }

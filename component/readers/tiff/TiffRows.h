@@ -32,7 +32,10 @@ TiffSampleRun SampleRunOf(const TiffLayout& layout, const TiffRows& rows, int sa
 /// Bytes of a row of one plane.
 std::int64_t TiffRowBytes(const TiffLayout& layout);
 
-/// Picks what suits the layout: strips and tiles are unpacked as wholes, a row of tiles at a time; strips
-/// too large for that row by row. Throws ImageTooLarge when one row of tiles would need more memory than is
-/// sensible.
+/// Whether a writer has left the strip or tile out because nothing is in it; it reads as zeros.
+bool IsTiffBlockLeftOut(const TiffFile& file, std::uint32_t block);
+
+/// Picks what suits the layout: strips and tiles are unpacked as wholes, a row of tiles at a time; those too
+/// large for that row by row. Throws ImageTooLarge where the coder leaves no other way than to unpack whole
+/// tiles and a row of them would need more memory than is sensible.
 std::unique_ptr<TiffRows> MakeTiffRows(TiffFile& file, const TiffLayout& layout);
