@@ -201,24 +201,29 @@ TEST(Tiff, LongStoredStripsThatAreCutOrOverwrittenAreDamaged) {
     EXPECT_EQ(files, 5);
 }
 
-TEST(Tiff, ATileAsLargeAsTheSheetNeedsNoMemoryForItAndCanBeCancelled) {
+TEST(Tiff, ATileOrStripAsLargeAsTheSheetNeedsNoMemoryForItAndCanBeCancelled) {
     // 30,000 x 30,000 pixels of nothing, of which the file holds no byte on the disk.
+    constexpr std::uint32_t Side = 30'000, Pixels = Side * Side;
     const TempFolder folder;
     const auto file = folder / "sheet.tif";
-    const std::vector<Tag> tags = {{256, 30'000}, {257, 30'000},     {258, 8},      {259, 1},
-                                   {262, 1},      {277, 1},          {322, 30'000}, {323, 30'000},
-                                   {324, 4096},   {325, 900'000'000}};
-    WriteWholeFile(file, TiffOf(tags));
-    std::filesystem::resize_file(file, 4096 + 900'000'000);
-    const auto reader = OpenTiff(file);
-    std::vector<std::uint8_t> row(30'000, 1);
-    Progress progress;
-    reader->WatchForCancel(progress);
-    for (std::int32_t y = 0; y < 15'000; ++y)
-        reader->ReadRows(row.data(), std::ssize(row), 1);
-    EXPECT_EQ(row, std::vector<std::uint8_t>(30'000, 0));
-    progress.Cancel();
-    EXPECT_THROW(reader->ReadRows(row.data(), std::ssize(row), 1), ComponentError);
+    const std::vector<Tag> common = {{256, Side}, {257, Side}, {258, 8}, {259, 1}, {262, 1}};
+    const std::vector<Tag> tile = {{277, 1}, {322, Side}, {323, Side}, {324, 4096}, {325, Pixels}};
+    const std::vector<Tag> strip = {{273, 4096}, {277, 1}, {278, Side}, {279, Pixels}};
+    for (const auto& kind : {tile, strip}) {
+        std::vector<Tag> tags = common;
+        tags.insert(tags.end(), kind.begin(), kind.end());
+        WriteWholeFile(file, TiffOf(tags));
+        std::filesystem::resize_file(file, std::uintmax_t{4096} + Pixels);
+        const auto reader = OpenTiff(file);
+        std::vector<std::uint8_t> row(Side, 1);
+        Progress progress;
+        reader->WatchForCancel(progress);
+        for (std::uint32_t y = 0; y < Side / 2; ++y)
+            reader->ReadRows(row.data(), std::ssize(row), 1);
+        EXPECT_EQ(row, std::vector<std::uint8_t>(Side, 0));
+        progress.Cancel();
+        EXPECT_THROW(reader->ReadRows(row.data(), std::ssize(row), 1), ComponentError);
+    }
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     EXPECT_LT(usage.ru_maxrss, 700 * 1024) << "KiB";
