@@ -111,6 +111,9 @@ TEST_F(Output, AtAWholeZoomEveryPixelWithinIsEquallyWide) {
         Do({"render", library, "1", "--zoom", std::to_string(zoom), "--at", "0,0", "--size",
             std::to_string(20 * zoom) + "x" + std::to_string(12 * zoom), "--out",
             In("zoom" + std::to_string(zoom) + ".png")});
+    for (int zoom = 1; zoom <= 9; ++zoom)
+        Do({"render", library, "1", "--zoom", std::to_string(zoom), "--at", "7,5", "--size", "13x7", "--out",
+            In("part" + std::to_string(zoom) + ".png")});
     EXPECT_EQ(Python(R"(
 import numpy as np
 from PIL import Image
@@ -123,6 +126,9 @@ for zoom in range(1, 10):
             print(zoom, name, widths)
     if not np.array_equal(seen, columns + 20 * rows[:, None]):
         print(zoom, 'is no grid of the pixels')
+    part = np.array(Image.open(f'part{zoom}.png'))[:, :, 0].astype(int)
+    if not np.array_equal(part, seen[5:12, 7:20]):
+        print(zoom, 'elsewhere is another grid')
 )"),
               "");
 }
