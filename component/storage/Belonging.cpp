@@ -14,14 +14,17 @@ void Belonging::Claim(Owners& owners, std::int64_t number) {
         ++others_[place->second];
 }
 
-void Belonging::TellShared() {
-    if (!shared_)
-        return;
-    for (const auto& [other, count] : others_)
-        shared_(names_.back(), names_[other - 1], count);
+std::int64_t Belonging::TellShared() const {
+    std::int64_t all = 0;
+    for (const auto& [other, count] : others_) {
+        all += count;
+        if (shared_)
+            shared_(names_.back(), names_[other - 1], count);
+    }
+    return all;
 }
 
-void Belonging::Add(const MapState& map, bool passOverDamage) {
+std::int64_t Belonging::Add(const MapState& map, bool passOverDamage) {
     Begin("map '" + map.Name() + "'");
     for (const PageRef& page : map.record.pages)
         Claim(pages_, page.number);
@@ -36,11 +39,11 @@ void Belonging::Add(const MapState& map, bool passOverDamage) {
             entry += EntriesPerPage - 1 - entry % EntriesPerPage;
         }
     }
-    TellShared();
+    return TellShared();
 }
 
-void Belonging::Add(const IconState& icon) {
+std::int64_t Belonging::Add(const IconState& icon) {
     Begin("icon '" + icon.Name() + "'");
     Claim(blobs_, icon.record.picture.number);
-    TellShared();
+    return TellShared();
 }

@@ -16,9 +16,10 @@ public:
     Belonging() = default;
     explicit Belonging(Shared shared) : shared_(std::move(shared)) {}
 
-    /// Throws FileDamaged for a page that cannot be read, unless it is to be passed over.
-    void Add(const MapState& map, bool passOverDamage = false);
-    void Add(const IconState& icon);
+    /// Gives how much of it another one had before. Throws FileDamaged for a page that cannot be read, unless
+    /// it is to be passed over.
+    std::int64_t Add(const MapState& map, bool passOverDamage = false);
+    std::int64_t Add(const IconState& icon);
 
     bool HasBlob(std::int64_t number) const { return blobs_.contains(number); }
     bool HasPage(std::int64_t number) const { return pages_.contains(number); }
@@ -29,7 +30,7 @@ private:
     using Owners = std::unordered_map<std::int64_t, std::size_t>;
     void Claim(Owners& owners, std::int64_t number);
     void Begin(std::string owner);
-    void TellShared();
+    std::int64_t TellShared() const;
 
     Shared shared_;
     std::vector<std::string> names_;

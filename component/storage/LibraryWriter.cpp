@@ -30,8 +30,9 @@ RecordTarget TargetOf(BlobKind kind) {
 
 } // namespace
 
-LibraryWriter::LibraryWriter(std::shared_ptr<Container> target, RecordTable former, const LibraryState& state)
-    : target_(std::move(target)), former_(std::move(former)), state_(state) {}
+LibraryWriter::LibraryWriter(std::shared_ptr<Container> target, RecordTable former, const LibraryState& state,
+                             NumberSource& numbers)
+    : target_(std::move(target)), former_(std::move(former)), state_(state), numbers_(numbers) {}
 
 std::int64_t LibraryWriter::Work() const {
     auto work = static_cast<std::int64_t>(1 + state_.maps.size() + state_.icons.size());
@@ -148,7 +149,8 @@ void LibraryWriter::WriteMap(const std::shared_ptr<MapState>& map, Progress& pro
     if (map->container != target_) {
         const PyramidLayout layout = record.Layout();
         TileReader reader(map->container, layout, record.pages, map->Name());
-        record.pages = CopyTiles(reader, *map->container, layout, record.pages, *target_, nullptr, progress);
+        NumberSource* fresh = copied_.Add(*map) > 0 ? &numbers_ : nullptr;
+        record.pages = CopyTiles(reader, *map->container, layout, record.pages, *target_, fresh, progress);
         placed_.maps.push_back({map, record.pages});
     }
     WriteRecord({BlobKind::MapRecord, map->id}, record.Encode());
@@ -158,7 +160,7 @@ void LibraryWriter::WriteMap(const std::shared_ptr<MapState>& map, Progress& pro
 void LibraryWriter::WriteIcon(const std::shared_ptr<IconState>& icon) {
     IconRecord record = icon->record;
     if (icon->container != target_) {
-        record.picture = CopyPicture(*icon, *target_, nullptr);
+        record.picture = CopyPicture(*icon, *target_, copied_.Add(*icon) > 0 ? &numbers_ : nullptr);
         placed_.icons.push_back({icon, record.picture});
     }
     WriteRecord({BlobKind::IconRecord, icon->id}, record.Encode());
@@ -177,6 +179,7 @@ void LibraryWriter::WriteRecord(const RecordKey& key, ByteSpan plain) {
 
 void LibraryWriter::WriteHeader(FileHeader& header) {
     target_->Form().Describe(header);
+    header.nextNumber = numbers_.Next();
     header.mapCount = static_cast<std::int32_t>(state_.maps.size());
     header.iconCount = static_cast<std::int32_t>(state_.icons.size());
     // Nothing would open the file again.

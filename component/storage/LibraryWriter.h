@@ -31,12 +31,14 @@ struct LibraryWriterResult {
 /// until the result is applied, so that a failed or cancelled save changes nothing in memory.
 class LibraryWriter {
 public:
-    /// `former` is what the file holds now: nothing for a new one.
-    LibraryWriter(std::shared_ptr<Container> target, RecordTable former, const LibraryState& state);
+    /// `former` is what the file holds now: nothing for a new one. What maps or icons that are copied share
+    /// with another one, as none should, each gets for itself, under numbers of `numbers`.
+    LibraryWriter(std::shared_ptr<Container> target, RecordTable former, const LibraryState& state,
+                  NumberSource& numbers);
 
     /// Work that Write adds to the progress: tiles to copy and records to look at.
     std::int64_t Work() const;
-    /// `header` comes with generation and next number; counts, root and description are filled in.
+    /// `header` comes with its generation; next number, counts, root and description are filled in.
     void Write(FileHeader& header, Progress& progress);
 
     const RecordTable& Records() const { return records_; }
@@ -57,6 +59,8 @@ private:
     RecordTable former_;
     RecordTable records_;
     const LibraryState& state_;
+    NumberSource& numbers_;
+    Belonging copied_;
     std::set<std::int64_t> staying_; ///< numbers of the state's maps and icons
     LibraryWriterResult placed_;
 };

@@ -23,7 +23,7 @@ std::optional<std::string> Commit(LibraryFile& file, Transaction& transaction, c
 
 } // namespace
 
-std::int64_t SaveInPlace(LibraryFile& file, const LibraryState& state, const NumberSource& numbers,
+std::int64_t SaveInPlace(LibraryFile& file, const LibraryState& state, NumberSource& numbers,
                          std::unique_ptr<Transaction> begun, Progress& progress) {
     if (!begun) {
         begun = std::make_unique<Transaction>(file.File());
@@ -31,11 +31,10 @@ std::int64_t SaveInPlace(LibraryFile& file, const LibraryState& state, const Num
     } else if (file.File().HasMoved()) {
         file.RequireUnchanged();
     }
-    LibraryWriter writer(file.Tiles(), file.Records(), state);
+    LibraryWriter writer(file.Tiles(), file.Records(), state, numbers);
     progress.Expect(writer.Work());
     FileHeader header = file.Header();
     ++header.generation;
-    header.nextNumber = numbers.Next();
     writer.Write(header, progress);
     const std::optional<std::string> notDurable = Commit(file, *begun, header);
     file.Saved(header, writer.Records());
@@ -74,15 +73,14 @@ struct Filling {
 
 /// Fills the temporary and closes it again; gives the header that it has now.
 FileHeader Fill(Filling& filling, const NewFileRequest& request, LibraryWriterResult& result,
-                const LibraryState& state, const NumberSource& numbers, Progress& progress) {
+                const LibraryState& state, NumberSource& numbers, Progress& progress) {
     auto database = std::make_unique<Database>(filling.replacement.Temporary(), Database::Mode::Fill,
                                                request.target.string());
     CreateLibrarySchema(*database);
     filling.container = std::make_shared<Container>(std::move(database), request.form);
-    LibraryWriter writer(filling.container, {}, state);
+    LibraryWriter writer(filling.container, {}, state, numbers);
     FileHeader header;
     header.generation = request.generation;
-    header.nextNumber = numbers.Next();
     filling.transaction = std::make_unique<Transaction>(filling.container->File());
     writer.Write(header, progress);
     filling.transaction->Commit();
@@ -140,7 +138,7 @@ void RemoveColdJournal(FileSystem& files, const std::filesystem::path& file) {
 
 std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& files,
                                            const NewFileRequest& request, const LibraryState& state,
-                                           const NumberSource& numbers, Progress& progress) {
+                                           NumberSource& numbers, Progress& progress) {
     progress.Expect(NewFileWork(state));
     std::unique_ptr<Transaction> held;
     if (request.replaced != nullptr) {

@@ -12,7 +12,7 @@
 /// program changed or replaced the file since it was opened. Any failure leaves the file as it was, but one:
 /// when only its folder could not be made durable, FileNotWritable says so, and the state is saved. Gives how
 /// many pictures and pages of removed objects were kept, because others name them too.
-std::int64_t SaveInPlace(LibraryFile& file, const LibraryState& state, const NumberSource& numbers,
+std::int64_t SaveInPlace(LibraryFile& file, const LibraryState& state, NumberSource& numbers,
                          std::unique_ptr<Transaction> begun, Progress& progress);
 
 /// Whether more than a quarter of the file's pages are free.
@@ -42,4 +42,4 @@ struct NewFileRequest {
 /// To make the new name durable (SyncFolderOf) is left to the caller, once he has taken the new file over.
 std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& files,
                                            const NewFileRequest& request, const LibraryState& state,
-                                           const NumberSource& numbers, Progress& progress);
+                                           NumberSource& numbers, Progress& progress);

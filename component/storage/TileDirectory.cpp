@@ -190,6 +190,14 @@ public:
     }
 
     PageRef CopyPage(const PageRef& former, std::span<const BlobRef> entries) {
+        const auto [place, isNew] = copiedPages_.try_emplace(former.number);
+        if (isNew)
+            place->second = CopyNewPage(former, entries);
+        return place->second;
+    }
+
+private:
+    PageRef CopyNewPage(const PageRef& former, std::span<const BlobRef> entries) {
         if (asStored_) {
             // The page was checked against this digest when the entries were read from it.
             const std::optional<Bytes> stored = from_.GetStored(BlobKind::DirectoryPage, former.number);
@@ -201,13 +209,13 @@ public:
         return WritePage(to_, fresh_ != nullptr ? fresh_->Take() : former.number, entries);
     }
 
-private:
     TileReader& source_;
     Container& from_;
     Container& to_;
     NumberSource* fresh_;
     bool asStored_;
     std::unordered_map<std::int64_t, BlobRef> copied_; ///< identical tiles share a blob
+    std::unordered_map<std::int64_t, PageRef> copiedPages_;
 };
 
 } // namespace

@@ -47,6 +47,22 @@ void Forger::PutMap(std::int64_t number, const MapRecord& record) {
     Put("UPDATE map SET record = ?2 WHERE id = ?1", number, record.Encode());
 }
 
+IconRecord Forger::Icon(std::int64_t number) {
+    return IconRecord::Decode(Value("SELECT record FROM icon WHERE id = ?1", number));
+}
+
+void Forger::PutIcon(std::int64_t number, const IconRecord& record) {
+    Put("UPDATE icon SET record = ?2 WHERE id = ?1", number, record.Encode());
+}
+
+std::vector<std::int64_t> Forger::Numbers(const std::string& table) {
+    Statement rows(database_, ("SELECT id FROM " + table + " ORDER BY id").c_str());
+    std::vector<std::int64_t> numbers;
+    while (rows.Step())
+        numbers.push_back(rows.Integer(0));
+    return numbers;
+}
+
 std::vector<BlobRef> Forger::Page(const PageRef& page) {
     return DecodePage(Value("SELECT data FROM tile_index WHERE id = ?1", page.number));
 }

@@ -20,6 +20,8 @@ public:
     FileHeader& Header() { return header_; }
     MapRecord Map(std::int64_t number);
     void PutMap(std::int64_t number, const MapRecord& record);
+    IconRecord Icon(std::int64_t number);
+    void PutIcon(std::int64_t number, const IconRecord& record);
     std::vector<BlobRef> Page(const PageRef& page);
     /// Writes the page under its number; gives its new digest.
     PageRef PutPage(std::int64_t number, const std::vector<BlobRef>& entries);
@@ -28,6 +30,8 @@ public:
     void Remove(const std::string& table, std::int64_t number) {
         Run("DELETE FROM " + table + " WHERE id = " + std::to_string(number));
     }
+    /// The numbers of a table's rows in order.
+    std::vector<std::int64_t> Numbers(const std::string& table);
     /// Any statement.
     void Run(const std::string& sql) { database_.Execute(sql.c_str()); }
 

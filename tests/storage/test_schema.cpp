@@ -20,7 +20,8 @@ protected:
         request.target = file_;
         request.form = Envelope::Plain();
         request.placed = [] {};
-        SaveAsNewFile(SystemFiles(), request, {}, NumberSource(), progress);
+        NumberSource numbers;
+        SaveAsNewFile(SystemFiles(), request, {}, numbers, progress);
         whole_ = ReadWholeFile(file_);
     }
 
