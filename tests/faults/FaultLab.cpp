@@ -61,6 +61,12 @@ std::string ContentOfFile(const fs::path& file, const std::string& key) {
     }
 }
 
+ProgramResult ReadBySecondReader(const fs::path& file) {
+    const TempFolder folder;
+    return RunProgram({"/usr/bin/python3", SOURCE_DIR "/tests/storage/second_reader.py", file.string(),
+                       folder.Path().string()});
+}
+
 void CopyFile(const fs::path& from, const fs::path& to) {
     const ProgramResult copied = RunProgram({"cp", "--reflink=auto", from.string(), to.string()});
     if (copied.status != 0)

@@ -20,6 +20,10 @@ void MakeLibrary(const std::filesystem::path& file, int maps, int side, const st
 /// The content of a library file; "wrong key", or "error NUMBER SENTENCE" when it cannot be read whole.
 std::string ContentOfFile(const std::filesystem::path& file, const std::string& key = {});
 
+/// What a reader makes of the file that was written from the page on the format alone, without the engine:
+/// status 0, or 1 and the reason on its standard error.
+ProgramResult ReadBySecondReader(const std::filesystem::path& file);
+
 /// A copy without reading the bytes, where the file system can.
 void CopyFile(const std::filesystem::path& from, const std::filesystem::path& to);
 

@@ -104,6 +104,11 @@ void Compact(const Job& job) {
     library->Compact();
 }
 
+void Export(const Job& job) {
+    const auto library = Load(job);
+    library->GetMap(library->MapIdAt(1))->ExportTiles(job.argument, ".png");
+}
+
 void Read(const Job& job) {
     const auto library = Load(job);
     for (const Damage& damage : library->Verify())
@@ -122,6 +127,7 @@ void Do(const std::string& operation, const Job& job) {
                                                                            {"save-as", SaveAs},
                                                                            {"merge", Merge},
                                                                            {"compact", Compact},
+                                                                           {"export", Export},
                                                                            {"read", Read}};
     operations.at(operation)(job);
 }

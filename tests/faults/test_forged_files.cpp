@@ -38,7 +38,14 @@ protected:
             reasons.push_back(damage.reason);
         return reasons;
     }
-    void ExpectRefused(const std::string& sentence) {
+    /// The reader that knows the page on the format alone refuses the file, too, and says why.
+    void ExpectSecondReaderRefuses(const std::string& reason) const {
+        const ProgramResult result = ReadBySecondReader(file_);
+        EXPECT_EQ(result.status, 1);
+        EXPECT_THAT(result.err, HasSubstr(reason));
+    }
+    void ExpectRefused(const std::string& sentence, const std::string& secondReader) {
+        ExpectSecondReaderRefuses(secondReader);
         try {
             Load();
             ADD_FAILURE() << "it was taken";
@@ -55,6 +62,41 @@ protected:
         forger.Remove("blob", forger.Page(second.pages.at(0)).at(0).number);
         second.pages.at(0) = forger.PutPage(second.pages.at(0).number, forger.Page(first.pages.at(0)));
         forger.PutMap(second_, second);
+    }
+    /// The second map has the first one's directory.
+    void SharePage() {
+        Forger forger(file_);
+        MapRecord second = forger.Map(second_);
+        forger.Remove("blob", forger.Page(second.pages.at(0)).at(0).number);
+        forger.Remove("tile_index", second.pages.at(0).number);
+        second.pages = forger.Map(first_).pages;
+        forger.PutMap(second_, second);
+    }
+    /// An image of one colour.
+    std::string Image(int side) const {
+        const std::string image = (folder_ / "image.png").string();
+        RunProgram({"/usr/bin/python3", "-c",
+                    "import sys\nfrom PIL import Image\nside = int(sys.argv[2])\n"
+                    "Image.new('RGB', (side, side), 'red').save(sys.argv[1])",
+                    image, std::to_string(side)});
+        return image;
+    }
+    /// Under another name, under a key and in its own place; what comes of it is sound.
+    void ExpectWrittenAnewWithAll() {
+        Load();
+        const std::string content = ContentOf(*library_);
+        ASSERT_EQ(content.find("error"), std::string::npos) << content;
+        for (const std::string key : {"", "key"}) {
+            Load();
+            library_->SaveToFile((folder_ / ("other" + key)).string(), key);
+            EXPECT_EQ(ContentOf(*library_), content);
+            EXPECT_EQ(ContentOfFile(folder_ / ("other" + key), key), content);
+        }
+        Load();
+        library_->Compact();
+        EXPECT_EQ(ContentOf(*library_), content);
+        EXPECT_THAT(Findings(), IsEmpty());
+        EXPECT_EQ(ContentOf(*library_), content);
     }
     /// Another picture in the place of the first map's last tile.
     void PutTile(const std::vector<std::uint8_t>& png) {
@@ -86,27 +128,28 @@ protected:
 TEST_F(ForgedFiles, WithNothingForgedAreSound) {
     { const Forger forger(file_); }
     EXPECT_THAT(Findings(), IsEmpty());
+    EXPECT_EQ(ReadBySecondReader(file_).status, 0);
 }
 
 TEST_F(ForgedFiles, AtTheEndOfTheirGenerationsAreRefused) {
     const std::string bytes = ReadWholeFile(file_);
     { Forger(file_).Header().generation = Last; }
-    ExpectRefused("generation");
+    ExpectRefused("generation", "a count is impossible");
     WriteWholeFile(file_, bytes);
     { Forger(file_).Header().generation = FileHeader::LargestCount + 1; }
-    ExpectRefused("generation");
+    ExpectRefused("generation", "a count is impossible");
 }
 
 TEST_F(ForgedFiles, AtTheEndOfTheirNumbersAreRefused) {
     { Forger(file_).Header().nextNumber = Last; }
-    ExpectRefused("next number");
+    ExpectRefused("next number", "a count is impossible");
 }
 
 TEST_F(ForgedFiles, WhoseNextNumberIsInUseAreRefused) {
     const std::int64_t next = [&] { return Forger(file_).Header().nextNumber; }();
     for (const std::int64_t number : {std::int64_t{1}, second_, next - 1}) {
         { Forger(file_).Header().nextNumber = number; }
-        ExpectRefused("unused");
+        ExpectRefused("unused", "a number is out of range");
     }
     { Forger(file_).Header().nextNumber = next; }
     EXPECT_THAT(Findings(), IsEmpty());
@@ -114,7 +157,7 @@ TEST_F(ForgedFiles, WhoseNextNumberIsInUseAreRefused) {
 
 TEST_F(ForgedFiles, WithNumbersBelowOneAreRefused) {
     { Forger(file_).Run("INSERT INTO blob(id, data) VALUES(-5, x'00')"); }
-    ExpectRefused("below 1");
+    ExpectRefused("below 1", "a number is out of range");
 }
 
 /// Saving it must not make a file that nothing opens any more.
@@ -132,6 +175,7 @@ TEST_F(ForgedFiles, OneStepBeforeTheEndOfTheirGenerationsAreNotSavedBeyondIt) {
 TEST_F(ForgedFiles, WhoseMapsShareATileAreToldByVerify) {
     ShareTiles();
     EXPECT_THAT(Findings(), Contains(HasSubstr("belong to map")));
+    ExpectSecondReaderRefuses("has two owners");
 }
 
 TEST_F(ForgedFiles, WhoseMapsShareATileKeepItWhenOneIsRemoved) {
@@ -145,24 +189,98 @@ TEST_F(ForgedFiles, WhoseMapsShareATileKeepItWhenOneIsRemoved) {
     EXPECT_EQ(ContentOfFile(file_), kept);
 }
 
-TEST_F(ForgedFiles, WhoseMapsShareAPageKeepItWhenOneIsRemoved) {
+TEST_F(ForgedFiles, WhoseMapsShareATileAreSaidToKeepItByTheCommand) {
+    ShareTiles();
+    const ProgramResult result =
+        RunProgram({BUILD_DIR "/atlavex", "remove", file_.string(), "map", "Sheet 1"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.err,
+                HasSubstr("The file '" + file_.string() + "' keeps 1 of the pictures and directory pages"));
+    EXPECT_EQ(result.out, "");
+}
+
+TEST_F(ForgedFiles, WhoseIconHasMorePixelsThanAnyAreRefused) {
     {
         Forger forger(file_);
-        MapRecord second = forger.Map(second_);
-        forger.Remove("blob", forger.Page(second.pages.at(0)).at(0).number);
-        forger.Remove("tile_index", second.pages.at(0).number);
-        second.pages = forger.Map(first_).pages;
-        forger.PutMap(second_, second);
+        const std::int64_t number = forger.Numbers("icon").at(0);
+        IconRecord icon = forger.Icon(number);
+        icon.width = 4096;
+        icon.height = 4097;
+        forger.PutIcon(number, icon);
     }
+    ExpectRefused("icon", "an icon's size is impossible");
+}
+
+TEST_F(ForgedFiles, WithAnOddFirstPageAreRefused) {
+    const std::string bytes = ReadWholeFile(file_);
+    constexpr std::pair<std::size_t, char> odd[] = {{18, 2},     {19, 2},     {20, 8},     {21, 63},
+                                                    {44 + 3, 3}, {52 + 3, 1}, {56 + 3, 2}, {64 + 3, 1},
+                                                    {72, 1},     {79, 1}};
+    for (const auto& [at, value] : odd) {
+        SCOPED_TRACE(at);
+        std::string changed = bytes;
+        changed.at(at) = value;
+        WriteWholeFile(file_, changed);
+        EXPECT_THROW(Load(), ComponentError);
+        ExpectSecondReaderRefuses("the first page is odd");
+    }
+}
+
+TEST_F(ForgedFiles, WhoseMapsShareAPageKeepItWhenOneIsRemoved) {
+    SharePage();
     EXPECT_THAT(Findings(), Contains(HasSubstr("belong to map")));
+    ExpectSecondReaderRefuses("has two owners");
     library_->RemoveMap(library_->MapIdAt(1));
     library_->SaveToFile(file_.string(), "");
     EXPECT_EQ(ContentOfFile(file_).find("error"), std::string::npos);
 }
 
+TEST_F(ForgedFiles, WhoseMapsShareATileAreWrittenAnewWithBoth) {
+    ShareTiles();
+    ExpectWrittenAnewWithAll();
+}
+
+TEST_F(ForgedFiles, WhoseMapsShareAPageAreWrittenAnewWithBoth) {
+    SharePage();
+    ExpectWrittenAnewWithAll();
+}
+
+TEST_F(ForgedFiles, WhoseIconsShareAPictureAreWrittenAnewWithBoth) {
+    Load();
+    library_->AddIconFromImageFile(Image(16), "Second");
+    library_->SaveToFile(file_.string(), "");
+    {
+        Forger forger(file_);
+        const std::vector<std::int64_t> icons = forger.Numbers("icon");
+        IconRecord second = forger.Icon(icons.at(1));
+        forger.Remove("blob", second.picture.number);
+        second.picture = forger.Icon(icons.at(0)).picture;
+        forger.PutIcon(icons.at(1), second);
+    }
+    EXPECT_THAT(Findings(), Contains(HasSubstr("belong to icon")));
+    ExpectSecondReaderRefuses("has two owners");
+    ExpectWrittenAnewWithAll();
+}
+
+TEST_F(ForgedFiles, WhoseDirectoryNamesAPageTwiceAreWrittenAnew) {
+    Load();
+    library_->AddMapFromImageFile(Image(64 * 40), "Large", 64, 64); // three pages, two of them full
+    library_->SaveToFile(file_.string(), "");
+    {
+        Forger forger(file_);
+        const std::int64_t number = forger.Numbers("map").back();
+        MapRecord map = forger.Map(number);
+        forger.Remove("tile_index", map.pages.at(1).number);
+        map.pages.at(1) = map.pages.at(0);
+        forger.PutMap(number, map);
+    }
+    ExpectWrittenAnewWithAll();
+}
+
 TEST_F(ForgedFiles, WhoseTilesAreNoPicturesAreToldByVerify) {
     PutTile({'j', 'u', 'n', 'k'});
     EXPECT_THAT(Findings(), Contains(HasSubstr("level 0")));
+    ExpectSecondReaderRefuses("a tile is no PNG");
 }
 
 TEST_F(ForgedFiles, WhoseTilesAreNoPicturesAreNamedWhenTheirPixelsAreRead) {
@@ -182,11 +300,13 @@ TEST_F(ForgedFiles, WhoseTilesAreNoPicturesAreNamedWhenTheirPixelsAreRead) {
 TEST_F(ForgedFiles, WhoseTilesHaveAnotherSizeAreToldByVerify) {
     PutTile(Picture(64, PixelFormat::Rgba));
     EXPECT_THAT(Findings(), Contains(HasSubstr("another size")));
+    ExpectSecondReaderRefuses("another size");
 }
 
 TEST_F(ForgedFiles, WhoseTilesHaveOtherPixelsAreToldByVerify) {
     PutTile(Picture(256, PixelFormat::Grey));
     EXPECT_THAT(Findings(), Contains(HasSubstr("other pixels")));
+    ExpectSecondReaderRefuses("another pixel format");
 }
 
 TEST_F(ForgedFiles, WithMetadataOfNothingAreToldByVerify) {
@@ -196,6 +316,7 @@ TEST_F(ForgedFiles, WithMetadataOfNothingAreToldByVerify) {
                    ", x'0100000000')");
     }
     EXPECT_THAT(Findings(), Contains(HasSubstr("metadata")));
+    ExpectSecondReaderRefuses("metadata belong to nothing");
 }
 
 TEST_F(ForgedFiles, WhoseTilesHaveNumbersThatAreUnusedAreToldByVerify) {
@@ -208,4 +329,5 @@ TEST_F(ForgedFiles, WhoseTilesHaveNumbersThatAreUnusedAreToldByVerify) {
         forger.PutMap(first_, map);
     }
     EXPECT_THAT(Findings(), Contains(HasSubstr("calls unused")));
+    ExpectSecondReaderRefuses("a number is out of range");
 }

@@ -63,6 +63,9 @@ protected:
         EXPECT_EQ(LoadError(), ErrorNumber::FileDamaged) << sentence_;
         EXPECT_NE(sentence_.find(journal_.string()), std::string::npos) << sentence_;
         EXPECT_THROW(library_->IsEncrypted(file_.string()), ComponentError);
+        const ProgramResult second = ReadBySecondReader(file_);
+        EXPECT_EQ(second.status, 1);
+        EXPECT_NE(second.err.find("the journal"), std::string::npos) << second.err;
         EXPECT_EQ(ReadWholeFile(file_), bytes);
         EXPECT_EQ(ReadWholeFile(journal_), journal);
     }
@@ -87,6 +90,23 @@ TEST_F(Journals, OfAFileThatTookTheirFilesPlaceAreLeftAloneByOldReaders) {
     EXPECT_EQ(ReadWholeFile(journal_), journal);
     EXPECT_EQ(ContentOfFile(folder_ / "kept.Atlavex"), former);
     EXPECT_EQ(ContentOfFile(file_), former) << "and what was not finished is taken back in the new one";
+}
+
+TEST_F(Journals, OfAFileThatTookTheirFilesPlaceAreLeftAloneByWorkThatHadBegun) {
+    LibraryOptions options = CheapOptions((folder_ / "scratch").string());
+    options.newTiles = NewTiles::LibraryFile;
+    library_ = CreateAtlavexLibrary(options);
+    library_->LoadFromFile(file_.string(), "");
+    MakeNoiseImage(folder_ / "extra.bmp", 300, 300, 3);
+    library_->AddMapFromImageFile((folder_ / "extra.bmp").string(), "Added", 256, 256);
+    ASSERT_TRUE(fs::exists(journal_));
+    MakeLibrary(folder_ / "other.Atlavex", 1, 100);
+    fs::rename(folder_ / "other.Atlavex", file_);
+    WriteWholeFile(folder_ / "other-journal", "of the other file");
+    fs::rename(folder_ / "other-journal", journal_);
+    EXPECT_THROW(library_->SaveToFile(file_.string(), ""), ComponentError);
+    library_.reset();
+    EXPECT_EQ(ReadWholeFile(journal_), "of the other file");
 }
 
 TEST_F(Journals, ThatNameAThirdFileRemoveNothing) {
@@ -137,6 +157,10 @@ TEST_F(Journals, OfAShorterStateAreNotRolledIntoABackup) {
 TEST_F(Journals, OfTheirOwnFileAreRolledBack) {
     const std::string former = ContentOfFile(file_);
     KillInASave("never finished");
+    const std::string bytes = ReadWholeFile(file_), journal = ReadWholeFile(journal_);
+    EXPECT_EQ(ReadBySecondReader(file_).status, 0);
+    EXPECT_EQ(ReadWholeFile(file_), bytes);
+    EXPECT_EQ(ReadWholeFile(journal_), journal);
     EXPECT_EQ(ContentOfFile(file_), former);
     EXPECT_FALSE(fs::exists(journal_));
 }

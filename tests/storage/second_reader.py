@@ -19,6 +19,7 @@ from pathlib import Path
 sys.dont_write_bytecode = True
 
 from reader_forms import ICON, MAP, METADATA, PAGE, PICTURE, TILE, PlainForm, SealedForm  # noqa: E402
+from reader_journal import RolledBack  # noqa: E402
 from reader_records import (  # noqa: E402
     Cursor,
     Damaged,
@@ -66,8 +67,9 @@ def check_first_page(data):
 
 class Library:
     def __init__(self, file, key):
-        check_first_page(Path(file).read_bytes())
-        self.database = sqlite3.connect(f"{Path(file).resolve().as_uri()}?mode=ro", uri=True)
+        self.whole = RolledBack(file)
+        check_first_page(self.whole.file.read_bytes())
+        self.database = sqlite3.connect(f"{self.whole.file.resolve().as_uri()}?mode=ro", uri=True)
         self.database.text_factory = bytes
         self.check_schema()
         self.used = {"blob": set(), "tile_index": set()}
@@ -196,6 +198,7 @@ class Library:
             result["icons"].append(icon)
         for table, used in self.used.items():
             stored = {number for number, _ in self.rows(table, "data")}
+            self.require_in_use(*stored)
             require(stored == used, f"{table} holds what belongs to nothing")
         (folder / "library.json").write_text(json.dumps(result, indent=1))
 
