@@ -6,6 +6,8 @@
 #include "component/render/TileExport.h"
 
 #include <algorithm>
+#include <chrono>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -175,6 +177,10 @@ bool MapObject::RenderView(std::int32_t left, std::int32_t top, std::int32_t wid
         renderer_ = std::make_unique<ViewRenderer>(layout_, *reader_, views_);
     }
     FollowTiles();
+    // Whoever is shown drafts asks again; others wait for the one view.
+    std::optional<BlinkWait> blink;
+    if (views_->Patience() > std::chrono::milliseconds::zero())
+        blink.emplace(Held().container->File());
     std::shared_ptr<const Bitmap> view;
     if (!renderer_->Render({left, top, width, height, zoom, views_->TiesUp()}, view))
         return false;

@@ -10,6 +10,8 @@
 namespace {
 
 constexpr int BusyMilliseconds = 1500;
+/// As long as the eye takes an answer for an immediate one; a usual save holds its lock for less.
+constexpr int BlinkMilliseconds = 100;
 /// Between two looks at a lock that is waited for.
 constexpr std::chrono::milliseconds LookInterval(20);
 constexpr std::int64_t HeapLimit = std::int64_t{256} << 20;
@@ -118,6 +120,18 @@ int Database::OnLocked(void* waiting, int timesBefore) {
 void Database::WaitNoMore() {
     sqlite3_busy_timeout(Handle(), BusyMilliseconds);
     waiting_.reset();
+}
+
+// NOLINTNEXTLINE(readability-make-member-function-const): how the connection waits is changed.
+void Database::WaitABlink() {
+    if (!waiting_)
+        sqlite3_busy_timeout(Handle(), BlinkMilliseconds);
+}
+
+// NOLINTNEXTLINE(readability-make-member-function-const): likewise
+void Database::WaitAMoment() {
+    if (!waiting_)
+        sqlite3_busy_timeout(Handle(), BusyMilliseconds);
 }
 
 Database::Database(const std::filesystem::path& file, Mode mode, std::string shownName, const LockWait& wait)

@@ -51,6 +51,9 @@ public:
     std::int64_t RowsWritten() const;
     /// From now on a lock is waited for a moment only.
     void WaitNoMore();
+    /// Until WaitAMoment a lock is waited for no longer than a view may take, unless a LockWait decides.
+    void WaitABlink();
+    void WaitAMoment();
     bool IsReadOnly() const;
 
     /// Many bytes have been written: starts to get them to the disk ahead of the sync that ends it all.
@@ -78,6 +81,18 @@ private:
     std::unique_ptr<Waiting> waiting_; // likewise
     std::unique_ptr<sqlite3, Closer> handle_;
     std::string shownName_;
+};
+
+/// While it lives, others' locks stand in the way of the connection's reading after a blink.
+class BlinkWait {
+public:
+    explicit BlinkWait(Database& database) : database_(database) { database_.WaitABlink(); }
+    ~BlinkWait() { database_.WaitAMoment(); }
+    BlinkWait(const BlinkWait&) = delete;
+    BlinkWait& operator=(const BlinkWait&) = delete;
+
+private:
+    Database& database_;
 };
 
 /// Longest value that a file holds, in bytes; the row that it stands in takes a few more.
