@@ -173,7 +173,9 @@ void LibraryCommands::SaveWithAdvice(const QString& fileName) {
         const ComponentCall call(window_);
         state_.objAtlavex->SaveToFile(fileName.toStdString(), state_.encryptionKey.toStdString());
     } catch (const ComponentError& error) {
-        if (error.Number() != ErrorNumber::FileChanged || fileName != state_.fileName)
+        const bool isElsewhereTheWayOut =
+            error.Number() == ErrorNumber::FileChanged || error.Number() == ErrorNumber::FileNotWritable;
+        if (!isElsewhereTheWayOut || fileName != state_.fileName)
             throw;
         throw ComponentError(error.Number(),
                              error.Description() + " Use Save As to keep your version under another name.");

@@ -156,7 +156,7 @@ void LibraryObject::WriteAnew(Progress& progress) {
         throw ComponentError(ErrorNumber::FileNotWritable,
                              "The file '" + path.string() +
                                  "' has a second name (a hard link) and an owner or group that a new file "
-                                 "cannot have. Use Save As to keep your version under another name.");
+                                 "cannot have.");
     }
     Shrink(progress);
 }

@@ -155,7 +155,8 @@ TEST_F(SavingFails, OnADiskThatIsReadOnly) {
     Start();
     OpenByMenu(file_);
     Edit();
-    ExpectMessageNaming("The file '" + file_ + "' is read-only.");
+    ExpectMessageNaming("The file '" + file_ +
+                        "' is read-only. Use Save As to keep your version under another name.");
     Choose("mFileSaveAtlavex");
     ExpectUnsaved();
     ExpectSaveDialog((disk / "b.Atlavex").string());

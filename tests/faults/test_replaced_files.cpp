@@ -15,6 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
+using testing::Not;
 
 /// Whether another program can have the write lock of a file just now.
 bool CanBeWritten(const fs::path& file) {
@@ -115,6 +116,25 @@ TEST_F(ReplacedFiles, ThatAnotherProgramIsWritingAreNotReplaced) {
     EXPECT_TRUE(Temporaries(folder_.Path()).empty());
 }
 
+/// By a program that knows no locks.
+TEST_F(ReplacedFiles, ThatGetAJournalWhileTheyAreKeptAreNotReplaced) {
+    MakeLibrary(target_, 1, 100);
+    const std::string former = ReadWholeFile(target_);
+    const auto files = std::make_shared<RecordingFiles>();
+    LibraryOptions options = CheapOptions((folder_ / "scratch").string());
+    options.files = files;
+    const auto library = CreateAtlavexLibrary(options);
+    library->LoadFromFile(own_.string(), "");
+    files->watch = [&](const std::string& step) {
+        if (step.starts_with("name "))
+            WriteWholeFile(target_.string() + "-journal", "of a save");
+    };
+    EXPECT_THROW(library->SaveToFile(target_.string(), ""), ComponentError);
+    EXPECT_EQ(ReadWholeFile(target_), former);
+    EXPECT_EQ(ReadWholeFile(target_.string() + "-journal"), "of a save");
+    EXPECT_FALSE(fs::exists(target_.string() + ".bak"));
+}
+
 TEST_F(ReplacedFiles, KeepNoHalfBackupOnAFullDisk) {
     const MountedDisk disk(folder_ / "disk", "size=500k");
     const fs::path target = disk / "target.Atlavex";
@@ -158,6 +178,7 @@ TEST_F(ReplacedFiles, OfSomebodyElseWithASecondNameAreNotSaved) {
     const ProgramResult result = Drive("set-metadata", own_, "changed", AsStranger());
     EXPECT_EQ(FirstError(result), static_cast<int>(ErrorNumber::FileNotWritable)) << result.out;
     EXPECT_THAT(result.out, HasSubstr("second name"));
+    EXPECT_THAT(result.out, Not(HasSubstr("Save As"))) << "which only the editor has";
     EXPECT_EQ(ReadWholeFile(own_), former);
     EXPECT_EQ(fs::hard_link_count(own_), 2U);
 }
@@ -210,6 +231,40 @@ TEST_F(ReplacedFiles, KeepTheirExtendedAttributes) {
     const ssize_t size = getxattr(own_.c_str(), "user.origin", kept.data(), kept.size());
     ASSERT_GT(size, 0);
     EXPECT_EQ(kept.substr(0, static_cast<std::size_t>(size)), value);
+}
+
+/// Access lists name users and groups beside the owner's.
+TEST_F(ReplacedFiles, KeepTheirAccessListWithTheirGroupAlone) {
+    constexpr const char* AccessList = "system.posix_acl_access";
+    // Version 2; owner rw-, user 3000 rw-, group r--, mask rw-, others r--.
+    const std::string list("\2\0\0\0"
+                           "\1\0\6\0\xff\xff\xff\xff"
+                           "\2\0\6\0\xb8\x0b\0\0"
+                           "\4\0\4\0\xff\xff\xff\xff"
+                           "\x10\0\6\0\xff\xff\xff\xff"
+                           "\x20\0\4\0\xff\xff\xff\xff",
+                           44);
+    const auto listOf = [&](const fs::path& file) {
+        std::string found(100, '\0');
+        const ssize_t size = getxattr(file.c_str(), AccessList, found.data(), found.size());
+        return found.substr(0, static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+    };
+    MakeLibrary(target_, 1, 100);
+    for (const fs::path& file : {own_, target_}) {
+        ASSERT_EQ(chown(file.c_str(), 0, 2000), 0);
+        if (setxattr(file.c_str(), AccessList, list.data(), list.size(), 0) != 0)
+            GTEST_SKIP() << "this file system has no access lists";
+    }
+    ASSERT_EQ(Drive("compact", own_).status, 0);
+    EXPECT_EQ(listOf(own_), list);
+    EXPECT_EQ(StatusOf(own_).st_gid, 2000U);
+    fs::path readable = folder_ / "readable.Atlavex";
+    MakeLibrary(readable, 1, 100);
+    fs::permissions(readable, fs::perms{0644});
+    const ProgramResult over = Drive("save-as", readable, target_.string(), AsStranger());
+    ASSERT_EQ(over.status, 0) << over.out;
+    EXPECT_EQ(listOf(target_), "") << "made for the members of another group";
+    EXPECT_EQ(StatusOf(target_).st_mode & 0777, 0644U);
 }
 
 TEST_F(ReplacedFiles, OnAFileSystemWithoutModesCanBeMade) {
