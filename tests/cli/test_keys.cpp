@@ -132,6 +132,22 @@ TEST_F(Keys, AKeyForAPlainLibraryIsRefusedForReadingAndWriting) {
     unsetenv("ATLAVEX_TEST_KEY");
 }
 
+/// Copied as it is stored, a rotten tile shows only when the new file is read back.
+TEST_F(Keys, RotInASealedLibraryIsDamageToACompactToo) {
+    const std::string library = SealedLibrary("a.Atlavex", "k"), key = Write("key", "k");
+    Do({"add-map", library, Bmp("Treasure.bmp"), "--key-file", key});
+    Python("import sqlite3, sys\n"
+           "file = sqlite3.connect(sys.argv[3])\n"
+           "number, data = file.execute('SELECT id, data FROM blob ORDER BY id').fetchone()\n"
+           "data = data[:100] + bytes([data[100] ^ 1]) + data[101:]\n"
+           "file.execute('UPDATE blob SET data = ? WHERE id = ?', (data, number))\n"
+           "file.commit()",
+           {library});
+    ExpectFailure(7, {"verify", library, "--key-file", key}, "damaged");
+    ExpectFailure(7, {"compact", library, "--key-file", key}, "Treasure");
+    ExpectFailure(7, {"rekey", library, "--key-file", key, "--new-key-file", Write("new", "n")}, "Treasure");
+}
+
 TEST_F(Keys, APlainFileInThePlaceOfASealedOneIsNotTakenForIt) {
     const std::string library = SealedLibrary("a.Atlavex", "k"), key = Write("key", "k");
     Do({"add-icon", library, Bmp("Hut.bmp", 16, 16), "--key-file", key});

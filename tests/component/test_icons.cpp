@@ -2,6 +2,7 @@
 
 #include "component/Bitmap.h"
 #include "tests/component/LibraryFixture.h"
+#include "tests/support/RunProgram.h"
 
 #include <algorithm>
 #include <set>
@@ -57,6 +58,27 @@ TEST_F(LibraryIcons, OfSixteenMegapixelsCanBeCancelledAtAnyMoment) {
         AddIcon(*library, MakeSheet(PixelFormat::Grey, 9, 9));
         EXPECT_EQ(library->IconCount(), 1);
     }
+}
+
+/// Their size in pixels is accepted; as a file they are a little larger than anything in a library may be.
+TEST_F(LibraryIcons, OfSixteenMegapixelsOfNoiseAreRefusedInPlainWords) {
+    const std::string image = PathOf("noise.png");
+    ASSERT_EQ(
+        RunProgram({"/usr/bin/python3", "-c",
+                    "import os, sys\nfrom PIL import Image\n"
+                    "Image.frombytes('RGBA', (4096, 4096), os.urandom(4096 * 4096 * 4)).save(sys.argv[1], "
+                    "compress_level=0)",
+                    image})
+            .status,
+        0);
+    const auto library = NewLibrary();
+    const Outcome outcome = OutcomeOf([&] { library->AddIconFromImageFile(image, "noise"); });
+    EXPECT_EQ(outcome.code, static_cast<int>(ErrorNumber::ImageTooLarge)) << outcome.description;
+    EXPECT_NE(outcome.description.find("more than 64 megabytes"), std::string::npos) << outcome.description;
+    EXPECT_EQ(library->IconCount(), 0);
+    AddIcon(*library, MakeSheet(PixelFormat::Grey, 9, 9));
+    library->SaveToFile(PathOf("lib.Atlavex"), {});
+    EXPECT_EQ(Open(PathOf("lib.Atlavex"))->IconCount(), 1);
 }
 
 TEST_F(LibraryIcons, KeepTheirPicturesWithinABound) {

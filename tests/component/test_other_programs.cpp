@@ -246,6 +246,16 @@ TEST_F(LibraryBesideOthers, AFileThatIsChangedWhileItIsVerifiedIsNotCalledDamage
     EXPECT_TRUE(Open(file_)->Verify().empty());
 }
 
+/// Nor is what it added.
+TEST_F(LibraryBesideOthers, AFileThatGrowsWhileItIsVerifiedIsNotCalledDamaged) {
+    SaveWithALargeMap("");
+    const auto library = Open(file_);
+    const auto other = Open(file_);
+    AddMap(*other, MakeSheet(PixelFormat::Rgb, 100, 100), "added");
+    other->SaveToFile(file_, "");
+    EXPECT_ERROR(library->Verify(), ErrorNumber::FileChanged);
+}
+
 TEST_F(LibraryBesideOthers, AFileThatIsSavedWhileItsKeyIsDerivedIsLoadedAsItIsThen) {
     LibraryOptions dear = Options();
     dear.keyOperations = 4;
