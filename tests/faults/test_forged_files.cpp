@@ -16,6 +16,7 @@ namespace fs = std::filesystem;
 using testing::Contains;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 constexpr std::int64_t Last = std::numeric_limits<std::int64_t>::max();
 
@@ -80,6 +81,18 @@ protected:
                     "Image.new('RGB', (side, side), 'red').save(sys.argv[1])",
                     image, std::to_string(side)});
         return image;
+    }
+    /// A second icon names the first one's picture.
+    void ShareIconPicture() {
+        Load();
+        library_->AddIconFromImageFile(Image(16), "Second");
+        library_->SaveToFile(file_.string(), "");
+        Forger forger(file_);
+        const std::vector<std::int64_t> icons = forger.Numbers("icon");
+        IconRecord second = forger.Icon(icons.at(1));
+        forger.Remove("blob", second.picture.number);
+        second.picture = forger.Icon(icons.at(0)).picture;
+        forger.PutIcon(icons.at(1), second);
     }
     /// Under another name, under a key and in its own place; what comes of it is sound.
     void ExpectWrittenAnewWithAll() {
@@ -235,6 +248,26 @@ TEST_F(ForgedFiles, WhoseMapsShareAPageKeepItWhenOneIsRemoved) {
     EXPECT_EQ(ContentOfFile(file_).find("error"), std::string::npos);
 }
 
+TEST_F(ForgedFiles, WhoseIconsShareAPictureKeepItWhenOneIsRemoved) {
+    ShareIconPicture();
+    Load();
+    library_->RemoveIcon(library_->IconIdAt(1));
+    library_->SaveToFile(file_.string(), "");
+    EXPECT_THAT(NotesOfLastSave(*library_), Contains(HasSubstr("keeps 1 of the pictures")));
+    EXPECT_THAT(ContentOfFile(file_), Not(HasSubstr("error")));
+}
+
+TEST_F(ForgedFiles, WhoseIconHasAPictureOfAnUnusedNumberAreRefused) {
+    {
+        Forger forger(file_);
+        const std::int64_t number = forger.Numbers("icon").at(0);
+        IconRecord icon = forger.Icon(number);
+        icon.picture.number = forger.Header().nextNumber + 7;
+        forger.PutIcon(number, icon);
+    }
+    ExpectRefused("unused", "a number is out of range");
+}
+
 TEST_F(ForgedFiles, WhoseMapsShareATileAreWrittenAnewWithBoth) {
     ShareTiles();
     ExpectWrittenAnewWithAll();
@@ -246,17 +279,7 @@ TEST_F(ForgedFiles, WhoseMapsShareAPageAreWrittenAnewWithBoth) {
 }
 
 TEST_F(ForgedFiles, WhoseIconsShareAPictureAreWrittenAnewWithBoth) {
-    Load();
-    library_->AddIconFromImageFile(Image(16), "Second");
-    library_->SaveToFile(file_.string(), "");
-    {
-        Forger forger(file_);
-        const std::vector<std::int64_t> icons = forger.Numbers("icon");
-        IconRecord second = forger.Icon(icons.at(1));
-        forger.Remove("blob", second.picture.number);
-        second.picture = forger.Icon(icons.at(0)).picture;
-        forger.PutIcon(icons.at(1), second);
-    }
+    ShareIconPicture();
     EXPECT_THAT(Findings(), Contains(HasSubstr("belong to icon")));
     ExpectSecondReaderRefuses("has two owners");
     ExpectWrittenAnewWithAll();

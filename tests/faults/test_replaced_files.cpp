@@ -222,6 +222,26 @@ TEST_F(ReplacedFiles, AreNotMadeSmallerWhereTheirOwnerWouldBeLost) {
     EXPECT_NE(StatusOf(target_).st_ino, inode) << "its owner may";
 }
 
+TEST_F(ReplacedFiles, AreNotMadeSmallerWhereTheirGroupWouldBeLost) {
+    MakeLibrary(target_, 3, 300);
+    ASSERT_EQ(chown(target_.c_str(), 1000, 2000), 0);
+    const auto inode = StatusOf(target_).st_ino;
+    for (int i = 0; i < 2; ++i)
+        ASSERT_EQ(Drive("remove-map", target_, {}, AsStranger()).status, 0);
+    EXPECT_EQ(StatusOf(target_).st_ino, inode);
+    EXPECT_EQ(StatusOf(target_).st_gid, 2000U);
+}
+
+/// Its head is empty: nothing of the file had been changed yet.
+TEST_F(ReplacedFiles, WithAJournalThatWasNeverCompletedAreReplacedAndLoseIt) {
+    const std::string content = ContentOfFile(own_);
+    WriteWholeFile(own_.string() + "-journal", std::string(512, '\0'));
+    const ProgramResult result = Drive("compact", own_);
+    EXPECT_EQ(result.status, 0) << result.out;
+    EXPECT_FALSE(fs::exists(own_.string() + "-journal"));
+    EXPECT_EQ(ContentOfFile(own_), content);
+}
+
 TEST_F(ReplacedFiles, KeepTheirExtendedAttributes) {
     const std::string value = "survey office";
     if (setxattr(own_.c_str(), "user.origin", value.data(), value.size(), 0) != 0)
