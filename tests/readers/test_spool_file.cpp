@@ -1,5 +1,6 @@
 // The temporary file behind images that cannot be read row by row.
 
+#include "component/readers/OpenImage.h"
 #include "component/readers/common/SpoolFile.h"
 #include "tests/readers/JpegWriter.h"
 #include "tests/readers/ReferenceDecoder.h"
