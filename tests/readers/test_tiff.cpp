@@ -50,7 +50,7 @@ std::optional<ErrorNumber> ErrorOf(const std::filesystem::path& file) {
 /// What reading the whole file ends in.
 std::string SentenceOf(const std::filesystem::path& file) {
     try {
-        ReadAllRows(*OpenTiff(file));
+        ReadAllRows(*OpenTiff(file, {}));
     } catch (const ComponentError& error) {
         return error.Description();
     }
@@ -214,7 +214,7 @@ TEST(Tiff, ATileOrStripAsLargeAsTheSheetNeedsNoMemoryForItAndCanBeCancelled) {
         tags.insert(tags.end(), kind.begin(), kind.end());
         WriteWholeFile(file, TiffOf(tags));
         std::filesystem::resize_file(file, std::uintmax_t{4096} + Pixels);
-        const auto reader = OpenTiff(file);
+        const auto reader = OpenTiff(file, {});
         std::vector<std::uint8_t> row(Side, 1);
         Progress progress;
         reader->WatchForCancel(progress);
