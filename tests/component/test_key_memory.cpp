@@ -58,15 +58,7 @@ std::string MakeKey() {
 
 } // namespace
 
-TEST_F(KeyMemory, LeavesNoCoreDumpOnceAKeyIsThere) {
-    prctl(PR_SET_DUMPABLE, 1);
-    SaveRichLibrary(PathOf("plain.Atlavex"));
-    Open(PathOf("plain.Atlavex"));
-    EXPECT_EQ(prctl(PR_GET_DUMPABLE), 1) << "without a key there is nothing to hide";
-    SaveRichLibrary(PathOf("sealed.Atlavex"), MakeKey());
-    EXPECT_EQ(prctl(PR_GET_DUMPABLE), 0);
-}
-
+/// The first of all: a key takes the right to core files for good.
 TEST_F(KeyMemory, AllowsNoCoreFileOnceAKeyIsThere) {
     rlimit limit{4096, 4096};
     if (setrlimit(RLIMIT_CORE, &limit) != 0)
@@ -74,6 +66,15 @@ TEST_F(KeyMemory, AllowsNoCoreFileOnceAKeyIsThere) {
     SaveRichLibrary(PathOf("sealed.Atlavex"), MakeKey());
     getrlimit(RLIMIT_CORE, &limit);
     EXPECT_EQ(limit.rlim_cur, 0U);
+}
+
+TEST_F(KeyMemory, LeavesNoCoreDumpOnceAKeyIsThere) {
+    prctl(PR_SET_DUMPABLE, 1);
+    SaveRichLibrary(PathOf("plain.Atlavex"));
+    Open(PathOf("plain.Atlavex"));
+    EXPECT_EQ(prctl(PR_GET_DUMPABLE), 1) << "without a key there is nothing to hide";
+    SaveRichLibrary(PathOf("sealed.Atlavex"), MakeKey());
+    EXPECT_EQ(prctl(PR_GET_DUMPABLE), 0);
 }
 
 TEST_F(KeyMemory, HoldsNoCopyOfTheKeyAfterSavingAndLoading) {
