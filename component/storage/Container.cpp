@@ -1,5 +1,6 @@
 #include "component/storage/Container.h"
 
+#include <chrono>
 #include <exception>
 #include <utility>
 
@@ -10,6 +11,10 @@ constexpr std::size_t WriteBackStep = std::size_t{32} << 20;
 
 /// At a time.
 constexpr int PagesGivenBack = 1000;
+
+/// It takes longer by the square of what is given back, and somebody waits for it: after this time the rest
+/// is left to the next removal, and is used again until then.
+constexpr std::chrono::milliseconds LongestGivingBack(500);
 
 } // namespace
 
@@ -56,12 +61,13 @@ void Container::Remove(BlobKind kind, std::int64_t number) {
 
 void Container::GiveBackSpace() noexcept {
     try {
+        const auto end = std::chrono::steady_clock::now() + LongestGivingBack;
         std::int64_t before = 0;
         std::int64_t left = FreePages();
         do {
             GiveBackSome();
             before = std::exchange(left, FreePages());
-        } while (left < before);
+        } while (left < before && std::chrono::steady_clock::now() < end);
     } catch (const std::exception&) {
         return; // what was not given back is used again
     }

@@ -40,8 +40,8 @@ public:
     /// Nothing when there is no such row.
     std::optional<Bytes> GetStored(BlobKind kind, std::int64_t number);
     void Remove(BlobKind kind, std::int64_t number);
-    /// Gives back to the disk what was removed from a scratch, as far as that is possible; in a library's
-    /// file the space stays for what is saved next.
+    /// Gives back to the disk what was removed from a scratch, as far as that is possible within half a
+    /// second; in a library's file the space stays for what is saved next.
     void GiveBackSpace() noexcept;
 
     /// Closes the blob and stores it; gives its length as stored and its digest.
