@@ -3,6 +3,7 @@
 # tools/main-job.sh [BUILD] names the folder of the programs.
 # The sheet's printed crossings were placed by PROJ, so that the positions are checked against another program.
 set -euo pipefail
+export LC_ALL=C.UTF-8 # awk reads and writes numbers as the user's locale has them
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 build=$(realpath "${1:-build}")

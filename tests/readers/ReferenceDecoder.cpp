@@ -102,7 +102,8 @@ RgbaImage DecodeWithPillow(const std::filesystem::path& file) {
 RgbaImage DecodeWithImageMagick(const std::filesystem::path& file, const std::vector<std::string>& options) {
     const TempFolder folder;
     const auto raw = folder / "pixels.rgba";
-    std::vector<std::string> command{"/usr/bin/convert", "-quiet"};
+    // In a Turkish locale it looks for "GİF" and knows no such format.
+    std::vector<std::string> command{"/usr/bin/env", "LC_ALL=C.UTF-8", "/usr/bin/convert", "-quiet"};
     const auto append = [&command](const std::vector<std::string>& words) {
         command.insert(command.end(), words.begin(), words.end());
     };
