@@ -134,7 +134,7 @@ TEST_F(Usage, AMistypedNameIsAnsweredWithTheOneThatWasMeant) {
     ExpectFailure(1, {"offset", library, "Hat", "1,1"}, "; did you mean 'Hut'?");
     ExpectFailure(1, {"locate", library, "Elsewhere", "1", "1"}, "; the library has 1 map.");
     ExpectFailure(2, {"project", "--grid", "UTM (etsr89)", "--zone", "32"}, "; did you mean 'UTM (etrs89)'?");
-    ExpectFailure(1, {"shift", "--datum", "ED5O"}, "; did you mean 'ED50'?");
+    ExpectFailure(2, {"shift", "--datum", "ED5O"}, "; did you mean 'ED50'?");
 }
 
 TEST_F(Usage, NumbersAreTakenOnlyInTheirForm) {

@@ -208,7 +208,8 @@ private:
 
 /// An early form of LZW, whose codes begin at the other end of the bytes.
 bool IsOldLzw(TiffFile& file, std::uint32_t block) {
-    const auto start = TiffBytes(file, block).Next();
+    TiffBytes bytes(file, block);
+    const auto start = bytes.Next();
     return start.size() >= 2 && start[0] == 0 && (start[1] & 1) != 0;
 }
 

@@ -13,7 +13,8 @@ public:
     /// The file must outlive the object.
     TiffBytes(TiffFile& file, std::uint32_t block);
 
-    /// The next bytes, none at the end of the block or the file. They stay until the next call.
+    /// The next bytes, none at the end of the block or the file. They stay until the next call
+    /// and as long as the object.
     std::span<const std::uint8_t> Next();
     [[noreturn]] void ThrowDamaged(const std::string& reason) const;
 
