@@ -21,7 +21,7 @@ from browser import Browser
 gdal.UseExceptions()
 Image.MAX_IMAGE_PIXELS = None
 _ATLAVEX = None
-_SHEETS = None
+_DRAWN = None
 _WIDTH, _HEIGHT = 1200, 900  # of the browser's page
 _FARTHEST_DRAG = 500
 _SHEETS = ("sheet-rgb.tif", "polar.png", "sheet-palette.tif")  # in the order of the exports
@@ -35,7 +35,7 @@ class Exported(unittest.TestCase):
         cls._temporary = tempfile.TemporaryDirectory()
         cls.addClassCleanup(cls._temporary.cleanup)
         cls.folder = Path(cls._temporary.name)
-        shutil.copytree(_SHEETS, cls.folder, dirs_exist_ok=True)
+        shutil.copytree(_DRAWN, cls.folder, dirs_exist_ok=True)
         cls.truth = json.loads((cls.folder / "truth.json").read_text(encoding="utf-8"))
         sheet, polar = cls.truth["topographic"], cls.truth["polar"]
         cls._run("new", "lib.Atlavex")
@@ -165,6 +165,6 @@ class Exported(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    _SHEETS = sys.argv.pop(2)
+    _DRAWN = sys.argv.pop(2)
     _ATLAVEX = sys.argv.pop(1)
     unittest.main()
