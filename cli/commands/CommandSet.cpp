@@ -6,6 +6,8 @@
 #include "cli/input/Suggestion.h"
 #include "cli/output/Output.h"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <string_view>
 
@@ -51,31 +53,37 @@ CLI::Option* AddRaw(CLI::App& command, const std::string& name, const std::strin
     return command.add_option(name, keep, help)->type_name(form);
 }
 
+/// `Text` is a text, or an optional one where an empty text is something else than none.
+template <class Text>
+CLI::Option* AddOne(CLI::App& command, const std::string& name, const std::string& form, Text& target,
+                    const std::string& help) {
+    return AddRaw(command, name, form, help, [&target](const CLI::results_t& results) {
+        target = results.empty() ? "" : results.front();
+    });
+}
+
 } // namespace
 
-CLI::Option* AddRequired(CLI::App& command, const std::string& name, std::string& target,
-                         const std::string& help, const std::string& form) {
-    return AddText(command, name, form, target, help)->required();
+void AddRequired(CLI::App& command, const std::string& name, std::string& target, const std::string& help,
+                 const std::string& form) {
+    AddOne(command, name, form, target, help)->required();
 }
 
-CLI::Option* AddText(CLI::App& command, const std::string& name, const std::string& form, std::string& target,
-                     const std::string& help) {
-    return AddRaw(command, name, form, help, [&target](const CLI::results_t& results) {
-        target = results.empty() ? "" : results.front();
-    });
+void AddText(CLI::App& command, const std::string& name, const std::string& form, std::string& target,
+             const std::string& help) {
+    AddOne(command, name, form, target, help);
 }
 
-CLI::Option* AddText(CLI::App& command, const std::string& name, const std::string& form,
-                     std::optional<std::string>& target, const std::string& help) {
-    return AddRaw(command, name, form, help, [&target](const CLI::results_t& results) {
-        target = results.empty() ? "" : results.front();
-    });
+void AddText(CLI::App& command, const std::string& name, const std::string& form,
+             std::optional<std::string>& target, const std::string& help) {
+    AddOne(command, name, form, target, help);
 }
 
-CLI::Option* AddTexts(CLI::App& command, const std::string& name, const std::string& form,
-                      std::vector<std::string>& target, const std::string& help) {
+void AddTexts(CLI::App& command, const std::string& name, const std::string& form,
+              std::vector<std::string>& target, const std::string& help) {
     const bool positional = !name.starts_with('-'); // an option takes one text each time it is given
-    return AddRaw(command, name, form, help, [&target](const CLI::results_t& results) { target = results; })
+    AddRaw(command, name, form, help, [&target](const CLI::results_t& results) { target = results; })
+        ->required(positional)
         ->expected(-1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
         ->allow_extra_args(positional);
@@ -94,21 +102,25 @@ void AddLibraryToChange(CLI::App& command, LibraryChoice& choice) {
 
 void AddKey(CLI::App& command, KeyOptions& key, const std::string& prefix, const std::string& whose) {
     CLI::Option* file =
-        AddText(command, prefix + "-file", "FILE", key.file,
-                "File that holds the key " + whose + "; one line end at its end does not count.");
-    AddText(command, prefix + "-env", "NAME", key.variable, "Environment variable that holds that key.")
+        AddOne(command, prefix + "-file", "FILE", key.file,
+               "File that holds the key " + whose + "; one line end at its end does not count.");
+    AddOne(command, prefix + "-env", "NAME", key.variable, "Environment variable that holds that key.")
         ->excludes(file);
 }
 
-void AddJson(CLI::App& command, bool& json) {
-    command.add_flag("--json", json, "Print JSON instead of lines of text.");
+void AddFlag(CLI::App& command, const std::string& name, bool& target, const std::string& help) {
+    command.add_flag(name, target, help);
 }
 
-CommandSet::CommandSet() : app_("", "atlavex") {
-    app_.formatter(std::make_shared<ProgramHelp>());
-    app_.set_help_flag("-h,--help", "Print this page.");
-    app_.set_version_flag("--version", "atlavex " + VersionText(), "Print the version.");
-    app_.require_subcommand(1);
+void AddJson(CLI::App& command, bool& json) {
+    AddFlag(command, "--json", json, "Print JSON instead of lines of text.");
+}
+
+CommandSet::CommandSet() : app_(std::make_unique<CLI::App>("", "atlavex")) {
+    app_->formatter(std::make_shared<ProgramHelp>());
+    app_->set_help_flag("-h,--help", "Print this page.");
+    app_->set_version_flag("--version", "atlavex " + VersionText(), "Print the version.");
+    app_->require_subcommand(1);
     AddLibraryCommands(*this);
     AddMapCommands(*this);
     AddSetGridCommand(*this);
@@ -119,21 +131,27 @@ CommandSet::CommandSet() : app_("", "atlavex") {
     AddOutputCommands(*this);
 }
 
+CommandSet::~CommandSet() = default;
+
 CLI::App& CommandSet::Add(const CommandText& text) {
-    CLI::App& command = *app_.add_subcommand(text.name, text.summary);
+    CLI::App& command = *app_->add_subcommand(text.name, text.summary);
     command.formatter(std::make_shared<CommandHelp>(text));
     command.set_help_flag("-h,--help", "Print this page.");
     return command;
+}
+
+void CommandSet::OnRun(CLI::App& command, std::function<ExitStatus()> action) {
+    command.callback([this, action = std::move(action)] { action_ = action; });
 }
 
 void CommandSet::CheckCommandName(int argumentCount, const char* const* arguments) const {
     if (argumentCount < 2)
         throw UsageError("A command is missing (atlavex --help lists them).");
     const std::string name = arguments[1];
-    if (name.starts_with('-') && app_.get_option_no_throw(name) == nullptr)
+    if (name.starts_with('-') && app_->get_option_no_throw(name) == nullptr)
         throw UsageError("There is no option '" + name +
                          "' in front of a command (atlavex --help lists them).");
-    const std::vector<std::string> names = CommandNames(app_);
+    const std::vector<std::string> names = CommandNames(*app_);
     if (!name.starts_with('-') && std::find(names.begin(), names.end(), name) == names.end())
         throw UsageError("There is no command '" + name + "' (atlavex --help lists them)" +
                          DidYouMean(name, names));
@@ -143,14 +161,14 @@ ExitStatus CommandSet::Parse(int argumentCount, const char* const* arguments) {
     try {
         std::vector<std::string> words = GuardedArguments(argumentCount, arguments);
         std::reverse(words.begin(), words.end()); // the parser takes them from the back
-        app_.parse(std::move(words));
+        app_->parse(std::move(words));
         return ExitStatus::Done;
     } catch (const CLI::CallForHelp&) {
-        Print(app_.help());
+        Print(app_->help());
     } catch (const CLI::CallForVersion& version) {
         Print(std::string(version.what()) + "\n");
     } catch (const CLI::ParseError& error) {
-        const auto chosen = app_.get_subcommands();
+        const auto chosen = app_->get_subcommands();
         throw UsageError(AsSentence(error, chosen.empty() ? "" : chosen.front()->get_name()));
     }
     return ExitStatus::Done;

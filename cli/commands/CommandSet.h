@@ -3,13 +3,16 @@
 #include "cli/commands/OpenedLibrary.h"
 #include "cli/output/ExitStatus.h"
 
-#include <CLI/CLI.hpp>
-
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+// Only what parses the command line includes the parser's header: compiling it takes longer than a command.
+namespace CLI {
+class App;
+}
 
 /// What the help of a command says beside its arguments.
 struct CommandText {
@@ -24,6 +27,7 @@ struct CommandText {
 class CommandSet {
 public:
     CommandSet();
+    ~CommandSet();
 
     /// A new command; the caller adds its arguments.
     CLI::App& Add(const CommandText& text);
@@ -31,17 +35,18 @@ public:
     /// What runs when the command was chosen. The options live as long as the command.
     template <class Options>
     void OnRun(CLI::App& command, std::shared_ptr<Options> options, ExitStatus (*run)(const Options&)) {
-        command.callback([this, options, run] { action_ = [options, run] { return run(*options); }; });
+        OnRun(command, [options, run] { return run(*options); });
     }
 
     /// Parses the command line and runs what it asks for. Throws CommandFailure and ComponentError.
     ExitStatus Run(int argumentCount, const char* const* arguments);
 
 private:
+    void OnRun(CLI::App& command, std::function<ExitStatus()> action);
     ExitStatus Parse(int argumentCount, const char* const* arguments);
     void CheckCommandName(int argumentCount, const char* const* arguments) const;
 
-    CLI::App app_;
+    std::unique_ptr<CLI::App> app_;
     std::function<ExitStatus()> action_;
 };
 
@@ -49,17 +54,19 @@ private:
 
 /// A text that must be given; the name of a positional one is in capitals. `form` stands behind an option in
 /// the help ("WxH").
-CLI::Option* AddRequired(CLI::App& command, const std::string& name, std::string& target,
-                         const std::string& help, const std::string& form = "");
+void AddRequired(CLI::App& command, const std::string& name, std::string& target, const std::string& help,
+                 const std::string& form = "");
 /// A text that may be given.
-CLI::Option* AddText(CLI::App& command, const std::string& name, const std::string& form, std::string& target,
-                     const std::string& help);
+void AddText(CLI::App& command, const std::string& name, const std::string& form, std::string& target,
+             const std::string& help);
 /// The same where an empty text is something else than none.
-CLI::Option* AddText(CLI::App& command, const std::string& name, const std::string& form,
-                     std::optional<std::string>& target, const std::string& help);
-/// A text that may be repeated.
-CLI::Option* AddTexts(CLI::App& command, const std::string& name, const std::string& form,
-                      std::vector<std::string>& target, const std::string& help);
+void AddText(CLI::App& command, const std::string& name, const std::string& form,
+             std::optional<std::string>& target, const std::string& help);
+/// A text that may be repeated; a positional one must be given.
+void AddTexts(CLI::App& command, const std::string& name, const std::string& form,
+              std::vector<std::string>& target, const std::string& help);
+/// A switch: true when it is given.
+void AddFlag(CLI::App& command, const std::string& name, bool& target, const std::string& help);
 /// FILE and the options of its key.
 void AddLibrary(CLI::App& command, LibraryChoice& choice);
 /// The same for a command that changes FILE, with how long it waits for other programs.

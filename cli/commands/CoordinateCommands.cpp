@@ -82,7 +82,7 @@ void AddPosition(CLI::App& command, PositionOptions& options, const PairNames& n
     AddRequired(command, "MAP", options.map, "The map: position from 1, name or identifier.");
     AddText(command, names.x, "", options.x, numbersHelp);
     AddText(command, names.y, "", options.y, "The second number of the pair.");
-    command.add_flag("--wgs84", options.wgs84, wgs84Help);
+    AddFlag(command, "--wgs84", options.wgs84, wgs84Help);
     AddJson(command, options.json);
 }
 
@@ -162,7 +162,7 @@ void AddProject(CommandSet& commands) {
                 "The grid, as atlavex catalogue lists it: \"UTM (etrs89)\".", "TEXT");
     AddText(command, "--zone", "Z", options->zone,
             "Its zone, where it has zones: a number (32, the state-plane code 4204) or its text (M31).");
-    command.add_flag("--inverse", options->inverse, "From easting and northing to longitude and latitude.");
+    AddFlag(command, "--inverse", options->inverse, "From easting and northing to longitude and latitude.");
     AddJson(command, options->json);
     commands.OnRun(command, options, RunProject);
 }
@@ -203,7 +203,7 @@ void AddShift(CommandSet& commands) {
          "echo 9 48 | atlavex shift --datum ED50\necho 9 48 | atlavex shift --datum ED50 --inverse"});
     AddRequired(command, "--datum", options->datum, "The datum, as atlavex catalogue lists it: ED50.",
                 "TEXT");
-    command.add_flag("--inverse", options->inverse, "From WGS84 to the datum.");
+    AddFlag(command, "--inverse", options->inverse, "From WGS84 to the datum.");
     AddJson(command, options->json);
     commands.OnRun(command, options, RunShift);
 }

@@ -101,8 +101,7 @@ void AddMerge(CommandSet& commands) {
          "atlavex merge alps.Atlavex west.Atlavex east.Atlavex"});
     AddLibraryToChange(command, options->library);
     AddTexts(command, "OTHER", "OTHER...", options->others,
-             "Libraries whose content is added; they are only read.")
-        ->required();
+             "Libraries whose content is added; they are only read.");
     AddKey(command, options->otherKey, "--other-key", "that opens the sealed ones among OTHER");
     commands.OnRun(command, options, RunMerge);
 }
@@ -137,7 +136,7 @@ void AddRekey(CommandSet& commands) {
          "atlavex rekey alps.Atlavex --key-file key.txt --no-key"});
     AddLibraryToChange(command, options->library);
     AddKey(command, options->newKey, "--new-key", "under which FILE is sealed from now on");
-    command.add_flag("--no-key", options->noKey, "Make a plain file that everybody can read.");
+    AddFlag(command, "--no-key", options->noKey, "Make a plain file that everybody can read.");
     commands.OnRun(command, options, RunRekey);
 }
 

@@ -54,8 +54,7 @@ void AddSet(CommandSet& commands) {
          "description=\"Mountain hut\""});
     AddObject(command, *options);
     AddTexts(command, "PAIRS", "KEY=VALUE...", options->texts,
-             "A key and its text, cut at the first equals sign.")
-        ->required();
+             "A key and its text, cut at the first equals sign.");
     commands.OnRun(command, options, RunSet);
 }
 
@@ -83,7 +82,7 @@ void AddUnset(CommandSet& commands) {
                       "the present time unless it is removed itself.",
                       "atlavex unset alps.Atlavex map 1 author"});
     AddObject(command, *options);
-    AddTexts(command, "KEYS", "KEY...", options->texts, "The key whose text is removed.")->required();
+    AddTexts(command, "KEYS", "KEY...", options->texts, "The key whose text is removed.");
     commands.OnRun(command, options, RunUnset);
 }
 
