@@ -2,6 +2,7 @@
 
 #include "base/ComponentError.h"
 #include "catalogue/modCountryGadgets.h"
+#include "coordinates/GridTable.h"
 
 #include <algorithm>
 #include <charconv>
@@ -25,13 +26,14 @@ std::optional<std::int32_t> WholeNumber(std::string_view text) {
     throw ComponentError(ErrorNumber::UnknownZone, fault + ": " + expected + ".");
 }
 
-/// The number of a state-plane zone: its item is four digits of code, a blank, and the name.
-std::optional<std::int32_t> StatePlaneCode(const std::vector<std::string>& items, const std::string& text) {
-    constexpr std::size_t codeLength = 4;
+constexpr std::size_t CodeLength = 4; ///< of a state-plane zone's text; a blank and the name follow
+
+std::optional<std::int32_t> FindStatePlaneCode(const std::vector<std::string>& items,
+                                               const std::string& text) {
     const auto number = WholeNumber(text);
     for (const std::string& item : items) {
-        const auto code = WholeNumber(item.substr(0, codeLength));
-        if (item == text || item.substr(codeLength + 1) == text || code == number)
+        const std::int32_t code = StatePlaneCode(item);
+        if (item == text || item.substr(CodeLength + 1) == text || code == number)
             return code;
     }
     return std::nullopt;
@@ -56,7 +58,7 @@ std::string Quoted(const std::vector<std::string>& items) {
 
 GridChoice TypedZone(const std::string& grid, const std::string& zone) {
     const auto number = WholeNumber(zone);
-    if (!number || *number < 1 || *number > 60)
+    if (!number || *number < LowestTypedZone || *number > HighestTypedZone)
         ThrowZone(grid, zone, "a whole number from 1 to 60 is expected");
     const auto identifier = GridIdentifier(grid, 0);
     return {identifier, *number, MakeGrid(identifier, *number)};
@@ -64,7 +66,7 @@ GridChoice TypedZone(const std::string& grid, const std::string& zone) {
 
 GridChoice StatePlaneZone(const std::string& grid, const std::string& zone,
                           const std::vector<std::string>& items) {
-    const auto code = StatePlaneCode(items, zone);
+    const auto code = FindStatePlaneCode(items, zone);
     if (!code)
         ThrowZone(grid, zone,
                   "a state-plane code or name such as " + Quoted({items.front()}) +
@@ -85,18 +87,28 @@ GridChoice ListZone(const std::string& grid, const std::string& zone, const std:
 
 } // namespace
 
+std::int32_t StatePlaneCode(const std::string& zoneText) {
+    const auto code = WholeNumber(std::string_view(zoneText).substr(0, CodeLength));
+    if (!code)
+        throw ComponentError(ErrorNumber::UnknownZone, "\"" + zoneText + "\" is no state-plane zone.");
+    return *code;
+}
+
 GridChoice ChooseGrid(const std::string& gridText, const std::string& zoneText) {
     const auto identifier = GridIdentifier(gridText, 0);
     if (identifier == 0)
         throw ComponentError(ErrorNumber::UnknownGrid,
                              "There is no grid \"" + gridText + "\"; all are listed by: atlavex catalogue.");
-    if (GridHasNumericZone(gridText))
+    switch (ZoneKindOf(gridText)) {
+    case ZoneKind::Typed:
         return TypedZone(gridText, zoneText);
-    const auto zones = ZonesOf(gridText);
-    if (gridText.starts_with("State Plane"))
-        return StatePlaneZone(gridText, zoneText, zones);
-    if (!zones.empty())
-        return ListZone(gridText, zoneText, zones);
+    case ZoneKind::StatePlane:
+        return StatePlaneZone(gridText, zoneText, ZonesOf(gridText));
+    case ZoneKind::List:
+        return ListZone(gridText, zoneText, ZonesOf(gridText));
+    case ZoneKind::None:
+        break;
+    }
     if (!zoneText.empty())
         ThrowZone(gridText, zoneText, "it is a single grid without zones");
     return {identifier, 0, MakeGrid(identifier, 0)};

@@ -11,7 +11,14 @@ struct GridChoice {
     /// The typed zone or the state-plane code; the 1-based place in a zone list; 0 for a grid without zones.
     std::int32_t zone;
     QuorvantGrid grid;
+
+    /// The zone as maps made by the command carry it: a decimal number, empty for a grid without zones.
+    std::string ZoneText() const { return zone == 0 ? "" : std::to_string(zone); }
 };
+
+/// The code at the head of a state-plane zone's text: 101 of "0101 Alabama East". Throws UnknownZone for a
+/// text without one.
+std::int32_t StatePlaneCode(const std::string& zoneText);
 
 /// The grid of a text of the catalogue and a zone as it is written on a command line:
 /// - a grid with a typed zone: a whole number from 1 to 60;

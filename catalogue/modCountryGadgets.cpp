@@ -3,7 +3,7 @@
 #include "base/CheckedNumbers.h"
 #include "catalogue/modCountryData.h"
 #include "catalogue/modSPCS.h"
-#include "coordinates/CatalogueTexts.h"
+#include "coordinates/StatePlaneTable.h"
 
 #include <algorithm>
 
@@ -43,10 +43,12 @@ std::span<const std::string_view> DatumsOf(std::string_view country) {
 }
 
 std::vector<std::string> ZonesOf(std::string_view grid) {
-    if (grid == "State Plane (nad27)")
-        return CodesWithNames(SpcsNad27Code, SpcsNad27Name);
-    if (grid == "State Plane (nad83)")
-        return CodesWithNames(SpcsNad83Code, SpcsNad83Name);
+    const GridEntry* entry = FindGrid(grid);
+    if (entry == nullptr)
+        return {};
+    if (entry->zoneKind == ZoneKind::StatePlane)
+        return entry->identifier == StatePlaneNad27Identifier ? CodesWithNames(SpcsNad27Code, SpcsNad27Name)
+                                                              : CodesWithNames(SpcsNad83Code, SpcsNad83Name);
     const auto table = ZoneListTable();
     const auto row = std::ranges::find(table, grid, &ZoneListRow::grid);
     if (row == table.end())
@@ -54,9 +56,13 @@ std::vector<std::string> ZonesOf(std::string_view grid) {
     return {row->zones.begin(), row->zones.end()};
 }
 
-bool GridHasNumericZone(std::string_view grid) {
+ZoneKind ZoneKindOf(std::string_view grid) {
     const GridEntry* entry = FindGrid(grid);
-    return entry != nullptr && entry->zoneKind == ZoneKind::Typed;
+    return entry == nullptr ? ZoneKind::None : entry->zoneKind;
+}
+
+bool GridHasNumericZone(std::string_view grid) {
+    return ZoneKindOf(grid) == ZoneKind::Typed;
 }
 
 std::int16_t GridIdentifier(std::string_view grid, std::int16_t zone) {

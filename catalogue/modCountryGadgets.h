@@ -1,5 +1,7 @@
 #pragma once
 
+#include "coordinates/CatalogueTexts.h"
+
 #include <cstdint>
 #include <span>
 #include <string>
@@ -16,6 +18,9 @@ std::span<const std::string_view> DatumsOf(std::string_view country);
 /// The zones to pick from: "0101 Alabama East" … for the state-plane grids, the fixed list of a list-zone
 /// grid, nothing for any other grid.
 std::vector<std::string> ZonesOf(std::string_view grid);
+
+/// How the grid comes by its zone; None for a text that is no grid.
+ZoneKind ZoneKindOf(std::string_view grid);
 
 /// True for the ten grids whose zone is typed as a number from 1 to 60.
 bool GridHasNumericZone(std::string_view grid);

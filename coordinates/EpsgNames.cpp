@@ -1,10 +1,10 @@
 #include "coordinates/EpsgNames.h"
 
+#include "coordinates/StatePlaneTable.h"
+
 #include <algorithm>
 
 namespace {
-
-constexpr std::int16_t StatePlaneNad83Identifier = 31;
 
 std::optional<EpsgGrid> StatePlane(std::int32_t zone) {
     const auto zones = EpsgStatePlaneNad83();

@@ -71,6 +71,10 @@ inline constexpr std::array<GridRow, 34> GridTable{{
     {49, DanishTd32Numbers, DanishGrid(3)},                                                                          // System 45
 }};
 
+/// The zones of each of them.
+inline constexpr std::int32_t LowestTypedZone = 1;
+inline constexpr std::int32_t HighestTypedZone = 60;
+
 inline constexpr std::array<TypedZoneRow, 10> TypedZoneTable{{
     {1,  1,  6, -183, 0.9996, 0, 0},        // UTM North (wgs84)
     {2,  1,  6, -183, 0.9996, 0, 10000000}, // UTM South (wgs84)

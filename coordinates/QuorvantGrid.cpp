@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr std::int16_t StatePlaneNad27Identifier = 30;
-constexpr std::int16_t StatePlaneNad83Identifier = 31;
 constexpr std::int16_t UtmNad27Identifier = 32;
 constexpr std::int16_t Nad27Alaska = 20;
 constexpr std::int16_t Nad27Conus = 22;
@@ -29,7 +27,7 @@ std::int16_t UtmNad27Datum(std::int32_t zone) {
 }
 
 QuorvantGrid TypedZoneGrid(const TypedZoneRow& row, std::int32_t zone) {
-    if (zone < 1 || zone > 60)
+    if (zone < LowestTypedZone || zone > HighestTypedZone)
         throw ComponentError(ErrorNumber::UnknownZone,
                              "The zone " + std::to_string(zone) + " is not between 1 and 60.");
     const auto datum = row.identifier == UtmNad27Identifier ? UtmNad27Datum(zone) : row.datum;

@@ -9,9 +9,6 @@
 
 namespace {
 
-constexpr std::int16_t StatePlaneNad27Identifier = 30;
-constexpr std::int16_t StatePlaneNad83Identifier = 31;
-
 const GridEntry* FindEntry(std::int32_t identifier) {
     const auto entry = std::ranges::find_if(GridEntries, [identifier](const GridEntry& candidate) {
         return identifier >= candidate.identifier &&
@@ -100,7 +97,7 @@ std::string ZoneText(const GridNumbers& grid, const std::string& zone) {
 std::vector<GridFit> FittingGrids(const GridNumbers& grid, const QuorvantDatum& datum) {
     GridSearch search(grid, datum);
     for (const TypedZoneRow& row : TypedZoneTable)
-        for (std::int32_t zone = 1; zone <= 60; ++zone)
+        for (std::int32_t zone = LowestTypedZone; zone <= HighestTypedZone; ++zone)
             search.Try(row.identifier, zone);
     for (const GridRow& row : GridTable)
         search.Try(row.identifier, 0);

@@ -2,7 +2,7 @@
 
 #include "base/CheckedNumbers.h"
 #include "catalogue/modCountryGadgets.h"
-#include "catalogue/modSPCS.h"
+#include "coordinates/GridTable.h"
 #include "platform/modFields.h"
 #include "platform/modMessages.h"
 #include "wizard/GridDatumCombos.h"
@@ -12,24 +12,7 @@
 #include <QLabel>
 #include <QLineEdit>
 
-#include <charconv>
 #include <cmath>
-
-namespace {
-
-constexpr std::int16_t LowestZone = 1;
-constexpr std::int16_t HighestZone = 60;
-
-/// "0101" is zone 101. Every code is four digits.
-template <typename Codes>
-std::int16_t StatePlaneZone(const Codes& codes, int row) {
-    const std::string_view code = codes.at(CheckedNarrow<std::size_t>(row));
-    std::int16_t zone = 0;
-    std::from_chars(code.data(), code.data() + code.size(), zone);
-    return zone;
-}
-
-} // namespace
 
 GridChooser::GridChooser(const Fields& fields) : fields_(fields) {
     // A zone's text begins with its code, which hardly anybody knows.
@@ -60,7 +43,7 @@ void GridChooser::GridChanged() {
         fields_.ddZone.setCurrentIndex(0);
 }
 
-std::optional<ChosenGrid> GridChooser::Choose(QWidget* form) {
+std::optional<GridChoice> GridChooser::Choose(QWidget* form) {
     const QString gridText = ComboText(fields_.ddGrid);
     const std::string grid = gridText.toStdString();
     const std::optional<std::int16_t> zone = Zone(gridText);
@@ -69,20 +52,18 @@ std::optional<ChosenGrid> GridChooser::Choose(QWidget* form) {
         ShowMessage(form, QStringLiteral("No grid selected!"));
         return std::nullopt;
     }
-    if (GridHasNumericZone(grid) && (!zone || *zone < LowestZone || *zone > HighestZone)) {
+    if (GridHasNumericZone(grid) && (!zone || *zone < LowestTypedZone || *zone > HighestTypedZone)) {
         ShowMessage(form, QStringLiteral("Invalid Zone. Should be between 1 and 60"));
         fields_.txtZone.setFocus();
         fields_.txtZone.selectAll();
         return std::nullopt;
     }
-    return ChosenGrid{identifier, *zone, MakeGrid(identifier, *zone)};
+    return GridChoice{identifier, *zone, MakeGrid(identifier, *zone)};
 }
 
 std::optional<std::int16_t> GridChooser::Zone(const QString& grid) const {
-    if (grid == QLatin1String("State Plane (nad27)"))
-        return StatePlaneZone(SpcsNad27Code, fields_.ddZone.currentIndex());
-    if (grid == QLatin1String("State Plane (nad83)"))
-        return StatePlaneZone(SpcsNad83Code, fields_.ddZone.currentIndex());
+    if (ZoneKindOf(grid.toStdString()) == ZoneKind::StatePlane)
+        return CheckedNarrow<std::int16_t>(StatePlaneCode(ComboText(fields_.ddZone).toStdString()));
     // The zone of a zone list is not read: the first zone of the list is the one that reaches the map.
     return fields_.txtZone.isHidden() ? std::int16_t{0} : TypedZone();
 }

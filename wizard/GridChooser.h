@@ -1,6 +1,6 @@
 #pragma once
 
-#include "coordinates/QuorvantGrid.h"
+#include "catalogue/GridChoice.h"
 
 #include <QString>
 
@@ -11,14 +11,6 @@ class QComboBox;
 class QLabel;
 class QLineEdit;
 class QWidget;
-
-/// A grid of the catalogue as it was chosen in a form.
-struct ChosenGrid {
-    std::int16_t identifier = 0;
-    /// The typed zone, the state-plane code as a number, or 0.
-    std::int16_t zone = 0;
-    QuorvantGrid grid;
-};
 
 /// The fields in which a grid and its zone are chosen: the same in every form that asks for a grid.
 class GridChooser {
@@ -40,9 +32,9 @@ public:
     void Unselect(QComboBox* ddDatum);
     /// Shows the zone fields that the selected grid needs.
     void GridChanged();
-    /// The grid as it stands in the fields. Otherwise says what is missing, in a message before `form`, and
-    /// returns nothing. Throws what MakeGrid throws.
-    std::optional<ChosenGrid> Choose(QWidget* form);
+    /// The grid as it stands in the fields, the first zone of a zone list and its zone 0. Otherwise says what
+    /// is missing, in a message before `form`, and returns nothing. Throws what MakeGrid throws.
+    std::optional<GridChoice> Choose(QWidget* form);
 
 private:
     /// Nothing for a typed zone that is no number or beyond 16 bits.

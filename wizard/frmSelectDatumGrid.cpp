@@ -1,5 +1,6 @@
 #include "wizard/frmSelectDatumGrid.h"
 
+#include "base/CheckedNumbers.h"
 #include "base/ComponentError.h"
 #include "catalogue/modCountryData.h"
 #include "catalogue/modCountryGadgets.h"
@@ -115,11 +116,11 @@ bool frmSelectDatumGrid::TakeDatum() {
 }
 
 bool frmSelectDatumGrid::TakeGrid() {
-    const std::optional<ChosenGrid> chosen = chooser_->Choose(this);
+    const std::optional<GridChoice> chosen = chooser_->Choose(this);
     if (!chosen)
         return false;
     gridIdentifier_ = chosen->identifier;
-    zone_ = chosen->zone;
+    zone_ = CheckedNarrow<std::int16_t>(chosen->zone);
     grid_ = chosen->grid;
     return true;
 }

@@ -1,5 +1,6 @@
 #include "wizard/frmSelectWorldfileGrid.h"
 
+#include "base/CheckedNumbers.h"
 #include "catalogue/modCountryData.h"
 #include "platform/RemoteCoordinates.h"
 #include "platform/modFields.h"
@@ -77,11 +78,11 @@ bool frmSelectWorldfileGrid::TakeCustomGrid() {
 }
 
 bool frmSelectWorldfileGrid::TakeListedGrid() {
-    const std::optional<ChosenGrid> chosen = chooser_->Choose(this);
+    const std::optional<GridChoice> chosen = chooser_->Choose(this);
     if (!chosen)
         return false;
     identifier_ = chosen->identifier;
-    zone_ = chosen->zone;
+    zone_ = CheckedNarrow<std::int16_t>(chosen->zone);
     grid_ = chosen->grid;
     return true;
 }

@@ -133,7 +133,7 @@ struct ProjectOptions {
 constexpr PairNames GridNames{"easting", "northing"};
 
 ExitStatus RunProject(const ProjectOptions& options) {
-    const NamedGrid named = GridByName(options.grid, options.zone);
+    const GridChoice named = GridByName(options.grid, options.zone);
     const GridProjection projection(named.grid.AsNumbers(), named.grid.Datum());
     const PairConversion forward = [&projection](const Pair& pair) {
         const EastNorth position = projection.Forward({pair.x, pair.y});

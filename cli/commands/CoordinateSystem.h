@@ -1,23 +1,44 @@
 #pragma once
 
-#include "coordinates/QuorvantDatum.h"
-#include "coordinates/QuorvantGrid.h"
+#include "catalogue/GridChoice.h"
+#include "component/AtlavexMap.h"
 
-#include <cstdint>
+#include <optional>
 #include <string>
 
 // Grids and datums between the texts of the catalogue and their numbers.
 
-/// A grid as a map keeps it.
-struct NamedGrid {
-    std::int16_t identifier = 0;
-    std::string zone; ///< for display: a decimal string, empty where the grid has none
-    QuorvantGrid grid;
-};
-
 /// The grid of a catalogue text ("UTM (etrs89)") and a zone: a number ("32", "4204") or the zone's text in
 /// the catalogue ("M31"). Throws UnknownGrid or UnknownZone.
-NamedGrid GridByName(const std::string& grid, const std::string& zone);
+GridChoice GridByName(const std::string& grid, const std::string& zone);
 
 /// The datum of a catalogue text ("ED50"). Throws UnknownDatum.
 QuorvantDatum DatumByName(const std::string& datum);
+
+/// The arguments that name a coordinate system, as typed: a grid, with a zone where it has zones, or a datum.
+struct SystemOptions {
+    std::string grid;
+    std::string zone;
+    std::string datum;
+
+    bool Given() const { return !(grid.empty() && zone.empty() && datum.empty()); }
+};
+
+/// Throws UsageError unless there is either a grid or a datum; `needer` begins the sentence ("A scaling").
+void CheckSystemChoice(const SystemOptions& options, const std::string& needer);
+
+/// What the coordinates of a map's reference points mean.
+class CoordinateSystem {
+public:
+    /// The options were checked. Throws what GridByName and DatumByName throw.
+    explicit CoordinateSystem(const SystemOptions& options);
+
+    bool HasGrid() const { return grid_.has_value(); }
+    /// Gives the map its datum and, where there is one, its grid with identifier and zone; a scaling that
+    /// follows takes them.
+    void ApplyTo(AtlavexMap& map) const;
+
+private:
+    std::optional<GridChoice> grid_;
+    QuorvantDatum datum_;
+};

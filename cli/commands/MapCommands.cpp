@@ -15,15 +15,15 @@ constexpr const char* ScalingUsage =
     "times))";
 
 void AddScalingOptions(CLI::App& command, ScalingOptions& scaling, const std::string& worldfileHelp) {
-    AddText(command, "--grid", "TEXT", scaling.grid,
+    AddText(command, "--grid", "TEXT", scaling.system.grid,
             "Grid of the coordinates, eastings and northings in metres, as atlavex catalogue lists it: \"UTM "
             "(etrs89)\".");
     AddText(
-        command, "--zone", "Z", scaling.zone,
+        command, "--zone", "Z", scaling.system.zone,
         "Zone of the grid, where it has zones: a number (32, the state-plane code 4204) or its text in the "
         "catalogue (M31).");
     AddText(
-        command, "--datum", "TEXT", scaling.datum,
+        command, "--datum", "TEXT", scaling.system.datum,
         "Datum of the coordinates, longitude and latitude in degrees, as atlavex catalogue lists it: ED50.");
     AddText(command, "--worldfile", "W", scaling.worldfile, worldfileHelp);
     AddTexts(command, "--point", "PX,PY=X,Y", scaling.points,

@@ -1,7 +1,6 @@
 #include "cli/commands/ScalingOptions.h"
 
 #include "base/NumberText.h"
-#include "cli/commands/CoordinateSystem.h"
 #include "cli/input/Arguments.h"
 #include "cli/output/ExitStatus.h"
 #include "component/Worldfile.h"
@@ -14,13 +13,6 @@ namespace {
 
 constexpr std::size_t PointCount = 3;
 constexpr std::size_t CornerCount = 4;
-
-void CheckSystemChoice(const ScalingOptions& options) {
-    if (options.grid.empty() == options.datum.empty())
-        throw UsageError("A scaling needs either --grid or --datum.");
-    if (!options.zone.empty() && options.grid.empty())
-        throw UsageError("--zone belongs to --grid.");
-}
 
 void CheckSourceChoice(const ScalingOptions& options) {
     const int sources = (options.worldfile.empty() ? 0 : 1) + (options.points.empty() ? 0 : 1) +
@@ -87,24 +79,12 @@ void RequireOnEarth(const AtlavexMap& map) {
 } // namespace
 
 ScalingPlan::ScalingPlan(const ScalingOptions& options) {
-    CheckSystemChoice(options);
+    CheckSystemChoice(options.system, "A scaling");
     CheckSourceChoice(options);
     ChoosePoints(options);
-    ChooseSystem(options);
-    if (!grid_)
+    system_.emplace(options.system);
+    if (!system_->HasGrid())
         RequirePointsOnEarth(points_);
-}
-
-void ScalingPlan::ChooseSystem(const ScalingOptions& options) {
-    if (options.grid.empty()) {
-        datum_ = DatumByName(options.datum);
-        return;
-    }
-    const NamedGrid chosen = GridByName(options.grid, options.zone);
-    datum_ = chosen.grid.Datum();
-    grid_ = chosen.grid.AsNumbers();
-    gridIdentifier_ = chosen.identifier;
-    zone_ = chosen.zone;
 }
 
 void ScalingPlan::ChoosePoints(const ScalingOptions& options) {
@@ -120,17 +100,8 @@ void ScalingPlan::ChoosePoints(const ScalingOptions& options) {
     }
 }
 
-void ScalingPlan::ApplySystem(AtlavexMap& map) const {
-    map.SetMapDatum(datum_->AsNumbers());
-    if (!grid_)
-        return;
-    map.SetMapGrid(grid_->method, grid_->zone, grid_->values);
-    map.SetGridIdentifier(gridIdentifier_);
-    map.SetZone(zone_);
-}
-
 void ScalingPlan::ApplyTo(AtlavexMap& map, Orientation orientation) const {
-    ApplySystem(map);
+    system_->ApplyTo(map);
     if (points_.size() == CornerCount) {
         map.SetScalingCorners(points_[0], points_[1], points_[2], points_[3]);
     } else if (worldfile_) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/AtlavexMap.h"
+#include "cli/commands/CoordinateSystem.h"
 #include "component/Worldfile.h"
 
 #include <cstdint>
@@ -11,17 +11,12 @@
 
 /// The scaling arguments as typed: a grid or a datum, and a worldfile, three points or four corners.
 struct ScalingOptions {
-    std::string grid;
-    std::string zone;
-    std::string datum;
+    SystemOptions system;
     std::string worldfile;
     std::vector<std::string> points;
     std::vector<std::string> corners;
 
-    bool Given() const {
-        return !(grid.empty() && zone.empty() && datum.empty() && worldfile.empty() && points.empty() &&
-                 corners.empty());
-    }
+    bool Given() const { return system.Given() || !(worldfile.empty() && points.empty() && corners.empty()); }
 };
 
 /// A scaling that was checked as far as it can be without the map: names are known, the worldfile was read,
@@ -38,14 +33,9 @@ public:
     void ApplyTo(AtlavexMap& map, Orientation orientation = Orientation::TopLeft) const;
 
 private:
-    void ChooseSystem(const ScalingOptions& options);
     void ChoosePoints(const ScalingOptions& options);
-    void ApplySystem(AtlavexMap& map) const;
 
-    std::optional<QuorvantDatum> datum_;
-    std::optional<GridNumbers> grid_;
-    std::int32_t gridIdentifier_ = 0;
-    std::string zone_;
+    std::optional<CoordinateSystem> system_; ///< always there; known after the points are
     std::optional<Affine> worldfile_;
     std::vector<ReferencePoint> points_; ///< three points or four corners
 };

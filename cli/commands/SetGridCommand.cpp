@@ -8,38 +8,7 @@ namespace {
 struct SetGridOptions {
     LibraryChoice library;
     std::string map;
-    std::string grid;
-    std::string zone;
-    std::string datum;
-};
-
-void CheckSystemChoice(const SetGridOptions& options) {
-    if (options.grid.empty() == options.datum.empty())
-        throw UsageError("set-grid needs either --grid or --datum.");
-    if (!options.zone.empty() && options.grid.empty())
-        throw UsageError("--zone belongs to --grid.");
-}
-
-/// What the numbers of a map's reference points are to mean from now on; known before the library is opened.
-class CoordinateSystem {
-public:
-    explicit CoordinateSystem(const SetGridOptions& options)
-        : grid_(options.grid.empty() ? std::nullopt : std::optional(GridByName(options.grid, options.zone))),
-          datum_(grid_ ? grid_->grid.Datum() : DatumByName(options.datum)) {}
-
-    void ApplyTo(AtlavexMap& map) const {
-        map.SetMapDatum(datum_.AsNumbers());
-        if (!grid_)
-            return;
-        const GridNumbers numbers = grid_->grid.AsNumbers();
-        map.SetMapGrid(numbers.method, numbers.zone, numbers.values);
-        map.SetGridIdentifier(grid_->identifier);
-        map.SetZone(grid_->zone);
-    }
-
-private:
-    std::optional<NamedGrid> grid_;
-    QuorvantDatum datum_;
+    SystemOptions system;
 };
 
 /// Scales the map by the points of the scaling that it had.
@@ -57,8 +26,8 @@ void RequireDefinedAt(const AtlavexMap& map, const std::vector<ReferencePoint>& 
 }
 
 ExitStatus RunSetGrid(const SetGridOptions& options) {
-    CheckSystemChoice(options);
-    const CoordinateSystem system(options);
+    CheckSystemChoice(options.system, "set-grid");
+    const CoordinateSystem system(options.system);
     OpenedLibrary library(options.library, Access::Write);
     const auto map = SelectMap(*library, options.map);
     const Georeference former = map->MapGeoreference();
@@ -91,11 +60,11 @@ void AddSetGridCommand(CommandSet& commands) {
                       "atlavex set-grid alps.Atlavex \"Sheet 12\" --datum ED50"});
     AddLibraryToChange(command, options->library);
     AddRequired(command, "MAP", options->map, "The map: position from 1, name or identifier.");
-    AddText(command, "--grid", "TEXT", options->grid,
+    AddText(command, "--grid", "TEXT", options->system.grid,
             "Grid of the coordinates, eastings and northings in metres, as atlavex catalogue lists it.");
-    AddText(command, "--zone", "Z", options->zone,
+    AddText(command, "--zone", "Z", options->system.zone,
             "Zone of the grid, where it has zones: a number or its text in the catalogue.");
-    AddText(command, "--datum", "TEXT", options->datum,
+    AddText(command, "--datum", "TEXT", options->system.datum,
             "Datum of the coordinates, longitude and latitude in degrees, as atlavex catalogue lists it.");
     commands.OnRun(command, options, RunSetGrid);
 }

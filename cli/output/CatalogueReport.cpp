@@ -42,21 +42,22 @@ Names AllDatums() {
     return names;
 }
 
-/// True when the zone is part of the identifier: each zone of the list has its own.
-bool ZoneInIdentifier(std::string_view grid) {
-    const auto lists = ZoneListTable();
-    return std::any_of(lists.begin(), lists.end(),
-                       [grid](const ZoneListRow& row) { return row.grid == grid; });
-}
-
-const char* ZoneKind(std::string_view grid) {
-    if (GridHasNumericZone(grid))
+const char* ZoneKindText(std::string_view grid) {
+    switch (ZoneKindOf(grid)) {
+    case ZoneKind::Typed:
         return "number";
-    return ZonesOf(grid).empty() ? "none" : "list";
+    case ZoneKind::List:
+    case ZoneKind::StatePlane:
+        return "list";
+    case ZoneKind::None:
+        break;
+    }
+    return "none";
 }
 
+/// Each zone of a zone list has an identifier of its own; those of the state plane share their grid's.
 std::int16_t ZoneIdentifier(std::string_view grid, std::size_t place) {
-    return GridIdentifier(grid, static_cast<std::int16_t>(ZoneInIdentifier(grid) ? place : 0));
+    return GridIdentifier(grid, static_cast<std::int16_t>(place));
 }
 
 Json ZonesAsJson(std::string_view grid) {
@@ -72,7 +73,7 @@ Json GridsAsJson() {
     for (const std::string_view grid : AllGrids())
         grids.push_back({{"name", grid},
                          {"identifier", GridIdentifier(grid, 0)},
-                         {"zone", ZoneKind(grid)},
+                         {"zone", ZoneKindText(grid)},
                          {"zones", ZonesAsJson(grid)}});
     return grids;
 }
