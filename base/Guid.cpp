@@ -1,25 +1,18 @@
 #include "base/Guid.h"
 
-#include "base/ComponentError.h"
-
-#include <sodium.h>
+#include "base/Bytes.h"
 
 #include <algorithm>
 #include <array>
 
 namespace {
 
-constexpr std::string_view Digits = "0123456789ABCDEF";
-
 /// 16 random bytes with the marks of version 4 and of the common variant (RFC 4122, section 4.4).
-std::array<unsigned char, 16> RandomBytes() {
-    // Safe to call again and from several threads.
-    if (sodium_init() < 0)
-        throw ComponentError(ErrorNumber::Failed, "The system's random generator is not available.");
-    std::array<unsigned char, 16> bytes{};
-    randombytes_buf(bytes.data(), bytes.size());
-    bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0F) | 0x40);
-    bytes[8] = static_cast<unsigned char>((bytes[8] & 0x3F) | 0x80);
+std::array<std::uint8_t, 16> RandomBytes() {
+    std::array<std::uint8_t, 16> bytes{};
+    FillRandom(bytes);
+    bytes[6] = static_cast<std::uint8_t>((bytes[6] & 0x0F) | 0x40);
+    bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3F) | 0x80);
     return bytes;
 }
 
@@ -37,13 +30,9 @@ std::string_view WithoutBlanks(std::string_view text) {
 } // namespace
 
 std::string CreateGUID() {
-    std::string text;
-    for (const unsigned char byte : RandomBytes()) {
-        if (text.size() == 8 || text.size() == 13 || text.size() == 18 || text.size() == 23)
-            text += '-';
-        text += Digits[byte >> 4];
-        text += Digits[byte & 0x0F];
-    }
+    std::string text = HexText(RandomBytes(), true);
+    for (const std::size_t hyphen : {8, 13, 18, 23})
+        text.insert(hyphen, 1, '-');
     return text;
 }
 

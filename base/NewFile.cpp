@@ -1,9 +1,9 @@
 #include "base/NewFile.h"
 
+#include "base/Bytes.h"
 #include "base/ComponentError.h"
 
 #include <fcntl.h>
-#include <sodium.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -22,11 +22,9 @@ constexpr std::string_view TemporaryEnding = ".tmp";
 
 /// A name that no other file has; short, because the target's own may be as long as names can be.
 std::string TemporaryName() {
-    std::array<unsigned char, 8> random{};
-    randombytes_buf(random.data(), random.size());
-    std::array<char, 2 * random.size() + 1> text{};
-    sodium_bin2hex(text.data(), text.size(), random.data(), random.size());
-    return std::string(TemporaryStart) + text.data() + std::string(TemporaryEnding);
+    std::array<std::uint8_t, 8> random{};
+    FillRandom(random);
+    return std::string(TemporaryStart) + HexText(random) + std::string(TemporaryEnding);
 }
 
 bool MeansDiskFull(int systemError) {

@@ -1,5 +1,6 @@
 #include "dialogs/RandomText.h"
 
+#include "base/Bytes.h"
 #include "base/CheckedNumbers.h"
 
 #include <sodium.h>
@@ -59,11 +60,8 @@ QString RandomText(const QString& mask, const UniformDraw& draw) {
 }
 
 void SeededGenerator::Seed() {
-    // Safe to call again.
-    if (sodium_init() < 0)
-        throw ComponentError(ErrorNumber::Failed, "The system's random generator is not available.");
-    std::array<unsigned char, 32> random{};
-    randombytes_buf(random.data(), random.size());
+    std::array<std::uint8_t, 32> random{};
+    FillRandom(random);
     const auto now = std::chrono::high_resolution_clock::now().time_since_epoch().count();
     std::array<unsigned char, sizeof now> clock{};
     for (std::size_t i = 0; i < clock.size(); ++i)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/storage/Digest.h"
+#include "base/Bytes.h"
 
 #include <filesystem>
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "base/Bytes.h"
 #include "base/ComponentError.h"
-#include "component/storage/Digest.h"
 #include "component/storage/GuardedVfs.h"
 #include "component/storage/WriteBack.h"
 

@@ -25,7 +25,7 @@ Envelope::Keys Envelope::MakeKeys(DerivedKeys derived, const Secret& dataKey) {
 
 std::shared_ptr<const Envelope> Envelope::Plain() {
     std::shared_ptr<Envelope> envelope(new Envelope);
-    FillRandom(envelope->id_.data(), envelope->id_.size());
+    FillRandom(envelope->id_);
     envelope->cost_ = {0, 0};
     return envelope;
 }
@@ -35,8 +35,8 @@ std::shared_ptr<const Envelope> Envelope::Sealed(const std::string& key, const K
         throw ComponentError(ErrorNumber::InvalidArgument,
                              "A key takes 1 to 4 passes over 8 to 512 megabytes of memory.");
     std::shared_ptr<Envelope> envelope(new Envelope);
-    FillRandom(envelope->id_.data(), envelope->id_.size());
-    FillRandom(envelope->salt_.data(), envelope->salt_.size());
+    FillRandom(envelope->id_);
+    FillRandom(envelope->salt_);
     envelope->cost_ = cost;
     DerivedKeys derived = DeriveKeys(key, envelope->salt_, cost);
     const Secret dataKey = NewDataKey();

@@ -1,7 +1,7 @@
 #include "component/storage/FileReplacement.h"
 
+#include "base/Bytes.h"
 #include "base/ComponentError.h"
-#include "component/storage/Sealing.h"
 #include "component/storage/WriteLock.h"
 
 #include <array>
@@ -28,12 +28,8 @@ std::string TemporaryStart(const std::filesystem::path& target) {
 
 std::string RandomText() {
     std::array<std::uint8_t, RandomDigits / 2> random{};
-    FillRandom(random.data(), random.size());
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string text;
-    for (const std::uint8_t byte : random)
-        (text += digits[byte >> 4U]) += digits[byte & 15U];
-    return text;
+    FillRandom(random);
+    return HexText(random);
 }
 
 /// A file under a longer name could be put in place, but never be opened again.

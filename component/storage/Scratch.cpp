@@ -53,9 +53,9 @@ void SweepAbandoned(FileSystem& files, const std::filesystem::path& folder) {
 }
 
 std::string UniqueName() {
-    std::uint64_t random = 0;
-    FillRandom(reinterpret_cast<std::uint8_t*>(&random), sizeof(random));
-    return std::string(NameStart) + std::to_string(getpid()) + "-" + std::to_string(random) +
+    std::array<std::uint8_t, 8> random{};
+    FillRandom(random);
+    return std::string(NameStart) + std::to_string(getpid()) + "-" + HexText(random) +
            std::string(NameEnding);
 }
 

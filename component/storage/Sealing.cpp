@@ -94,7 +94,7 @@ DerivedKeys DeriveKeys(const std::string& key, const Salt& salt, const KeyCost& 
 
 Secret NewDataKey() {
     Secret key(32);
-    randombytes_buf(key.Data(), key.Size());
+    FillRandom({key.Data(), key.Size()});
     return key;
 }
 
@@ -132,7 +132,7 @@ Bytes Seal(ByteSpan plain, ByteSpan bound, const Secret& key) {
     static_assert(SealOverhead ==
                   crypto_aead_xchacha20poly1305_ietf_NPUBBYTES + crypto_aead_xchacha20poly1305_ietf_ABYTES);
     Bytes sealed(plain.size() + SealOverhead);
-    randombytes_buf(sealed.data(), 24);
+    FillRandom(std::span(sealed).first(24));
     crypto_aead_xchacha20poly1305_ietf_encrypt(sealed.data() + 24, nullptr, plain.data(), plain.size(),
                                                bound.data(), bound.size(), nullptr, sealed.data(),
                                                key.Data());
@@ -146,9 +146,4 @@ bool Unseal(ByteSpan sealed, ByteSpan bound, const Secret& key, Bytes& plain) {
     return crypto_aead_xchacha20poly1305_ietf_decrypt(plain.data(), nullptr, nullptr, sealed.data() + 24,
                                                       sealed.size() - 24, bound.data(), bound.size(),
                                                       sealed.data(), key.Data()) == 0;
-}
-
-void FillRandom(std::uint8_t* bytes, std::size_t size) {
-    NeedSodium();
-    randombytes_buf(bytes, size);
 }

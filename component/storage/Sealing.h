@@ -77,5 +77,3 @@ Secret Subkey(const Secret& dataKey, KeyUse use);
 Bytes Seal(ByteSpan plain, ByteSpan bound, const Secret& key);
 /// False when the bytes were not sealed under this key with this binding.
 bool Unseal(ByteSpan sealed, ByteSpan bound, const Secret& key, Bytes& plain);
-
-void FillRandom(std::uint8_t* bytes, std::size_t size);

@@ -123,7 +123,7 @@ TileWriter::TileWriter(Container& container, NumberSource& numbers, const Pyrami
       entries_(static_cast<std::size_t>(layout.Entries())) {
     // A seed that no image can know, so that none can be made whose tiles pass for each other.
     std::array<std::uint8_t, sizeof(seed_)> random{};
-    FillRandom(random.data(), random.size());
+    FillRandom(random);
     std::memcpy(&seed_, random.data(), sizeof(seed_));
 }
 

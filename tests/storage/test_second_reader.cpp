@@ -1,6 +1,7 @@
 // A reader that was written from docs/atlavex-format.md alone finds in a file what went in, and a sealed file
 // shows none of it to someone without the key.
 
+#include "base/Bytes.h"
 #include "component/scaling/Scaling.h"
 #include "tests/component/LibraryFixture.h"
 #include "tests/support/RunProgram.h"
@@ -15,13 +16,7 @@ namespace {
 using Json = nlohmann::json;
 
 std::string Hex(const std::string& text) {
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string hex;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        (hex += digits[byte >> 4U]) += digits[byte & 15U];
-    }
-    return hex;
+    return HexText(AsBytes(text));
 }
 
 Json MetadataAsJson(const std::vector<std::pair<std::string, std::string>>& metadata) {

@@ -1,5 +1,6 @@
 #include "component/readers/common/SpoolFile.h"
 
+#include "base/Bytes.h"
 #include "base/ComponentError.h"
 
 #include <fcntl.h>
@@ -78,10 +79,8 @@ std::size_t PartInBlock(std::int64_t offset, std::size_t length) {
 } // namespace
 
 SpoolFile::SpoolFile(const std::filesystem::path& folder) {
-    if (sodium_init() < 0)
-        throw ComponentError(ErrorNumber::Failed, "The encryption library could not be started.");
-    randombytes_buf(key_.data(), key_.size());
-    randombytes_buf(nonce_.data(), nonce_.size());
+    FillRandom(key_);
+    FillRandom(nonce_);
     if (!folder.empty())
         descriptor_ = MakeNameless(folder);
     const int error = errno;
