@@ -18,6 +18,9 @@ struct sqlite3_stmt;
 /// whether to go on waiting. By the thread that waits; must not throw.
 using LockWait = std::function<bool(std::chrono::milliseconds waited)>;
 
+/// Length of the pages of a library's database, in bytes.
+inline constexpr std::int64_t PageSize = 8192;
+
 /// One connection to an SQLite file, hardened for files that nobody vouches for. Errors are ComponentErrors
 /// that name the file.
 class Database {

@@ -1,6 +1,6 @@
 #include "component/storage/JournalCheck.h"
 
-#include "component/storage/Schema.h"
+#include "component/storage/Database.h"
 
 #include <sqlite3.h>
 

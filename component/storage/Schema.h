@@ -4,7 +4,6 @@
 
 /// "Atlx" in ASCII: marks a file as a map library for SQLite and for tools that recognise files.
 inline constexpr std::int64_t ApplicationId = 0x41746C78;
-inline constexpr std::int64_t PageSize = 8192;
 
 /// Makes the tables of a library in an empty database.
 void CreateLibrarySchema(Database& database);
