@@ -4,9 +4,9 @@
 #include "component/ImageRemarks.h"
 #include "component/library/IconObject.h"
 #include "component/library/MapObject.h"
-#include "component/storage/Disposal.h"
 #include "component/storage/KnownFiles.h"
 #include "component/storage/RememberedKey.h"
+#include "component/storage/files/Disposal.h"
 
 #include <map>
 

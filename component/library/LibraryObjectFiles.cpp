@@ -3,11 +3,11 @@
 #include "base/Guid.h"
 #include "component/SaveNotes.h"
 #include "component/library/LibraryObject.h"
-#include "component/storage/FileReplacement.h"
-#include "component/storage/FileRights.h"
-#include "component/storage/RealPath.h"
 #include "component/storage/Saving.h"
 #include "component/storage/Verification.h"
+#include "component/storage/files/FileReplacement.h"
+#include "component/storage/files/FileRights.h"
+#include "component/storage/files/RealPath.h"
 
 #include <algorithm>
 #include <optional>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "component/storage/Database.h"
 #include "component/storage/Envelope.h"
+#include "component/storage/files/Database.h"
 
 #include <atomic>
 #include <mutex>

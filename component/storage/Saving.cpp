@@ -1,8 +1,8 @@
 #include "component/storage/Saving.h"
 
-#include "component/storage/FileReplacement.h"
 #include "component/storage/Schema.h"
 #include "component/storage/Verification.h"
+#include "component/storage/files/FileReplacement.h"
 
 #include <optional>
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "component/storage/FileSystem.h"
 #include "component/storage/KnownFiles.h"
 #include "component/storage/LibraryFile.h"
 #include "component/storage/LibraryWriter.h"
+#include "component/storage/files/FileSystem.h"
 
 #include <functional>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/storage/Database.h"
+#include "component/storage/files/Database.h"
 
 /// "Atlx" in ASCII: marks a file as a map library for SQLite and for tools that recognise files.
 inline constexpr std::int64_t ApplicationId = 0x41746C78;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "component/storage/Container.h"
-#include "component/storage/FileSystem.h"
+#include "component/storage/files/FileSystem.h"
 
 /// A private file for tiles that are not saved yet. They stand in it in the form in which they will be
 /// stored, so that saving copies them as they are. It goes away with the last map that needs it; one that a

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/storage/Database.h"
+#include "component/storage/files/Database.h"
 
 /// The smallest and the largest number that a row of a library has; 1 and 0 when there is none.
 struct UsedNumbers {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "component/storage/Database.h"
 #include "component/storage/FileHeader.h"
 #include "component/storage/LibraryState.h"
+#include "component/storage/files/Database.h"
 
 #include <filesystem>
 #include <functional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "component/storage/FileSystem.h"
+#include "component/storage/files/FileSystem.h"
 
 #include <functional>
 #include <string>

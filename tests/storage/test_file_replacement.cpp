@@ -1,7 +1,7 @@
 // Temporaries beside a target: their names, what is swept, and what is kept.
 
 #include "base/ComponentError.h"
-#include "component/storage/FileReplacement.h"
+#include "component/storage/files/FileReplacement.h"
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>

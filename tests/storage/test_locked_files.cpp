@@ -2,7 +2,7 @@
 // its own flock in front of the system's, so that things happen at the worst moment and not by chance.
 
 #include "base/ComponentError.h"
-#include "component/storage/FileReplacement.h"
+#include "component/storage/files/FileReplacement.h"
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // Where a path leads through symbolic links, also those that lead to nothing.
 
-#include "component/storage/RealPath.h"
+#include "component/storage/files/RealPath.h"
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "component/storage/Disposal.h"
+#include "component/storage/files/Disposal.h"
 
 #include <system_error>
 #include <utility>

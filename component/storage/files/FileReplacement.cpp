@@ -1,8 +1,8 @@
-#include "component/storage/FileReplacement.h"
+#include "component/storage/files/FileReplacement.h"
 
 #include "base/Bytes.h"
 #include "base/ComponentError.h"
-#include "component/storage/WriteLock.h"
+#include "component/storage/files/WriteLock.h"
 
 #include <array>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "component/storage/Database.h"
+#include "component/storage/files/Database.h"
 
 #include <sqlite3.h>
 

@@ -1,6 +1,6 @@
-#include "component/storage/GuardedVfs.h"
+#include "component/storage/files/GuardedVfs.h"
 
-#include "component/storage/JournalCheck.h"
+#include "component/storage/files/JournalCheck.h"
 
 #include <sqlite3.h>
 #include <sys/stat.h>

@@ -1,4 +1,4 @@
-#include "component/storage/WriteBack.h"
+#include "component/storage/files/WriteBack.h"
 
 #ifdef __linux__
 

@@ -1,6 +1,6 @@
-#include "component/storage/JournalCheck.h"
+#include "component/storage/files/JournalCheck.h"
 
-#include "component/storage/Database.h"
+#include "component/storage/files/Database.h"
 
 #include <sqlite3.h>
 

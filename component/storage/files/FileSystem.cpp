@@ -1,8 +1,8 @@
-#include "component/storage/FileSystem.h"
+#include "component/storage/files/FileSystem.h"
 
 #include "base/ComponentError.h"
 #include "base/FileDescriptor.h"
-#include "component/storage/FileRights.h"
+#include "component/storage/files/FileRights.h"
 
 #include <dirent.h>
 #include <fcntl.h>

@@ -2,8 +2,8 @@
 
 #include "base/Bytes.h"
 #include "base/ComponentError.h"
-#include "component/storage/GuardedVfs.h"
-#include "component/storage/WriteBack.h"
+#include "component/storage/files/GuardedVfs.h"
+#include "component/storage/files/WriteBack.h"
 
 #include <chrono>
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "component/storage/FileRights.h"
+#include "component/storage/files/FileRights.h"
 
 #include <sys/stat.h>
 #include <sys/xattr.h>

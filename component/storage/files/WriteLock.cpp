@@ -1,4 +1,4 @@
-#include "component/storage/WriteLock.h"
+#include "component/storage/files/WriteLock.h"
 
 #include "base/ComponentError.h"
 

@@ -1,4 +1,4 @@
-#include "component/storage/RealPath.h"
+#include "component/storage/files/RealPath.h"
 
 namespace {
 
