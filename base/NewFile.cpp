@@ -2,6 +2,7 @@
 
 #include "base/Bytes.h"
 #include "base/ComponentError.h"
+#include "base/Paths.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -13,7 +14,6 @@
 #include <cstring>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 namespace {
 
@@ -48,14 +48,9 @@ void RemoveIfAbandoned(const std::filesystem::path& file) {
 
 /// What killed commands left in the folder.
 void SweepAbandoned(const std::filesystem::path& folder) {
-    std::error_code error;
-    std::vector<std::filesystem::path> found;
-    for (std::filesystem::directory_iterator entry(folder.empty() ? "." : folder, error), end;
-         !error && entry != end; entry.increment(error))
-        if (IsTemporaryName(entry->path().filename().string()))
-            found.push_back(entry->path());
-    for (const std::filesystem::path& file : found)
-        RemoveIfAbandoned(file);
+    for (const std::string& name : NamesIn(folder))
+        if (IsTemporaryName(name))
+            RemoveIfAbandoned(folder / name);
 }
 
 /// A new file that nobody else may read: it may hold what a key protects, and stays behind when the program
@@ -80,11 +75,11 @@ void GiveUsualRights(int descriptor) {
 } // namespace
 
 NewFile::NewFile(std::filesystem::path target)
-    : target_(std::move(target)), temporary_(target_.parent_path() / TemporaryName()) {
+    : target_(std::move(target)), temporary_(FolderOf(target_) / TemporaryName()) {
     std::error_code unknown; // whatever it is, opening or renaming fails on it as well
     if (std::filesystem::is_directory(target_, unknown))
         Fail(EISDIR);
-    SweepAbandoned(temporary_.parent_path());
+    SweepAbandoned(FolderOf(target_));
     FileDescriptor descriptor = MakeLocked(temporary_);
     if (!descriptor.IsOpen())
         Fail(errno);

@@ -1,13 +1,13 @@
 // Loading, saving and merging: the part of a library that deals with files.
 
 #include "base/Guid.h"
+#include "base/Paths.h"
 #include "component/SaveNotes.h"
 #include "component/library/LibraryObject.h"
 #include "component/storage/Saving.h"
 #include "component/storage/Verification.h"
 #include "component/storage/files/FileReplacement.h"
 #include "component/storage/files/FileRights.h"
-#include "component/storage/files/RealPath.h"
 
 #include <algorithm>
 #include <optional>
@@ -33,19 +33,6 @@ std::string ListOf(const std::vector<std::string>& names) {
         list += (i > 0 ? ", " : "") + names[i];
     return names.size() <= MostNames ? list
                                      : list + " and " + std::to_string(names.size() - MostNames) + " more";
-}
-
-/// Whether the file stands in another place, too. A journal lies beside one name only: after a crash under
-/// that one, a save under the other would be rolled away later.
-bool HasSecondName(const std::filesystem::path& file) {
-    std::error_code unknown;
-    const std::uintmax_t names = std::filesystem::hard_link_count(file, unknown);
-    return !unknown && names > 1;
-}
-
-bool IsSomethingAt(const std::filesystem::path& path) {
-    std::error_code unknown;
-    return std::filesystem::symlink_status(path, unknown).type() != std::filesystem::file_type::not_found;
 }
 
 } // namespace
@@ -126,6 +113,8 @@ void LibraryObject::SaveToFile(const std::string& file, const std::string& key) 
 
 void LibraryObject::SaveHere(Progress& progress) {
     SweepTemporaries(*files_, file_->Path());
+    // A journal lies beside one name only: after a crash under that one, a save under the other would be
+    // rolled away later.
     if (HasSecondName(file_->Path())) {
         WriteAnew(progress);
         return;

@@ -1,5 +1,6 @@
 #include "component/storage/LibraryFile.h"
 
+#include "base/Paths.h"
 #include "component/storage/ByteCodec.h"
 #include "component/storage/Schema.h"
 #include "component/storage/UsedNumbers.h"
@@ -107,21 +108,6 @@ std::unique_ptr<Database> OpenLocked(const std::filesystem::path& file, const st
 }
 
 } // namespace
-
-void RequireRegularFile(const std::filesystem::path& file) {
-    std::error_code error;
-    const auto status = std::filesystem::status(file, error);
-    const std::string name = file.string();
-    if (status.type() == std::filesystem::file_type::not_found)
-        throw ComponentError(ErrorNumber::FileNotFound, "There is no file '" + name + "'.");
-    if (error)
-        throw ComponentError(ErrorNumber::FileNotReadable,
-                             "The file '" + name + "' could not be opened: " + error.message() + ".");
-    if (status.type() == std::filesystem::file_type::directory)
-        throw ComponentError(ErrorNumber::FileNotReadable, "'" + name + "' is a folder, not a file.");
-    if (status.type() != std::filesystem::file_type::regular)
-        throw ComponentError(ErrorNumber::FileNotReadable, "'" + name + "' is a device, not a file.");
-}
 
 LibraryFile::LibraryFile(std::filesystem::path path, std::unique_ptr<Database> database,
                          std::unique_ptr<Transaction> lock)

@@ -88,6 +88,3 @@ private:
     std::optional<LibraryState> read_;  ///< as it was read with the header, until it is asked for
     std::unique_ptr<Transaction> lock_; ///< ends before the database that it is on
 };
-
-/// Throws unless the path names a regular file: a folder, device or pipe is never opened.
-void RequireRegularFile(const std::filesystem::path& file);

@@ -1,5 +1,6 @@
 #include "component/storage/Scratch.h"
 
+#include "base/Paths.h"
 #include "component/storage/Schema.h"
 
 #include <unistd.h>

@@ -2,6 +2,7 @@
 
 #include "base/Bytes.h"
 #include "base/ComponentError.h"
+#include "base/Paths.h"
 #include "component/storage/files/WriteLock.h"
 
 #include <array>
@@ -17,10 +18,6 @@ constexpr std::size_t LongestName = 255;
 constexpr std::string_view JournalEnding = "-journal";
 /// Longest part of the target's name in the temporary's: with the additions it stays below 255 bytes.
 constexpr std::size_t LongestNamePart = 200;
-
-std::filesystem::path FolderOf(const std::filesystem::path& file) {
-    return file.has_parent_path() ? file.parent_path() : std::filesystem::path(".");
-}
 
 std::string TemporaryStart(const std::filesystem::path& target) {
     return "." + target.filename().string().substr(0, LongestNamePart) + ".";

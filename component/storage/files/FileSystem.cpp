@@ -4,7 +4,6 @@
 #include "base/FileDescriptor.h"
 #include "component/storage/files/FileRights.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -166,16 +165,4 @@ private:
 
 std::shared_ptr<FileSystem> SystemFiles() {
     return std::make_shared<SystemFileSystem>();
-}
-
-std::vector<std::string> NamesIn(const std::filesystem::path& folder) {
-    struct Closer {
-        void operator()(DIR* listing) const { closedir(listing); }
-    };
-    const std::unique_ptr<DIR, Closer> listing(opendir(folder.c_str()));
-    std::vector<std::string> names;
-    if (listing)
-        while (const dirent* entry = readdir(listing.get()))
-            names.emplace_back(entry->d_name);
-    return names;
 }

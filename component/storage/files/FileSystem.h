@@ -2,8 +2,6 @@
 
 #include <filesystem>
 #include <memory>
-#include <string>
-#include <vector>
 
 /// The few steps by which a new file takes the place of an old one. They go through this interface so that
 /// each can be made to fail. All throw FileNotWritable or DiskFull, naming the path and the reason.
@@ -37,7 +35,3 @@ public:
 
 /// The operating system's.
 std::shared_ptr<FileSystem> SystemFiles();
-
-/// Names of what lies in the folder; none when it cannot be listed. (The standard library's way to list a
-/// folder ends the program when memory runs out.)
-std::vector<std::string> NamesIn(const std::filesystem::path& folder);

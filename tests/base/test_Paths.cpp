@@ -1,9 +1,9 @@
-// Where a path leads through symbolic links, also those that lead to nothing.
+// Where a path leads through symbolic links, also those that lead to nothing, and what stands there.
 
-#include "component/storage/files/RealPath.h"
+#include "base/Paths.h"
 #include "tests/support/TempFolder.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace {
 
@@ -61,4 +61,36 @@ TEST_F(RealPaths, OfCirclesAreLeftAsTheyStand) {
     Link("second", "first");
     EXPECT_EQ(RealPath(folder_ / "first"), folder_ / "first");
     EXPECT_EQ(RealPath(Link("self", "self")), folder_ / "self");
+}
+
+TEST(Paths, LieInTheirFolderOrInTheCurrentOne) {
+    EXPECT_EQ(FolderOf("/a/b/file"), "/a/b");
+    EXPECT_EQ(FolderOf("/file"), "/");
+    EXPECT_EQ(FolderOf("b/file"), "b");
+    EXPECT_EQ(FolderOf("file"), ".");
+}
+
+TEST_F(RealPaths, AreTakenByFilesFoldersAndLinksToNothing) {
+    WriteWholeFile(folder_ / "file", "x");
+    EXPECT_TRUE(IsSomethingAt(folder_ / "file"));
+    EXPECT_TRUE(IsSomethingAt(folder_ / "deep"));
+    EXPECT_TRUE(IsSomethingAt(Link("nowhere", "none")));
+    EXPECT_FALSE(IsSomethingAt(folder_ / "none"));
+}
+
+TEST_F(RealPaths, OfFilesWithTwoNamesSaySo) {
+    WriteWholeFile(folder_ / "file", "x");
+    Link("link", "file");
+    EXPECT_FALSE(HasSecondName(folder_ / "file"));
+    fs::create_hard_link(folder_ / "file", folder_ / "second");
+    EXPECT_TRUE(HasSecondName(folder_ / "file"));
+    EXPECT_TRUE(HasSecondName(folder_ / "link"));
+    EXPECT_FALSE(HasSecondName(folder_ / "none"));
+}
+
+TEST_F(RealPaths, OfFoldersListWhatLiesThere) {
+    WriteWholeFile(folder_ / "file", "x");
+    WriteWholeFile(folder_ / ".hidden", "x");
+    EXPECT_THAT(NamesIn(folder_.Path()), testing::UnorderedElementsAre(".", "..", "deep", "file", ".hidden"));
+    EXPECT_TRUE(NamesIn(folder_ / "none").empty());
 }
