@@ -5,7 +5,7 @@
 #include "component/library/IconObject.h"
 #include "component/library/MapObject.h"
 #include "component/storage/KnownFiles.h"
-#include "component/storage/RememberedKey.h"
+#include "component/storage/Sealing.h"
 #include "component/storage/files/Disposal.h"
 
 #include <map>

@@ -3,7 +3,6 @@
 #include "base/Paths.h"
 #include "component/storage/ByteCodec.h"
 #include "component/storage/Schema.h"
-#include "component/storage/UsedNumbers.h"
 
 #include <algorithm>
 #include <array>

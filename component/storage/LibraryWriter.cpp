@@ -1,8 +1,8 @@
 #include "component/storage/LibraryWriter.h"
 
 #include "component/storage/ByteCodec.h"
+#include "component/storage/Schema.h"
 #include "component/storage/TileDirectory.h"
-#include "component/storage/UsedNumbers.h"
 
 #include <set>
 

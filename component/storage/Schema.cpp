@@ -104,6 +104,12 @@ void CheckSchema(Database& database) {
         database.Damaged("it holds a table that no map library has");
 }
 
+/// The first number of the statement, or the other one where it gives none.
+std::int64_t FirstOr(std::int64_t other, Database& database, const std::string& sql) {
+    Statement rows(database, sql.c_str());
+    return rows.Step() ? rows.Integer(0) : other;
+}
+
 } // namespace
 
 void CreateLibrarySchema(Database& database) {
@@ -138,4 +144,14 @@ void CheckLibraryFile(Database& database) {
     if (BigEndian(start, 28, 4) * PageSize != database.FileSize())
         database.Damaged("its length is not what it says");
     CheckSchema(database);
+}
+
+UsedNumbers UsedNumbers::Of(Database& database) {
+    UsedNumbers used;
+    for (const TableText& table : std::span(Tables).subspan(1)) { // the library's own row counts nothing
+        const std::string start = std::string("SELECT id FROM ") + table.name + " ORDER BY id";
+        used.smallest = std::min(used.smallest, FirstOr(used.smallest, database, start + " LIMIT 1"));
+        used.largest = std::max(used.largest, FirstOr(used.largest, database, start + " DESC LIMIT 1"));
+    }
+    return used;
 }

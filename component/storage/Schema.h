@@ -13,3 +13,12 @@ void CreateScratchSchema(Database& database);
 /// Checks that the file is a library of a version that is read, whole and with our tables and nothing else,
 /// before anything in it is believed. Throws NotALibrary, NewerVersion, FileDamaged, or an I/O error.
 void CheckLibraryFile(Database& database);
+
+/// The smallest and the largest number that a row of a library has; 1 and 0 when there is none.
+struct UsedNumbers {
+    std::int64_t smallest = 1;
+    std::int64_t largest = 0;
+
+    /// Costs a few pages, whatever the size of the file.
+    static UsedNumbers Of(Database& database);
+};

@@ -147,3 +147,22 @@ bool Unseal(ByteSpan sealed, ByteSpan bound, const Secret& key, Bytes& plain) {
                                                       sealed.size() - 24, bound.data(), bound.size(),
                                                       sealed.data(), key.Data()) == 0;
 }
+
+RememberedKey::RememberedKey() : secret_(NewDataKey()) {
+    Remember({});
+}
+
+void RememberedKey::Remember(const std::string& key) {
+    trace_ = Trace(key);
+}
+
+bool RememberedKey::Is(const std::string& key) const {
+    return EqualInConstantTime(trace_, Trace(key));
+}
+
+HeaderMac RememberedKey::Trace(const std::string& key) const {
+    std::string normalized = NormalizedKey(key);
+    const HeaderMac trace = KeyedHash(AsBytes(normalized), secret_);
+    WipeText(normalized);
+    return trace;
+}

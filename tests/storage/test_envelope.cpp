@@ -5,7 +5,7 @@
 #include "component/storage/ByteCodec.h"
 #include "component/storage/Envelope.h"
 #include "component/storage/FileHeader.h"
-#include "component/storage/RememberedKey.h"
+#include "component/storage/Sealing.h"
 #include "tests/storage/Hex.h"
 
 #include <gtest/gtest.h>

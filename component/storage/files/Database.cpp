@@ -1,5 +1,6 @@
 #include "component/storage/files/Database.h"
 
+#include <fcntl.h>
 #include <sqlite3.h>
 
 #include <cerrno>
@@ -101,6 +102,16 @@ void Harden(sqlite3* handle) {
 }
 
 } // namespace
+
+void WriteBack::Start() {
+#ifdef __linux__
+    const std::scoped_lock lock(mutex_);
+    if (!descriptor_.IsOpen())
+        descriptor_ = FileDescriptor(open(file_.c_str(), O_RDONLY | O_CLOEXEC));
+    if (descriptor_.IsOpen())
+        sync_file_range(descriptor_.Number(), 0, 0, SYNC_FILE_RANGE_WRITE);
+#endif
+}
 
 void Database::Closer::operator()(sqlite3* handle) const {
     sqlite3_close_v2(handle);

@@ -2,13 +2,14 @@
 
 #include "base/Bytes.h"
 #include "base/ComponentError.h"
+#include "base/FileDescriptor.h"
 #include "component/storage/files/GuardedVfs.h"
-#include "component/storage/files/WriteBack.h"
 
 #include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 
 struct sqlite3;
@@ -17,6 +18,24 @@ struct sqlite3_stmt;
 /// Asked again and again while another program's lock stands in the way, with how long it has done so:
 /// whether to go on waiting. By the thread that waits; must not throw.
 using LockWait = std::function<bool(std::chrono::milliseconds waited)>;
+
+/// Gets a large file to the disk while it is still being written, so that the sync at the end of its
+/// transaction finds little left to do. It promises nothing: only that sync does. Where the system has no
+/// such call, it does nothing.
+class WriteBack {
+public:
+    explicit WriteBack(std::filesystem::path file) : file_(std::move(file)) {}
+
+    /// Starts writing what has been changed so far and does not wait for it. By any thread.
+    void Start();
+
+private:
+    std::mutex mutex_;
+    std::filesystem::path file_;
+    /// Closing it drops every lock that this process holds on the file: the object must outlive the database
+    /// connection to it.
+    FileDescriptor descriptor_;
+};
 
 /// Length of the pages of a library's database, in bytes.
 inline constexpr std::int64_t PageSize = 8192;
