@@ -19,35 +19,35 @@ constexpr std::int64_t MapNumber = 1, IconNumber = 2, BlobNumber = 3, PageNumber
 class ForgedLibrary {
 public:
     explicit ForgedLibrary(const std::filesystem::path& file)
-        : database_(file, Database::Mode::Fill, file.string()), form_(Envelope::Plain()) {
+        : database_(file, Database::Mode::Fill, file.string()), envelope_(Envelope::Plain()) {
         CreateLibrarySchema(database_);
     }
     void Record(BlobKind kind, std::int64_t number, const char* sql, ByteSpan bytes) {
         Statement(database_, sql).Bind(1, number).Bind(2, bytes).Run();
-        records_[{kind, number}].stored = form_->DigestOf(bytes);
+        records_[{kind, number}].stored = envelope_->DigestOf(bytes);
     }
     void Row(std::int64_t number, const char* sql, ByteSpan bytes) {
         Statement(database_, sql).Bind(1, number).Bind(2, bytes).Run();
     }
-    Digest DigestOf(ByteSpan bytes) const { return form_->DigestOf(bytes); }
+    Digest DigestOf(ByteSpan bytes) const { return envelope_->DigestOf(bytes); }
     void Finish() {
         FileHeader header;
-        form_->Describe(header);
+        envelope_->Describe(header);
         header.generation = 1;
         header.nextNumber = 100;
         header.mapCount = 1;
         header.iconCount = 1;
-        header.root = form_->RootOf(RecordListOf(records_));
+        header.root = envelope_->RootOf(RecordListOf(records_));
         const Bytes encoded = header.Encode();
         Statement(database_, "INSERT INTO library(id, header, mac) VALUES(1, ?1, ?2)")
             .Bind(1, encoded)
-            .Bind(2, form_->MacOf(encoded))
+            .Bind(2, envelope_->MacOf(encoded))
             .Run();
     }
 
 private:
     Database database_;
-    std::shared_ptr<const Envelope> form_;
+    std::shared_ptr<const Envelope> envelope_;
     RecordTable records_;
 };
 

@@ -37,7 +37,8 @@ std::vector<std::uint8_t> IconObject::PngFile() {
     const BlobRef& picture = icon.record.picture;
     Bytes png;
     if (!icon.container->Get(BlobKind::IconPicture, picture.number, picture.digest, png))
-        icon.container->File().Damaged("the picture of icon '" + icon.Name() + "' does not match its digest");
+        icon.container->GetDatabase().Damaged("the picture of icon '" + icon.Name() +
+                                              "' does not match its digest");
     return png;
 }
 

@@ -69,7 +69,7 @@ LibraryObject::LibraryObject(const LibraryOptions& options, LockWait waitForOthe
       files_(options.files ? options.files : SystemFiles()), operations_(std::make_shared<Operations>(*this)),
       views_(std::make_shared<ViewMemory>(options.threads, std::chrono::milliseconds(options.viewPatience),
                                           options.viewTiesUp)),
-      pictures_(std::make_shared<RecentPictures>(IconPictureBytes)), form_(Envelope::Plain()) {}
+      pictures_(std::make_shared<RecentPictures>(IconPictureBytes)), envelope_(Envelope::Plain()) {}
 
 LibraryObject::~LibraryObject() {
     // Objects that callers still hold must not reach a library that is gone.
@@ -137,14 +137,14 @@ void LibraryObject::SetScratchFolder(const std::string& folder) {
 std::shared_ptr<Container> LibraryObject::ContainerForNew() {
     if (options_.newTiles == NewTiles::LibraryFile && file_) {
         if (!direct_) {
-            auto transaction = std::make_unique<Transaction>(file_->File());
+            auto transaction = std::make_unique<Transaction>(file_->GetDatabase());
             file_->RequireUnchanged();
             direct_ = std::move(transaction);
         }
         return file_->Tiles();
     }
     if (!scratch_)
-        scratch_ = MakeScratch(files_, options_.scratchFolder, form_);
+        scratch_ = MakeScratch(files_, options_.scratchFolder, envelope_);
     return scratch_;
 }
 
@@ -174,7 +174,7 @@ std::shared_ptr<AtlavexMap> LibraryObject::ImportMap(const std::string& file, co
     operations_->Run([&](Progress& progress) {
         progress.Expect(std::int64_t{info.width} * info.height);
         map->container = ContainerForNew();
-        savepoint.emplace(map->container->File());
+        savepoint.emplace(map->container->GetDatabase());
         TileWriter writer(*map->container, numbers_, layout);
         BuildPyramid(*reader, layout, writer, progress, options_.threads);
         map->record.pages = writer.Finish();
@@ -199,7 +199,7 @@ std::shared_ptr<AtlavexIcon> LibraryObject::ImportIcon(const std::string& file, 
     operations_->Run([&](Progress& progress) {
         progress.Expect(ImportIconWork(image->Info()));
         icon->container = ContainerForNew();
-        savepoint.emplace(icon->container->File());
+        savepoint.emplace(icon->container->GetDatabase());
         icon->record = ::ImportIcon(*image, name, *icon->container, numbers_, progress);
     });
     savepoint->Keep();
@@ -220,7 +220,7 @@ void LibraryObject::RemoveMap(const std::string& reference) {
         NoSuchMap();
     std::shared_ptr<MapState> map = *found;
     if (IsUnsaved(map->container, {BlobKind::MapRecord, map->id}) && !IsAloneInScratch(map->container)) {
-        Savepoint savepoint(map->container->File());
+        Savepoint savepoint(map->container->GetDatabase());
         RemoveTiles(map->container, map->record);
         savepoint.Keep();
     }

@@ -44,7 +44,7 @@ public:
     std::vector<Damage> Verify() override;
     void Compact() override;
     std::string FileName() const override { return file_ ? file_->Path().string() : std::string(); }
-    bool IsSealed() const override { return form_->IsSealed(); }
+    bool IsSealed() const override { return envelope_->IsSealed(); }
     /// What is worth knowing about the last save beside its success, in sentences; mostly nothing.
     const std::vector<std::string>& Notes() const { return notes_; }
 
@@ -63,13 +63,13 @@ private:
     friend void OnImageRemark(AtlavexLibrary& library, std::function<void(const std::string& sentence)> tell);
     std::shared_ptr<AtlavexMap> Append(std::shared_ptr<MapState> map);
     std::shared_ptr<AtlavexIcon> Append(std::shared_ptr<IconState> icon);
-    std::shared_ptr<const Envelope> NewForm(const std::string& key) const;
+    std::shared_ptr<const Envelope> NewEnvelope(const std::string& key) const;
     bool IsOpenFile(const std::filesystem::path& path) const;
     std::shared_ptr<Container> ContainerForNew();
     void SaveHere(Progress& progress);
     /// `over` is the open file when the new one takes its place.
     void SaveAnew(const std::filesystem::path& target, LibraryFile* over,
-                  std::shared_ptr<const Envelope> form, Progress& progress);
+                  std::shared_ptr<const Envelope> envelope, Progress& progress);
     /// Another program that changed the open file may have removed tiles and pictures that are still wanted
     /// here: throws FileChanged, naming what they belong to. Returns where that is not so.
     void TellRemovedPixels(Progress& progress) const;
@@ -118,7 +118,7 @@ private:
     RememberedKey key_;
     bool keyFitted_ = true;
     std::vector<std::string> notes_;
-    std::shared_ptr<const Envelope> form_;
+    std::shared_ptr<const Envelope> envelope_;
     std::unique_ptr<LibraryFile> file_;
     KnownFiles known_; ///< since the last load
     std::shared_ptr<Container> scratch_;

@@ -38,7 +38,7 @@ std::string ListOf(const std::vector<std::string>& names) {
 } // namespace
 
 bool LibraryObject::IsOpenFile(const std::filesystem::path& path) const {
-    return file_ && path == file_->Path() && !file_->File().HasMoved();
+    return file_ && path == file_->Path() && !file_->GetDatabase().HasMoved();
 }
 
 bool LibraryObject::IsEncrypted(const std::string& file) {
@@ -75,15 +75,15 @@ void LibraryObject::LoadFromFile(const std::string& file, const std::string& key
     known_.Forget();
     known_.Remember(*file_);
     scratch_.reset();
-    form_ = file_->Tiles()->SharedForm();
+    envelope_ = file_->Tiles()->SharedEnvelope();
     numbers_.Raise(file_->Header().nextNumber);
-    if (form_->IsSealed())
+    if (envelope_->IsSealed())
         key_.Remember(key); // as it is: a choice between two texts would copy it
     else
         key_.Remember({});
 }
 
-std::shared_ptr<const Envelope> LibraryObject::NewForm(const std::string& key) const {
+std::shared_ptr<const Envelope> LibraryObject::NewEnvelope(const std::string& key) const {
     if (key.empty())
         return Envelope::Plain();
     return Envelope::Sealed(key, {static_cast<std::uint32_t>(options_.keyOperations),
@@ -102,7 +102,8 @@ void LibraryObject::SaveToFile(const std::string& file, const std::string& key) 
         if (sameFile && sameKey)
             SaveHere(progress);
         else
-            SaveAnew(target, sameFile ? file_.get() : nullptr, sameKey ? form_ : NewForm(key), progress);
+            SaveAnew(target, sameFile ? file_.get() : nullptr, sameKey ? envelope_ : NewEnvelope(key),
+                     progress);
         // Here, where the file is known to be saved: a handler may still throw, the folder not be synced.
         key_.Remember(key);
         if (!sameFile || !sameKey)
@@ -129,7 +130,7 @@ void LibraryObject::SaveHere(Progress& progress) {
     scratch_.reset();
     if (!IsMostlyFree(*file_) || !CanKeepOwnerAndGroup(file_->Path()))
         return;
-    file_->File().WaitNoMore(); // others may have their turn before the file gets smaller
+    file_->GetDatabase().WaitNoMore(); // others may have their turn before the file gets smaller
     try {
         Shrink(progress);
     } catch (const ComponentError&) {
@@ -164,11 +165,11 @@ void LibraryObject::NoteKept(std::int64_t pictures) {
 }
 
 void LibraryObject::SaveAnew(const std::filesystem::path& target, LibraryFile* over,
-                             std::shared_ptr<const Envelope> form, Progress& progress) {
+                             std::shared_ptr<const Envelope> envelope, Progress& progress) {
     disposal_.Wait(); // the new file may need the space
     NewFileRequest request;
     request.target = target;
-    request.form = form;
+    request.envelope = envelope;
     request.replaced = over;
     request.known = &known_;
     request.begun = &direct_;
@@ -190,7 +191,7 @@ void LibraryObject::SaveAnew(const std::filesystem::path& target, LibraryFile* o
     direct_.reset();
     file_ = std::move(saved);
     known_.Remember(*file_);
-    form_ = std::move(form);
+    envelope_ = std::move(envelope);
     scratch_.reset();
 }
 
@@ -216,7 +217,7 @@ void LibraryObject::Compact() {
 
 void LibraryObject::Shrink(Progress& progress) {
     const std::filesystem::path path = file_->Path();
-    SaveAnew(path, file_.get(), form_, progress);
+    SaveAnew(path, file_.get(), envelope_, progress);
     SyncFolderOf(*files_, path);
 }
 
@@ -226,7 +227,7 @@ bool LibraryObject::OpenOther(const std::filesystem::path& path, const std::stri
     // what is being written. Once another program has changed it, nothing is being written to it here, and
     // what this library knows of it is no longer what it holds.
     if (IsOpenFile(path) && file_->IsUnchanged()) {
-        if (form_->IsSealed() && !key_.Is(key))
+        if (envelope_->IsSealed() && !key_.Is(key))
             return false;
         other.state = file_->ReadState();
         return true;
@@ -288,7 +289,7 @@ void LibraryObject::MergeFromFile(const std::string& file, const std::string& ke
                 return;
             progress.Expect(VerifyWork(other.state));
             target = ContainerForNew();
-            savepoint.emplace(target->File());
+            savepoint.emplace(target->GetDatabase());
             copied = CopyOther(other, target, progress);
         });
         if (savepoint)

@@ -180,7 +180,7 @@ bool MapObject::RenderView(std::int32_t left, std::int32_t top, std::int32_t wid
     // Whoever is shown drafts asks again; others wait for the one view.
     std::optional<BlinkWait> blink;
     if (views_->Patience() > std::chrono::milliseconds::zero())
-        blink.emplace(Held().container->File());
+        blink.emplace(Held().container->GetDatabase());
     std::shared_ptr<const Bitmap> view;
     if (!renderer_->Render({left, top, width, height, zoom, views_->TiesUp()}, view))
         return false;

@@ -18,8 +18,8 @@ constexpr std::chrono::milliseconds LongestGivingBack(500);
 
 } // namespace
 
-Container::Container(std::unique_ptr<Database> database, std::shared_ptr<const Envelope> form)
-    : database_(std::move(database)), form_(std::move(form)),
+Container::Container(std::unique_ptr<Database> database, std::shared_ptr<const Envelope> envelope)
+    : database_(std::move(database)), envelope_(std::move(envelope)),
       blobs_(*database_, "INSERT INTO blob(id, data) VALUES(?1, ?2)", "SELECT data FROM blob WHERE id = ?1",
              "DELETE FROM blob WHERE id = ?1"),
       pages_(*database_, "INSERT INTO tile_index(id, data) VALUES(?1, ?2)",
@@ -86,12 +86,12 @@ std::int64_t Container::FreePages() {
 }
 
 ClosedBlob Container::Put(BlobKind kind, std::int64_t number, ByteSpan plain) {
-    ClosedBlob closed = form_->Close(kind, number, plain);
+    ClosedBlob closed = envelope_->Close(kind, number, plain);
     PutStored(kind, number, closed.bytes);
     return closed;
 }
 
 bool Container::Get(BlobKind kind, std::int64_t number, const Digest& digest, Bytes& plain) {
     const std::optional<Bytes> stored = GetStored(kind, number);
-    return stored && form_->Open(kind, number, *stored, digest, plain);
+    return stored && envelope_->Open(kind, number, *stored, digest, plain);
 }

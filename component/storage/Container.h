@@ -25,15 +25,15 @@ private:
     std::atomic<std::int64_t> next_;
 };
 
-/// A database with the tables for blobs and directory pages, and the form in which they stand there. May be
-/// used by several threads at once.
+/// A database with the tables for blobs and directory pages, and the envelope that they stand in there. May
+/// be used by several threads at once.
 class Container {
 public:
-    Container(std::unique_ptr<Database> database, std::shared_ptr<const Envelope> form);
+    Container(std::unique_ptr<Database> database, std::shared_ptr<const Envelope> envelope);
 
-    Database& File() { return *database_; }
-    const Envelope& Form() const { return *form_; }
-    std::shared_ptr<const Envelope> SharedForm() const { return form_; }
+    Database& GetDatabase() { return *database_; }
+    const Envelope& GetEnvelope() const { return *envelope_; }
+    std::shared_ptr<const Envelope> SharedEnvelope() const { return envelope_; }
 
     /// Kinds: Tile, IconPicture and DirectoryPage.
     void PutStored(BlobKind kind, std::int64_t number, ByteSpan stored);
@@ -62,7 +62,7 @@ private:
     std::int64_t FreePages();
 
     std::unique_ptr<Database> database_;
-    std::shared_ptr<const Envelope> form_;
+    std::shared_ptr<const Envelope> envelope_;
     std::mutex mutex_;
     std::size_t unwritten_ = 0; ///< bytes since the last request to get them to the disk
     Table blobs_;

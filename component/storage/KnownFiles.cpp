@@ -4,7 +4,7 @@
 
 void KnownFiles::Remember(const LibraryFile& file) {
     struct stat status {};
-    if (stat(file.Path().c_str(), &status) == 0 && !file.File().HasMoved())
+    if (stat(file.Path().c_str(), &status) == 0 && !file.GetDatabase().HasMoved())
         files_[file.Path()] = {status.st_dev, status.st_ino, file.Row()};
     else
         files_.erase(file.Path());

@@ -135,21 +135,21 @@ std::unique_ptr<LibraryFile> LibraryFile::Open(const std::filesystem::path& file
                                      : OpenChecked(file, shownName, access.wait);
     std::unique_ptr<LibraryFile> opened(new LibraryFile(file, std::move(connection), std::move(lock)));
     try {
-        std::shared_ptr<const Envelope> form;
+        std::shared_ptr<const Envelope> envelope;
         // The key is derived while others may save: what was read before is looked at again.
         for (int attempt = 0; attempt < MostAttempts; ++attempt) {
-            const bool fits = form && form->Id() == opened->header_.id &&
-                              form->MacOf(opened->row_.header) == opened->row_.mac;
+            const bool fits = envelope && envelope->Id() == opened->header_.id &&
+                              envelope->MacOf(opened->row_.header) == opened->row_.mac;
             if (!fits)
-                form = Envelope::Of(opened->header_, opened->row_.header, opened->row_.mac, key);
-            if (!form)
+                envelope = Envelope::Of(opened->header_, opened->row_.header, opened->row_.mac, key);
+            if (!envelope)
                 return nullptr;
-            if (opened->Accept(form))
+            if (opened->Accept(envelope))
                 return opened;
             opened->ReadHeader();
         }
     } catch (const MalformedRecord& malformed) {
-        Database& database = opened->opening_ ? *opened->opening_ : opened->File();
+        Database& database = opened->opening_ ? *opened->opening_ : opened->GetDatabase();
         database.Damaged(malformed.what());
     }
     throw ComponentError(ErrorNumber::FileLocked,
@@ -157,12 +157,12 @@ std::unique_ptr<LibraryFile> LibraryFile::Open(const std::filesystem::path& file
 }
 
 std::unique_ptr<LibraryFile> LibraryFile::Open(const std::filesystem::path& file,
-                                               std::shared_ptr<const Envelope> form,
+                                               std::shared_ptr<const Envelope> envelope,
                                                const std::string& shownName) {
     std::unique_ptr<LibraryFile> opened(new LibraryFile(file, OpenChecked(file, shownName)));
-    if (form->MacOf(opened->row_.header) != opened->row_.mac || form->Id() != opened->header_.id)
+    if (envelope->MacOf(opened->row_.header) != opened->row_.mac || envelope->Id() != opened->header_.id)
         opened->opening_->Damaged("its header does not match its digest");
-    if (!opened->Accept(std::move(form)))
+    if (!opened->Accept(std::move(envelope)))
         throw ComponentError(ErrorNumber::FileChanged,
                              "The file '" + shownName + "' was changed by another program just now.");
     return opened;
@@ -192,12 +192,12 @@ FileHeader LibraryFile::DecodeHeader(Database& database, const HeaderRow& row) {
     }
 }
 
-bool LibraryFile::Accept(std::shared_ptr<const Envelope> form) {
+bool LibraryFile::Accept(std::shared_ptr<const Envelope> envelope) {
     Database& database = *opening_;
     const ReadTransaction reading(database);
     if (ReadHeaderRow(database) != row_)
         return false;
-    container_ = std::make_shared<Container>(std::move(opening_), std::move(form));
+    container_ = std::make_shared<Container>(std::move(opening_), std::move(envelope));
     ReadRecords();
     read_ = DecodeState();
     return true;
@@ -205,29 +205,29 @@ bool LibraryFile::Accept(std::shared_ptr<const Envelope> form) {
 
 void LibraryFile::ReadRecords() {
     for (const RecordSource& source : Sources) {
-        Statement rows(File(), source.all);
+        Statement rows(GetDatabase(), source.all);
         while (rows.Step()) {
             const RecordKey key{source.kind, rows.Integer(0)};
-            records_[key].stored = container_->Form().DigestOf(rows.Blob(1));
+            records_[key].stored = container_->GetEnvelope().DigestOf(rows.Blob(1));
         }
     }
-    if (container_->Form().RootOf(RecordListOf(records_)) != header_.root)
-        File().Damaged("its records do not match their digest");
-    const UsedNumbers used = UsedNumbers::Of(File());
+    if (container_->GetEnvelope().RootOf(RecordListOf(records_)) != header_.root)
+        GetDatabase().Damaged("its records do not match their digest");
+    const UsedNumbers used = UsedNumbers::Of(GetDatabase());
     if (used.smallest < 1)
-        File().Damaged("it uses a number below 1");
+        GetDatabase().Damaged("it uses a number below 1");
     if (used.largest >= header_.nextNumber)
-        File().Damaged("it uses numbers that its header calls unused");
+        GetDatabase().Damaged("it uses numbers that its header calls unused");
 }
 
 Bytes LibraryFile::RecordOf(const RecordKey& key) {
     const auto record = records_.find(key);
-    Statement select(File(), SourceOf(key.first).one);
+    Statement select(GetDatabase(), SourceOf(key.first).one);
     if (record == records_.end() || !select.Bind(1, key.second).Step())
-        File().Damaged(NameOf(key) + " is missing");
+        GetDatabase().Damaged(NameOf(key) + " is missing");
     Bytes plain;
-    if (!container_->Form().Open(key.first, key.second, select.Blob(0), record->second.stored, plain))
-        File().Damaged(NameOf(key) + " does not match its digest");
+    if (!container_->GetEnvelope().Open(key.first, key.second, select.Blob(0), record->second.stored, plain))
+        GetDatabase().Damaged(NameOf(key) + " does not match its digest");
     record->second.plain = PlainDigest(plain);
     return plain;
 }
@@ -235,7 +235,7 @@ Bytes LibraryFile::RecordOf(const RecordKey& key) {
 LibraryState LibraryFile::ReadState() {
     if (read_)
         return *std::exchange(read_, std::nullopt);
-    const ReadTransaction reading(File());
+    const ReadTransaction reading(GetDatabase());
     return DecodeState();
 }
 
@@ -255,35 +255,35 @@ LibraryState LibraryFile::DecodeState() {
                     DecodeMetadata(RecordOf({BlobKind::MetadataRecord, key.second}));
             }
         } catch (const MalformedRecord& malformed) {
-            File().Damaged(NameOf(key) + " cannot be read: " + malformed.what());
+            GetDatabase().Damaged(NameOf(key) + " cannot be read: " + malformed.what());
         }
     }
     if (state.maps.size() != static_cast<std::size_t>(header_.mapCount) ||
         state.icons.size() != static_cast<std::size_t>(header_.iconCount))
-        File().Damaged("its counts are not those of its header");
+        GetDatabase().Damaged("its counts are not those of its header");
     if (LargestNumberIn(state) >= header_.nextNumber)
-        File().Damaged("it uses numbers that its header calls unused");
+        GetDatabase().Damaged("it uses numbers that its header calls unused");
     return state;
 }
 
 bool LibraryFile::IsUnchanged() const {
-    return !File().HasMoved() && ReadHeaderRow(File()) == row_;
+    return !GetDatabase().HasMoved() && ReadHeaderRow(GetDatabase()) == row_;
 }
 
 void LibraryFile::RequireUnchanged() const {
     if (!IsUnchanged())
         throw ComponentError(ErrorNumber::FileChanged,
-                             "The file '" + File().ShownName() +
+                             "The file '" + GetDatabase().ShownName() +
                                  "' was changed by another program since it was opened.");
 }
 
 bool LibraryFile::Holds(const FileHeader& header) const {
-    return ReadHeaderRow(File()).header == header.Encode();
+    return ReadHeaderRow(GetDatabase()).header == header.Encode();
 }
 
 void LibraryFile::Saved(const FileHeader& header, RecordTable records) {
     header_ = header;
     row_.header = header.Encode();
-    row_.mac = container_->Form().MacOf(row_.header);
+    row_.mac = container_->GetEnvelope().MacOf(row_.header);
     records_ = std::move(records);
 }

@@ -40,7 +40,7 @@ public:
     }
     /// With the envelope known: no key derivation.
     static std::unique_ptr<LibraryFile> Open(const std::filesystem::path& file,
-                                             std::shared_ptr<const Envelope> form,
+                                             std::shared_ptr<const Envelope> envelope,
                                              const std::string& shownName);
 
     /// The write lock of a file that was opened to be written; nothing otherwise, and the second time.
@@ -50,7 +50,7 @@ public:
     const FileHeader& Header() const { return header_; }
     const HeaderRow& Row() const { return row_; }
     const std::shared_ptr<Container>& Tiles() const { return container_; }
-    Database& File() const { return container_->File(); }
+    Database& GetDatabase() const { return container_->GetDatabase(); }
     const RecordTable& Records() const { return records_; }
 
     /// The maps and icons as stored; each call gives fresh copies, the first those that were read with the
@@ -72,8 +72,8 @@ private:
     static HeaderRow ReadHeaderRow(Database& database);
     static FileHeader DecodeHeader(Database& database, const HeaderRow& row);
     /// Reads header, records and state as they are at one moment. False when the header is no longer the one
-    /// that the form was made for.
-    bool Accept(std::shared_ptr<const Envelope> form);
+    /// that the envelope was made for.
+    bool Accept(std::shared_ptr<const Envelope> envelope);
     void ReadHeader();
     void ReadRecords();
     LibraryState DecodeState();

@@ -101,17 +101,17 @@ void LibraryWriter::RemoveGoneRecords() {
     const Belonging staying = Staying();
     for (const RecordKey& key : gone) {
         RemovePictures(key, staying);
-        Statement(target_->File(), TargetOf(key.first).remove).Bind(1, key.second).Run();
+        Statement(target_->GetDatabase(), TargetOf(key.first).remove).Bind(1, key.second).Run();
         records_.erase(key);
     }
 }
 
 Bytes LibraryWriter::FormerRecord(const RecordKey& key) {
-    Statement select(target_->File(), TargetOf(key.first).get);
+    Statement select(target_->GetDatabase(), TargetOf(key.first).get);
     Bytes plain;
     if (!select.Bind(1, key.second).Step() ||
-        !target_->Form().Open(key.first, key.second, select.Blob(0), former_.at(key).stored, plain))
-        target_->File().Damaged("a record does not match its digest");
+        !target_->GetEnvelope().Open(key.first, key.second, select.Blob(0), former_.at(key).stored, plain))
+        target_->GetDatabase().Damaged("a record does not match its digest");
     return plain;
 }
 
@@ -172,24 +172,27 @@ void LibraryWriter::WriteRecord(const RecordKey& key, ByteSpan plain) {
     const auto former = former_.find(key);
     if (former != former_.end() && former->second.plain == content)
         return;
-    const ClosedBlob closed = target_->Form().Close(key.first, key.second, plain);
-    Statement(target_->File(), TargetOf(key.first).put).Bind(1, key.second).Bind(2, closed.bytes).Run();
+    const ClosedBlob closed = target_->GetEnvelope().Close(key.first, key.second, plain);
+    Statement(target_->GetDatabase(), TargetOf(key.first).put)
+        .Bind(1, key.second)
+        .Bind(2, closed.bytes)
+        .Run();
     records_[key] = {closed.digest, content};
 }
 
 void LibraryWriter::WriteHeader(FileHeader& header) {
-    target_->Form().Describe(header);
+    target_->GetEnvelope().Describe(header);
     header.nextNumber = numbers_.Next();
     header.mapCount = static_cast<std::int32_t>(state_.maps.size());
     header.iconCount = static_cast<std::int32_t>(state_.icons.size());
     // Nothing would open the file again.
-    if (!header.CountsAreInRange() || UsedNumbers::Of(target_->File()).largest >= header.nextNumber)
-        throw ComponentError(ErrorNumber::Failed, "The file '" + target_->File().ShownName() +
+    if (!header.CountsAreInRange() || UsedNumbers::Of(target_->GetDatabase()).largest >= header.nextNumber)
+        throw ComponentError(ErrorNumber::Failed, "The file '" + target_->GetDatabase().ShownName() +
                                                       "' cannot be saved: it has no numbers left.");
-    header.root = target_->Form().RootOf(RecordListOf(records_));
+    header.root = target_->GetEnvelope().RootOf(RecordListOf(records_));
     const Bytes encoded = header.Encode();
-    const HeaderMac mac = target_->Form().MacOf(encoded);
-    Statement(target_->File(), "INSERT OR REPLACE INTO library(id, header, mac) VALUES(1, ?1, ?2)")
+    const HeaderMac mac = target_->GetEnvelope().MacOf(encoded);
+    Statement(target_->GetDatabase(), "INSERT OR REPLACE INTO library(id, header, mac) VALUES(1, ?1, ?2)")
         .Bind(1, encoded)
         .Bind(2, mac)
         .Run();
@@ -210,7 +213,8 @@ BlobRef CopyPicture(const IconState& icon, Container& to, NumberSource* fresh) {
     BlobRef ref = icon.record.picture;
     Bytes plain;
     if (!icon.container->Get(BlobKind::IconPicture, ref.number, ref.digest, plain))
-        icon.container->File().Damaged("the picture of icon '" + icon.Name() + "' does not match its digest");
+        icon.container->GetDatabase().Damaged("the picture of icon '" + icon.Name() +
+                                              "' does not match its digest");
     if (fresh != nullptr)
         ref.number = fresh->Take();
     const ClosedBlob closed = to.Put(BlobKind::IconPicture, ref.number, plain);

@@ -15,7 +15,7 @@ std::optional<std::string> Commit(LibraryFile& file, Transaction& transaction, c
         transaction.Commit();
         return std::nullopt;
     } catch (const ComponentError& error) {
-        if (file.File().InTransaction() || !file.Holds(header))
+        if (file.GetDatabase().InTransaction() || !file.Holds(header))
             throw;
         return error.Description();
     }
@@ -26,9 +26,9 @@ std::optional<std::string> Commit(LibraryFile& file, Transaction& transaction, c
 std::int64_t SaveInPlace(LibraryFile& file, const LibraryState& state, NumberSource& numbers,
                          std::unique_ptr<Transaction> begun, Progress& progress) {
     if (!begun) {
-        begun = std::make_unique<Transaction>(file.File());
+        begun = std::make_unique<Transaction>(file.GetDatabase());
         file.RequireUnchanged();
-    } else if (file.File().HasMoved()) {
+    } else if (file.GetDatabase().HasMoved()) {
         file.RequireUnchanged();
     }
     LibraryWriter writer(file.Tiles(), file.Records(), state, numbers);
@@ -49,7 +49,8 @@ std::int64_t SaveInPlace(LibraryFile& file, const LibraryState& state, NumberSou
 }
 
 bool IsMostlyFree(LibraryFile& file) {
-    return file.File().Number("PRAGMA freelist_count") * 4 > file.File().Number("PRAGMA page_count");
+    return file.GetDatabase().Number("PRAGMA freelist_count") * 4 >
+           file.GetDatabase().Number("PRAGMA page_count");
 }
 
 namespace {
@@ -77,11 +78,11 @@ FileHeader Fill(Filling& filling, const NewFileRequest& request, LibraryWriterRe
     auto database = std::make_unique<Database>(filling.replacement.Temporary(), Database::Mode::Fill,
                                                request.target.string());
     CreateLibrarySchema(*database);
-    filling.container = std::make_shared<Container>(std::move(database), request.form);
+    filling.container = std::make_shared<Container>(std::move(database), request.envelope);
     LibraryWriter writer(filling.container, {}, state, numbers);
     FileHeader header;
     header.generation = request.generation;
-    filling.transaction = std::make_unique<Transaction>(filling.container->File());
+    filling.transaction = std::make_unique<Transaction>(filling.container->GetDatabase());
     writer.Write(header, progress);
     filling.transaction->Commit();
     result = writer.TakeResult();
@@ -117,7 +118,7 @@ void ReadBack(const FileReplacement& replacement, const NewFileRequest& request,
     };
     try {
         const auto written =
-            LibraryFile::Open(replacement.Temporary(), request.form, request.target.string());
+            LibraryFile::Open(replacement.Temporary(), request.envelope, request.target.string());
         VerifyTiles(written->ReadState(), Depth::Stored, progress,
                     [&](const std::string& object, const std::string&) { differs(object); });
     } catch (const ComponentError& error) {
@@ -143,7 +144,7 @@ std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& fi
     std::unique_ptr<Transaction> held;
     if (request.replaced != nullptr) {
         if (request.begun == nullptr || !*request.begun)
-            held = std::make_unique<Transaction>(request.replaced->File());
+            held = std::make_unique<Transaction>(request.replaced->GetDatabase());
         else if (!(*request.begun)->HasWritten())
             held = std::move(*request.begun);
         request.replaced->RequireUnchanged();
@@ -165,7 +166,7 @@ std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& fi
     if (request.replaced != nullptr && !held) {
         // All of it stands in the new file. Its journal must go first: it would be rolled into that one.
         request.begun->reset();
-        held = std::make_unique<Transaction>(request.replaced->File());
+        held = std::make_unique<Transaction>(request.replaced->GetDatabase());
         request.replaced->RequireUnchanged();
     }
     if (held)
@@ -175,7 +176,7 @@ std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& fi
         [&] { return request.known != nullptr && request.known->StillHolds(request.target); });
     held.reset();
     request.placed();
-    auto file = LibraryFile::Open(request.target, request.form, request.target.string());
+    auto file = LibraryFile::Open(request.target, request.envelope, request.target.string());
     if (!file->Holds(header))
         file->RequireUnchanged();
     file->ReadState();

@@ -21,7 +21,7 @@ bool IsMostlyFree(LibraryFile& file);
 /// What a new file is made of.
 struct NewFileRequest {
     std::filesystem::path target;
-    std::shared_ptr<const Envelope> form;
+    std::shared_ptr<const Envelope> envelope;
     /// The open file when it is the one that is replaced: its write lock is held until the new one is in
     /// place, and it must be unchanged. Nothing: a file that stands at the target is kept as a .bak,
     /// unless it is one of `known`.

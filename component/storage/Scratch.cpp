@@ -20,12 +20,12 @@ constexpr std::string_view LastResort = "/var/tmp";
 class ScratchFile {
 public:
     ScratchFile(std::shared_ptr<FileSystem> files, std::filesystem::path path,
-                std::shared_ptr<const Envelope> form)
+                std::shared_ptr<const Envelope> envelope)
         : files_(std::move(files)), path_(std::move(path)), locked_(files_->CreateLocked(path_)) {
         try {
             auto database = std::make_unique<Database>(path_, Database::Mode::Scratch, path_.string());
             CreateScratchSchema(*database);
-            container_ = std::make_unique<Container>(std::move(database), std::move(form));
+            container_ = std::make_unique<Container>(std::move(database), std::move(envelope));
         } catch (...) { // a lack of memory, too: the destructor of what was never made does not run
             files_->Remove(path_);
             throw;
@@ -84,14 +84,14 @@ std::filesystem::path UserCacheFolder() {
 }
 
 std::shared_ptr<Container> MakeScratch(const std::shared_ptr<FileSystem>& files, const std::string& folder,
-                                       std::shared_ptr<const Envelope> form) {
+                                       std::shared_ptr<const Envelope> envelope) {
     std::optional<ComponentError> first;
     for (const std::string& candidate : {folder, std::string(), std::string(LastResort)}) {
         try {
             const std::filesystem::path place =
                 candidate.empty() ? UserCacheFolder() : std::filesystem::path(candidate);
             SweepAbandoned(*files, place);
-            auto file = std::make_shared<ScratchFile>(files, place / UniqueName(), form);
+            auto file = std::make_shared<ScratchFile>(files, place / UniqueName(), envelope);
             return {file, file->Tiles()};
         } catch (const ComponentError& error) {
             if (error.Number() != ErrorNumber::FileNotWritable)

@@ -9,7 +9,7 @@
 /// no file can be made in the folder it is the cache folder, too, and where none can be made there the
 /// system's for temporary files that outlast a start. Throws what stood in the way at the first of them.
 std::shared_ptr<Container> MakeScratch(const std::shared_ptr<FileSystem>& files, const std::string& folder,
-                                       std::shared_ptr<const Envelope> form);
+                                       std::shared_ptr<const Envelope> envelope);
 
 /// The user's cache folder for this program; made when it is missing.
 std::filesystem::path UserCacheFolder();

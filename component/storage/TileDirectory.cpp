@@ -38,8 +38,8 @@ std::string TileReader::Place(std::int64_t entry) const {
 }
 
 void TileReader::Damaged(const std::string& what) const {
-    throw ComponentError(ErrorNumber::FileDamaged,
-                         "The file '" + container_->File().ShownName() + "' is damaged: " + what + ".");
+    throw ComponentError(ErrorNumber::FileDamaged, "The file '" + container_->GetDatabase().ShownName() +
+                                                       "' is damaged: " + what + ".");
 }
 
 std::vector<BlobRef> TileReader::LoadPage(std::int64_t index) {
@@ -86,7 +86,7 @@ Bytes TileReader::ReadStored(std::int64_t entry, const BlobRef& ref) {
     std::optional<Bytes> stored = container_->GetStored(BlobKind::Tile, ref.number);
     if (!stored)
         Damaged(Place(entry) + ", is missing");
-    if (stored->size() != ref.length || container_->Form().DigestOf(*stored) != ref.digest)
+    if (stored->size() != ref.length || container_->GetEnvelope().DigestOf(*stored) != ref.digest)
         Damaged(Place(entry) + ", does not match its digest");
     return std::move(*stored);
 }
@@ -94,10 +94,10 @@ Bytes TileReader::ReadStored(std::int64_t entry, const BlobRef& ref) {
 Bytes TileReader::ReadEntry(std::int64_t entry) {
     const BlobRef ref = Entry(entry);
     Bytes stored = ReadStored(entry, ref);
-    if (!container_->Form().IsSealed())
+    if (!container_->GetEnvelope().IsSealed())
         return stored;
     Bytes plain;
-    if (!container_->Form().Open(BlobKind::Tile, ref.number, stored, ref.digest, plain))
+    if (!container_->GetEnvelope().Open(BlobKind::Tile, ref.number, stored, ref.digest, plain))
         Damaged(Place(entry) + ", does not match its digest");
     return plain;
 }
@@ -168,7 +168,7 @@ class TileCopy {
 public:
     TileCopy(TileReader& source, Container& from, Container& to, NumberSource* fresh)
         : source_(source), from_(from), to_(to), fresh_(fresh),
-          asStored_(fresh == nullptr && &from.Form() == &to.Form()) {}
+          asStored_(fresh == nullptr && &from.GetEnvelope() == &to.GetEnvelope()) {}
 
     BlobRef Copy(std::int64_t entry) {
         const BlobRef former = source_.Entry(entry);
@@ -201,8 +201,8 @@ private:
         if (asStored_) {
             // The page was checked against this digest when the entries were read from it.
             const std::optional<Bytes> stored = from_.GetStored(BlobKind::DirectoryPage, former.number);
-            if (!stored || from_.Form().DigestOf(*stored) != former.digest)
-                from_.File().Damaged("a page of a tile directory does not match its digest");
+            if (!stored || from_.GetEnvelope().DigestOf(*stored) != former.digest)
+                from_.GetDatabase().Damaged("a page of a tile directory does not match its digest");
             to_.PutStored(BlobKind::DirectoryPage, former.number, *stored);
             return former;
         }

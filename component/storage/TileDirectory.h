@@ -75,9 +75,9 @@ std::vector<PageRef> WritePages(Container& container, NumberSource& numbers,
                                 std::span<const BlobRef> entries);
 
 /// Copies a map's tiles into another container and gives the directory as it stands there. Blobs and pages
-/// are copied as they are when both containers store them in the same form and the numbers may stay
+/// are copied as they are when both containers have the same envelope and the numbers may stay
 /// (`fresh` is nothing); otherwise they are opened and closed anew under fresh numbers, or their own when
-/// only the form differs. Every tile is checked against its digest. Progress counts tiles.
+/// only the envelope differs. Every tile is checked against its digest. Progress counts tiles.
 std::vector<PageRef> CopyTiles(TileReader& source, Container& from, const PyramidLayout& layout,
                                const std::vector<PageRef>& pages, Container& to, NumberSource* fresh,
                                Progress& progress);

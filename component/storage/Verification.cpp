@@ -60,7 +60,7 @@ private:
         const std::string place = reader_.Place(entry);
         Bytes png;
         if (Tell(report_, place, [&] { png = reader_.ReadEntry(entry); }) && depth_ == Depth::Decoded)
-            TellOfPicture(report_, map_.container->File(), place, [&] { form_.Check(png, entry); });
+            TellOfPicture(report_, map_.container->GetDatabase(), place, [&] { form_.Check(png, entry); });
     }
 
     const MapState& map_;
@@ -87,12 +87,13 @@ void VerifyIcon(const IconState& icon, Depth depth, const DamageReport& report) 
     const std::optional<Bytes> stored = icon.container->GetStored(BlobKind::IconPicture, picture.number);
     Bytes png;
     if (!stored || stored->size() != picture.length ||
-        !icon.container->Form().Open(BlobKind::IconPicture, picture.number, *stored, picture.digest, png)) {
+        !icon.container->GetEnvelope().Open(BlobKind::IconPicture, picture.number, *stored, picture.digest,
+                                            png)) {
         report(place, "The picture of icon '" + icon.Name() + "' is missing or does not match its digest.");
         return;
     }
     if (depth == Depth::Decoded)
-        TellOfPicture(report, icon.container->File(), place, [&] {
+        TellOfPicture(report, icon.container->GetDatabase(), place, [&] {
             TileDecoder decoder;
             std::vector<std::uint8_t> pixels;
             DecodeWhole(decoder, png, icon.record.width, icon.record.height, pixels);
@@ -120,16 +121,16 @@ void ReportRecords(const LibraryFile& file, const DamageReport& report) {
         const bool isIcon = records.contains({BlobKind::IconRecord, number});
         strays += key.first == BlobKind::MetadataRecord && !isMap && !isIcon ? 1 : 0;
         if (key.first == BlobKind::IconRecord && isMap)
-            report("File", "The file '" + file.File().ShownName() + "' has a map and an icon of number " +
-                               std::to_string(number) + ".");
+            report("File", "The file '" + file.GetDatabase().ShownName() +
+                               "' has a map and an icon of number " + std::to_string(number) + ".");
     }
     if (strays > 0)
-        report("File", "The file '" + file.File().ShownName() + "' holds " + std::to_string(strays) +
+        report("File", "The file '" + file.GetDatabase().ShownName() + "' holds " + std::to_string(strays) +
                            " metadata records that belong to no map or icon.");
 }
 
 void ReportBelonging(LibraryFile& file, const LibraryState& state, const DamageReport& report) {
-    const std::string start = "The file '" + file.File().ShownName() + "' is damaged: ";
+    const std::string start = "The file '" + file.GetDatabase().ShownName() + "' is damaged: ";
     Belonging belonging([&](const std::string& owner, const std::string& other, std::int64_t count) {
         report("File", start + owner + " names " + std::to_string(count) +
                            " pictures or directory pages that belong to " + other + ".");
@@ -141,10 +142,10 @@ void ReportBelonging(LibraryFile& file, const LibraryState& state, const DamageR
     if (belonging.Largest() >= file.Header().nextNumber)
         report("File", start + "a map or icon uses a number that its header calls unused.");
     ReportStrays(
-        file.File(), "SELECT id FROM blob", [&](std::int64_t number) { return belonging.HasBlob(number); },
-        "pictures", report);
+        file.GetDatabase(), "SELECT id FROM blob",
+        [&](std::int64_t number) { return belonging.HasBlob(number); }, "pictures", report);
     ReportStrays(
-        file.File(), "SELECT id FROM tile_index",
+        file.GetDatabase(), "SELECT id FROM tile_index",
         [&](std::int64_t number) { return belonging.HasPage(number); }, "directory pages", report);
 }
 
@@ -191,12 +192,12 @@ std::vector<std::string> ObjectsWithoutPixels(const LibraryState& state, const C
 
 void VerifyStructure(LibraryFile& file, const LibraryState& state, const DamageReport& report) {
     Tell(report, "File", [&] {
-        Statement check(file.File(), "PRAGMA quick_check(20)");
+        Statement check(file.GetDatabase(), "PRAGMA quick_check(20)");
         int findings = 0;
         while (check.Step())
             findings += check.Text(0) == "ok" ? 0 : 1;
         if (findings > 0)
-            report("File", "The file '" + file.File().ShownName() +
+            report("File", "The file '" + file.GetDatabase().ShownName() +
                                "' is damaged: its structure is broken in " + std::to_string(findings) +
                                (findings == 1 ? " place." : " places."));
     });

@@ -18,7 +18,7 @@ protected:
         Progress progress;
         NewFileRequest request;
         request.target = file_;
-        request.form = Envelope::Plain();
+        request.envelope = Envelope::Plain();
         request.placed = [] {};
         NumberSource numbers;
         SaveAsNewFile(SystemFiles(), request, {}, numbers, progress);

@@ -19,13 +19,13 @@ constexpr KeyCost Cheap{1, 8192};
 class TileDirectory : public testing::TestWithParam<bool> {
 protected:
     std::shared_ptr<Container> NewContainer(const std::string& name,
-                                            const std::shared_ptr<const Envelope>& form) {
+                                            const std::shared_ptr<const Envelope>& envelope) {
         WriteWholeFile(folder_ / name, "");
         auto database = std::make_unique<Database>(folder_ / name, Database::Mode::Fill, name);
         CreateScratchSchema(*database);
-        return std::make_shared<Container>(std::move(database), form);
+        return std::make_shared<Container>(std::move(database), envelope);
     }
-    static std::shared_ptr<const Envelope> NewForm() {
+    static std::shared_ptr<const Envelope> NewEnvelope() {
         return GetParam() ? Envelope::Sealed("k", Cheap) : Envelope::Plain();
     }
 
@@ -76,7 +76,7 @@ INSTANTIATE_TEST_SUITE_P(PlainAndSealed, TileDirectory, testing::Bool(),
                          [](const auto& sealed) { return sealed.param ? "Sealed" : "Plain"; });
 
 TEST_P(TileDirectory, GivesBackEveryTileThroughPagesOfAThousand) {
-    const auto container = NewContainer("a", NewForm());
+    const auto container = NewContainer("a", NewEnvelope());
     const std::vector<PageRef> pages = Write(*container);
     EXPECT_EQ(static_cast<std::int64_t>(pages.size()), PagesFor(layout_.Entries()));
     EXPECT_EQ(pages.size(), 3U);
@@ -84,7 +84,7 @@ TEST_P(TileDirectory, GivesBackEveryTileThroughPagesOfAThousand) {
 }
 
 TEST_P(TileDirectory, IsReadBySeveralThreadsAtOnce) {
-    const auto container = NewContainer("a", NewForm());
+    const auto container = NewContainer("a", NewEnvelope());
     const std::vector<PageRef> pages = Write(*container);
     TileReader reader(container, layout_, pages, "North");
     std::atomic<int> wrong{0};
@@ -101,7 +101,7 @@ TEST_P(TileDirectory, IsReadBySeveralThreadsAtOnce) {
 }
 
 TEST_P(TileDirectory, KeepsIdenticalTilesOnce) {
-    const auto container = NewContainer("a", NewForm());
+    const auto container = NewContainer("a", NewEnvelope());
     const std::vector<PageRef> pages = Write(*container);
     TileReader reader(container, layout_, pages, "North");
     EXPECT_EQ(reader.Entry(0), reader.Entry(44));
@@ -110,17 +110,17 @@ TEST_P(TileDirectory, KeepsIdenticalTilesOnce) {
     std::set<std::int64_t> numbers;
     for (std::int64_t entry = 0; entry < layout_.Entries(); ++entry)
         numbers.insert(reader.Entry(entry).number);
-    EXPECT_EQ(container->File().Number("SELECT count(*) FROM blob"),
+    EXPECT_EQ(container->GetDatabase().Number("SELECT count(*) FROM blob"),
               static_cast<std::int64_t>(numbers.size()));
 }
 
 TEST_P(TileDirectory, NamesADamagedOrMissingTile) {
-    const auto container = NewContainer("a", NewForm());
+    const auto container = NewContainer("a", NewEnvelope());
     const std::vector<PageRef> pages = Write(*container);
     TileReader reader(container, layout_, pages, "North");
     const std::int64_t damaged = reader.Entry(layout_.Entry(0, 3, 4)).number;
     const std::int64_t missing = reader.Entry(layout_.Entry(1, 2, 1)).number;
-    container->File().Execute(
+    container->GetDatabase().Execute(
         ("UPDATE blob SET data = CAST(x'00' || data AS BLOB) WHERE id = " + std::to_string(damaged)).c_str());
     container->Remove(BlobKind::Tile, missing);
     EXPECT_NE(ErrorOf([&] { reader.ReadTile(0, 3, 4); }).find("Map 'North', level 0, row 3, column 4"),
@@ -131,20 +131,21 @@ TEST_P(TileDirectory, NamesADamagedOrMissingTile) {
 }
 
 TEST_P(TileDirectory, RefusesTilesThatWereSwapped) {
-    const auto container = NewContainer("a", NewForm());
+    const auto container = NewContainer("a", NewEnvelope());
     const std::vector<PageRef> pages = Write(*container);
     TileReader reader(container, layout_, pages, "North");
     const std::string one = std::to_string(reader.Entry(layout_.Entry(0, 1, 1)).number);
     const std::string two = std::to_string(reader.Entry(layout_.Entry(0, 1, 2)).number);
-    container->File().Execute(("UPDATE blob SET id = -1 WHERE id = " + one + "; UPDATE blob SET id = " + one +
-                               " WHERE id = " + two + "; UPDATE blob SET id = " + two + " WHERE id = -1")
-                                  .c_str());
+    container->GetDatabase().Execute(("UPDATE blob SET id = -1 WHERE id = " + one +
+                                      "; UPDATE blob SET id = " + one + " WHERE id = " + two +
+                                      "; UPDATE blob SET id = " + two + " WHERE id = -1")
+                                         .c_str());
     EXPECT_NE(ErrorOf([&] { reader.ReadTile(0, 1, 1); }), "no error");
     EXPECT_NE(ErrorOf([&] { reader.ReadTile(0, 1, 2); }), "no error");
 }
 
 TEST_P(TileDirectory, NamesADamagedPage) {
-    const auto container = NewContainer("a", NewForm());
+    const auto container = NewContainer("a", NewEnvelope());
     const std::vector<PageRef> pages = Write(*container);
     container->Remove(BlobKind::DirectoryPage, pages[1].number);
     TileReader reader(container, layout_, pages, "North");
@@ -155,7 +156,7 @@ TEST_P(TileDirectory, NamesADamagedPage) {
 }
 
 TEST_P(TileDirectory, RefusesAPageOfTheWrongLength) {
-    const auto container = NewContainer("a", NewForm());
+    const auto container = NewContainer("a", NewEnvelope());
     std::vector<PageRef> pages = Write(*container);
     std::swap(pages[0], pages[2]);
     TileReader reader(container, layout_, pages, "North");
@@ -164,8 +165,8 @@ TEST_P(TileDirectory, RefusesAPageOfTheWrongLength) {
 }
 
 TEST_P(TileDirectory, CopiesAsStoredIntoTheSameFormAndAnewIntoAnother) {
-    const auto form = NewForm();
-    const auto container = NewContainer("a", form);
+    const auto envelope = NewEnvelope();
+    const auto container = NewContainer("a", envelope);
     const std::vector<PageRef> pages = Write(*container);
     const auto copyTo = [&](Container& to, NumberSource* fresh) {
         TileReader reader(container, layout_, pages, "North");
@@ -174,11 +175,11 @@ TEST_P(TileDirectory, CopiesAsStoredIntoTheSameFormAndAnewIntoAnother) {
         EXPECT_EQ(progress.Done(), layout_.Entries());
         return copied;
     };
-    const auto same = NewContainer("same", form);
+    const auto same = NewContainer("same", envelope);
     EXPECT_EQ(copyTo(*same, nullptr), pages);
     ExpectReads(same, pages);
     EXPECT_EQ(same->GetStored(BlobKind::Tile, 1), container->GetStored(BlobKind::Tile, 1));
-    const auto renumbered = NewContainer("renumbered", form);
+    const auto renumbered = NewContainer("renumbered", envelope);
     ExpectReads(renumbered, copyTo(*renumbered, &numbers_));
     for (const auto& other : {Envelope::Plain(), Envelope::Sealed("other", Cheap)}) {
         const auto target = NewContainer(other->IsSealed() ? "sealed" : "plain", other);
@@ -189,13 +190,13 @@ TEST_P(TileDirectory, CopiesAsStoredIntoTheSameFormAndAnewIntoAnother) {
 }
 
 TEST_P(TileDirectory, CopyingChecksEveryTile) {
-    const auto container = NewContainer("a", NewForm());
+    const auto container = NewContainer("a", NewEnvelope());
     const std::vector<PageRef> pages = Write(*container);
     TileReader reader(container, layout_, pages, "North");
-    container->File().Execute(("UPDATE blob SET data = CAST(data || x'00' AS BLOB) WHERE id = " +
-                               std::to_string(reader.Entry(2000).number))
-                                  .c_str());
-    const auto target = NewContainer("b", container->SharedForm());
+    container->GetDatabase().Execute(("UPDATE blob SET data = CAST(data || x'00' AS BLOB) WHERE id = " +
+                                      std::to_string(reader.Entry(2000).number))
+                                         .c_str());
+    const auto target = NewContainer("b", container->SharedEnvelope());
     Progress progress;
     EXPECT_NE(ErrorOf([&] { CopyTiles(reader, *container, layout_, pages, *target, nullptr, progress); }),
               "no error");
