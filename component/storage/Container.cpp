@@ -16,23 +16,89 @@ constexpr int PagesGivenBack = 1000;
 /// is left to the next removal, and is used again until then.
 constexpr std::chrono::milliseconds LongestGivingBack(500);
 
+/// Where blobs of a kind stand.
+struct Place {
+    std::string_view table;
+    std::string_view column;
+    std::string_view put = "INSERT";
+};
+
+Place PlaceOf(BlobKind kind) {
+    switch (kind) {
+    case BlobKind::Tile:
+    case BlobKind::IconPicture:
+        return {"blob", "data"};
+    case BlobKind::DirectoryPage:
+        return {"tile_index", "data"};
+    case BlobKind::MapRecord:
+        return {"map", "record", "INSERT OR REPLACE"};
+    case BlobKind::IconRecord:
+        return {"icon", "record", "INSERT OR REPLACE"};
+    case BlobKind::MetadataRecord:
+        return {"metadata", "record", "INSERT OR REPLACE"};
+    }
+    throw ComponentError(ErrorNumber::InvalidArgument, "There is no such record.");
+}
+
+std::string Text(std::initializer_list<std::string_view> parts) {
+    std::string text;
+    for (const std::string_view part : parts)
+        text += part;
+    return text;
+}
+
+std::string PutSql(BlobKind kind) {
+    const Place place = PlaceOf(kind);
+    return Text({place.put, " INTO ", place.table, "(id, ", place.column, ") VALUES(?1, ?2)"});
+}
+
+std::string SelectSql(BlobKind kind) {
+    const Place place = PlaceOf(kind);
+    return Text({"SELECT ", place.column, " FROM ", place.table, " WHERE id = ?1"});
+}
+
+std::string SelectAllSql(BlobKind kind) {
+    const Place place = PlaceOf(kind);
+    return Text({"SELECT id, ", place.column, " FROM ", place.table, " ORDER BY id"});
+}
+
+std::string RemoveSql(BlobKind kind) {
+    return Text({"DELETE FROM ", PlaceOf(kind).table, " WHERE id = ?1"});
+}
+
+/// A statement that shows a row holds the file locked for reading; so it must not be left, not by an
+/// exception.
+class ResetAtEnd {
+public:
+    explicit ResetAtEnd(Statement& statement) : statement_(statement) {}
+    ~ResetAtEnd() { statement_.Reset(); }
+    ResetAtEnd(const ResetAtEnd&) = delete;
+    ResetAtEnd& operator=(const ResetAtEnd&) = delete;
+
+private:
+    Statement& statement_;
+};
+
 } // namespace
 
+Container::Table::Table(Database& database, BlobKind kind)
+    : put(database, PutSql(kind).c_str()), select(database, SelectSql(kind).c_str()),
+      remove(database, RemoveSql(kind).c_str()) {}
+
 Container::Container(std::unique_ptr<Database> database, std::shared_ptr<const Envelope> envelope)
-    : database_(std::move(database)), envelope_(std::move(envelope)),
-      blobs_(*database_, "INSERT INTO blob(id, data) VALUES(?1, ?2)", "SELECT data FROM blob WHERE id = ?1",
-             "DELETE FROM blob WHERE id = ?1"),
-      pages_(*database_, "INSERT INTO tile_index(id, data) VALUES(?1, ?2)",
-             "SELECT data FROM tile_index WHERE id = ?1", "DELETE FROM tile_index WHERE id = ?1") {}
+    : database_(std::move(database)), envelope_(std::move(envelope)) {
+    TableOf(BlobKind::Tile);
+    TableOf(BlobKind::DirectoryPage);
+}
 
 Container::Table& Container::TableOf(BlobKind kind) {
-    return kind == BlobKind::DirectoryPage ? pages_ : blobs_;
+    return tables_.try_emplace(PlaceOf(kind).table, *database_, kind).first->second;
 }
 
 void Container::PutStored(BlobKind kind, std::int64_t number, ByteSpan stored) {
     {
         const std::scoped_lock lock(mutex_);
-        TableOf(kind).insert.Bind(1, number).Bind(2, stored).Run();
+        TableOf(kind).put.Bind(1, number).Bind(2, stored).Run();
         unwritten_ += stored.size();
         if (unwritten_ < WriteBackStep)
             return;
@@ -44,19 +110,24 @@ void Container::PutStored(BlobKind kind, std::int64_t number, ByteSpan stored) {
 std::optional<Bytes> Container::GetStored(BlobKind kind, std::int64_t number) {
     const std::scoped_lock lock(mutex_);
     Statement& select = TableOf(kind).select;
-    select.Reset(); // an earlier look may have ended in an exception
-    std::optional<Bytes> stored;
-    if (select.Bind(1, number).Step()) {
-        const ByteSpan blob = select.Blob(0);
-        stored.emplace(blob.begin(), blob.end());
-    }
-    select.Reset();
-    return stored;
+    const ResetAtEnd reset(select);
+    if (!select.Bind(1, number).Step())
+        return std::nullopt;
+    const ByteSpan stored = select.Blob(0);
+    return Bytes(stored.begin(), stored.end());
 }
 
 void Container::Remove(BlobKind kind, std::int64_t number) {
     const std::scoped_lock lock(mutex_);
     TableOf(kind).remove.Bind(1, number).Run();
+}
+
+void Container::ForEachStored(BlobKind kind,
+                              const std::function<void(std::int64_t number, ByteSpan stored)>& see) {
+    const std::scoped_lock lock(mutex_);
+    Statement rows(*database_, SelectAllSql(kind).c_str());
+    while (rows.Step())
+        see(rows.Integer(0), rows.Blob(1));
 }
 
 void Container::GiveBackSpace() noexcept {

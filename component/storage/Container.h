@@ -4,8 +4,11 @@
 #include "component/storage/files/Database.h"
 
 #include <atomic>
+#include <functional>
+#include <map>
 #include <mutex>
 #include <optional>
+#include <string_view>
 
 /// Gives the numbers under which maps, icons, directory pages and blobs are stored. No number is given
 /// twice in the life of a library, so a sealed blob can be bound to its own.
@@ -25,8 +28,8 @@ private:
     std::atomic<std::int64_t> next_;
 };
 
-/// A database with the tables for blobs and directory pages, and the envelope that they stand in there. May
-/// be used by several threads at once.
+/// A database with the tables for records, directory pages and blobs, and the envelope that they stand in
+/// there. A scratch has no tables for records. May be used by several threads at once.
 class Container {
 public:
     Container(std::unique_ptr<Database> database, std::shared_ptr<const Envelope> envelope);
@@ -35,11 +38,14 @@ public:
     const Envelope& GetEnvelope() const { return *envelope_; }
     std::shared_ptr<const Envelope> SharedEnvelope() const { return envelope_; }
 
-    /// Kinds: Tile, IconPicture and DirectoryPage.
+    /// A record takes the place of the former one; a number is never given to two blobs or pages.
     void PutStored(BlobKind kind, std::int64_t number, ByteSpan stored);
     /// Nothing when there is no such row.
     std::optional<Bytes> GetStored(BlobKind kind, std::int64_t number);
     void Remove(BlobKind kind, std::int64_t number);
+    /// Shows all rows that stand in one table with this kind, in the order of their numbers. What is called
+    /// must not use the container.
+    void ForEachStored(BlobKind kind, const std::function<void(std::int64_t number, ByteSpan stored)>& see);
     /// Gives back to the disk what was removed from a scratch, as far as that is possible within half a
     /// second; in a library's file the space stays for what is saved next.
     void GiveBackSpace() noexcept;
@@ -50,10 +56,10 @@ public:
     bool Get(BlobKind kind, std::int64_t number, const Digest& digest, Bytes& plain);
 
 private:
+    /// The statements on one table. Those on records are made when they are first needed.
     struct Table {
-        Table(Database& database, const char* insertSql, const char* selectSql, const char* removeSql)
-            : insert(database, insertSql), select(database, selectSql), remove(database, removeSql) {}
-        Statement insert;
+        Table(Database& database, BlobKind kind);
+        Statement put;
         Statement select;
         Statement remove;
     };
@@ -65,6 +71,5 @@ private:
     std::shared_ptr<const Envelope> envelope_;
     std::mutex mutex_;
     std::size_t unwritten_ = 0; ///< bytes since the last request to get them to the disk
-    Table blobs_;
-    Table pages_;
+    std::map<std::string_view, Table> tables_;
 };

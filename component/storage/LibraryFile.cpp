@@ -10,27 +10,6 @@
 
 namespace {
 
-struct RecordSource {
-    BlobKind kind;
-    const char* all;
-    const char* one;
-};
-
-constexpr std::array<RecordSource, 3> Sources = {{
-    {BlobKind::MapRecord, "SELECT id, record FROM map ORDER BY id", "SELECT record FROM map WHERE id = ?1"},
-    {BlobKind::IconRecord, "SELECT id, record FROM icon ORDER BY id",
-     "SELECT record FROM icon WHERE id = ?1"},
-    {BlobKind::MetadataRecord, "SELECT id, record FROM metadata ORDER BY id",
-     "SELECT record FROM metadata WHERE id = ?1"},
-}};
-
-const RecordSource& SourceOf(BlobKind kind) {
-    for (const RecordSource& source : Sources)
-        if (source.kind == kind)
-            return source;
-    throw ComponentError(ErrorNumber::InvalidArgument, "There is no such record.");
-}
-
 std::string NameOf(const RecordKey& key) {
     const std::string number = std::to_string(key.second);
     switch (key.first) {
@@ -204,13 +183,10 @@ bool LibraryFile::Accept(std::shared_ptr<const Envelope> envelope) {
 }
 
 void LibraryFile::ReadRecords() {
-    for (const RecordSource& source : Sources) {
-        Statement rows(GetDatabase(), source.all);
-        while (rows.Step()) {
-            const RecordKey key{source.kind, rows.Integer(0)};
-            records_[key].stored = container_->GetEnvelope().DigestOf(rows.Blob(1));
-        }
-    }
+    for (const BlobKind kind : {BlobKind::MapRecord, BlobKind::IconRecord, BlobKind::MetadataRecord})
+        container_->ForEachStored(kind, [&](std::int64_t number, ByteSpan stored) {
+            records_[{kind, number}].stored = container_->GetEnvelope().DigestOf(stored);
+        });
     if (container_->GetEnvelope().RootOf(RecordListOf(records_)) != header_.root)
         GetDatabase().Damaged("its records do not match their digest");
     const UsedNumbers used = UsedNumbers::Of(GetDatabase());
@@ -222,11 +198,11 @@ void LibraryFile::ReadRecords() {
 
 Bytes LibraryFile::RecordOf(const RecordKey& key) {
     const auto record = records_.find(key);
-    Statement select(GetDatabase(), SourceOf(key.first).one);
-    if (record == records_.end() || !select.Bind(1, key.second).Step())
+    const std::optional<Bytes> stored = container_->GetStored(key.first, key.second);
+    if (record == records_.end() || !stored)
         GetDatabase().Damaged(NameOf(key) + " is missing");
     Bytes plain;
-    if (!container_->GetEnvelope().Open(key.first, key.second, select.Blob(0), record->second.stored, plain))
+    if (!container_->GetEnvelope().Open(key.first, key.second, *stored, record->second.stored, plain))
         GetDatabase().Damaged(NameOf(key) + " does not match its digest");
     record->second.plain = PlainDigest(plain);
     return plain;

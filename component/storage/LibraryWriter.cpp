@@ -6,30 +6,6 @@
 
 #include <set>
 
-namespace {
-
-struct RecordTarget {
-    const char* put;
-    const char* get;
-    const char* remove;
-};
-
-RecordTarget TargetOf(BlobKind kind) {
-    switch (kind) {
-    case BlobKind::MapRecord:
-        return {"INSERT OR REPLACE INTO map(id, record) VALUES(?1, ?2)",
-                "SELECT record FROM map WHERE id = ?1", "DELETE FROM map WHERE id = ?1"};
-    case BlobKind::IconRecord:
-        return {"INSERT OR REPLACE INTO icon(id, record) VALUES(?1, ?2)",
-                "SELECT record FROM icon WHERE id = ?1", "DELETE FROM icon WHERE id = ?1"};
-    default:
-        return {"INSERT OR REPLACE INTO metadata(id, record) VALUES(?1, ?2)",
-                "SELECT record FROM metadata WHERE id = ?1", "DELETE FROM metadata WHERE id = ?1"};
-    }
-}
-
-} // namespace
-
 LibraryWriter::LibraryWriter(std::shared_ptr<Container> target, RecordTable former, const LibraryState& state,
                              NumberSource& numbers)
     : target_(std::move(target)), former_(std::move(former)), state_(state), numbers_(numbers) {}
@@ -101,16 +77,14 @@ void LibraryWriter::RemoveGoneRecords() {
     const Belonging staying = Staying();
     for (const RecordKey& key : gone) {
         RemovePictures(key, staying);
-        Statement(target_->GetDatabase(), TargetOf(key.first).remove).Bind(1, key.second).Run();
+        target_->Remove(key.first, key.second);
         records_.erase(key);
     }
 }
 
 Bytes LibraryWriter::FormerRecord(const RecordKey& key) {
-    Statement select(target_->GetDatabase(), TargetOf(key.first).get);
     Bytes plain;
-    if (!select.Bind(1, key.second).Step() ||
-        !target_->GetEnvelope().Open(key.first, key.second, select.Blob(0), former_.at(key).stored, plain))
+    if (!target_->Get(key.first, key.second, former_.at(key).stored, plain))
         target_->GetDatabase().Damaged("a record does not match its digest");
     return plain;
 }
@@ -172,11 +146,7 @@ void LibraryWriter::WriteRecord(const RecordKey& key, ByteSpan plain) {
     const auto former = former_.find(key);
     if (former != former_.end() && former->second.plain == content)
         return;
-    const ClosedBlob closed = target_->GetEnvelope().Close(key.first, key.second, plain);
-    Statement(target_->GetDatabase(), TargetOf(key.first).put)
-        .Bind(1, key.second)
-        .Bind(2, closed.bytes)
-        .Run();
+    const ClosedBlob closed = target_->Put(key.first, key.second, plain);
     records_[key] = {closed.digest, content};
 }
 

@@ -7,6 +7,7 @@
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <set>
 #include <thread>
@@ -200,6 +201,17 @@ TEST_P(TileDirectory, CopyingChecksEveryTile) {
     Progress progress;
     EXPECT_NE(ErrorOf([&] { CopyTiles(reader, *container, layout_, pages, *target, nullptr, progress); }),
               "no error");
+}
+
+TEST_P(TileDirectory, LeavesNoLookOpenThatFailed) {
+    const auto container = NewContainer("a", NewEnvelope());
+    Write(*container);
+    container->GetDatabase().Execute("UPDATE blob SET data = 'a text' WHERE id = 1");
+    EXPECT_NE(ErrorOf([&] { container->GetStored(BlobKind::Tile, 1); }), "no error");
+    sqlite3* handle = container->GetDatabase().Handle();
+    for (sqlite3_stmt* one = sqlite3_next_stmt(handle, nullptr); one != nullptr;
+         one = sqlite3_next_stmt(handle, one))
+        EXPECT_EQ(sqlite3_stmt_busy(one), 0) << sqlite3_sql(one);
 }
 
 TEST(NumberSource, GivesEveryNumberOnceAndNeverGoesBack) {
