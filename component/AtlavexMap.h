@@ -83,6 +83,8 @@ public:
     /// false, and `image` left alone, when nothing differs from the last answer. Damaged tiles are hatched.
     virtual bool RenderView(std::int32_t left, std::int32_t top, std::int32_t width, std::int32_t height,
                             std::shared_ptr<const AtlavexImage>& image) = 0;
+    /// The next view is an answer in any case: for a viewer that has shown something else since the last one.
+    virtual void ForgetView() {}
     /// True when the last view was drawn from a coarser level, because its own tiles take longer than the
     /// library's patience with views. The same view asked for again brings them, in steps that long, and
     /// answers with a better image when they are all there.

@@ -80,6 +80,9 @@ void clsBitmapView::SetMap(std::shared_ptr<AtlavexMap> map) {
         viewer_->SetHorizontalPosition(0);
         viewer_->SetVerticalPosition(0);
     }
+    // The map may have been shown before, and another image since.
+    if (map_)
+        map_->ForgetView();
     SetObjBitmap(map_);
 }
 
@@ -269,7 +272,7 @@ void clsBitmapView::ShowMapPart() {
     std::shared_ptr<const AtlavexImage> image;
     int pause = 0;
     try {
-        if (Render(visible, image))
+        if (map_->RenderView(HorizontalOffset(), VerticalOffset(), visible.width(), visible.height(), image))
             SetObjBitmap(std::move(image));
     } catch (const ComponentError&) {
         // The map is gone or there is no memory: what the viewer has is better than nothing.
@@ -279,17 +282,4 @@ void clsBitmapView::ShowMapPart() {
         pause = PauseAfterFailure;
     if (map_->ViewIsDraft())
         draft_.start(pause);
-}
-
-bool clsBitmapView::Render(const QSize& visible, std::shared_ptr<const AtlavexImage>& image) {
-    const auto render = [&](const QSize& size) {
-        return map_->RenderView(HorizontalOffset(), VerticalOffset(), size.width(), size.height(), image);
-    };
-    if (render(visible))
-        return true;
-    // A map that was shown before knows its last answer, but the viewer has shown another image since.
-    // Another question in between makes it draw again.
-    const bool hasAnswer = objBitmap_.get() != static_cast<const AtlavexImage*>(map_.get());
-    const QSize other = visible == QSize(1, 1) ? QSize(2, 2) : QSize(1, 1);
-    return !hasAnswer && render(other) && render(visible);
 }

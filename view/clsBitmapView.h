@@ -122,7 +122,6 @@ private:
     void LayOutAxes();
     void ShowVisiblePart();
     void ShowMapPart();
-    bool Render(const QSize& visible, std::shared_ptr<const AtlavexImage>& image);
 
     KarvelViewer* viewer_ = nullptr;
     QMetaObject::Connection resized_;

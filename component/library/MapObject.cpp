@@ -188,6 +188,11 @@ bool MapObject::RenderView(std::int32_t left, std::int32_t top, std::int32_t wid
     return true;
 }
 
+void MapObject::ForgetView() {
+    if (renderer_)
+        renderer_->ForgetAnswer();
+}
+
 void MapObject::ReadPixels(
     const std::function<void(std::span<const std::uint8_t> rows, std::int32_t count)>& band) {
     TileReader reader = NewReader();

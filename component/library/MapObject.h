@@ -48,6 +48,7 @@ public:
 
     bool RenderView(std::int32_t left, std::int32_t top, std::int32_t width, std::int32_t height,
                     std::shared_ptr<const AtlavexImage>& image) override;
+    void ForgetView() override;
     bool ViewIsDraft() const override { return renderer_ && renderer_->IsDraft(); }
     bool ViewIsObstructed() const override { return renderer_ && renderer_->IsObstructed(); }
     void ReadPixels(

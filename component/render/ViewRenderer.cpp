@@ -182,6 +182,10 @@ bool ViewRenderer::IsObstructed() const {
     return state_->draft && state_->loader.Obstacle() != nullptr;
 }
 
+void ViewRenderer::ForgetAnswer() {
+    state_->last.reset();
+}
+
 bool ViewRenderer::Render(const ViewRequest& request, std::shared_ptr<const Bitmap>& view) {
     CheckRequest(request);
     ViewMemory& memory = *state_->memory;

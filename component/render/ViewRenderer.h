@@ -40,6 +40,8 @@ public:
     /// is nothing better yet. Throws InvalidArgument unless width and height are 1 to 16384 and the zoom is
     /// finite and above 0; OutOfMemory; without patience also what keeps tiles from being read.
     bool Render(const ViewRequest& request, std::shared_ptr<const Bitmap>& view);
+    /// The next request is drawn, though it be the last one again.
+    void ForgetAnswer();
 
 private:
     struct State;

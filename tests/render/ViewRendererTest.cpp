@@ -206,6 +206,8 @@ TEST(ViewRenderer, AnswersThatNothingChangedForTheSameRequest) {
     EXPECT_EQ(untouched, nullptr);
     EXPECT_TRUE(renderer.Render({1, 0, 50, 50, 1}, view));
     EXPECT_TRUE(renderer.Render({0, 0, 50, 50, 1}, view));
+    renderer.ForgetAnswer();
+    EXPECT_TRUE(renderer.Render({0, 0, 50, 50, 1}, view)) << "Whoever has lost it is answered.";
 }
 
 TEST(ViewRenderer, ReadsNoTileTwiceWhileItIsKept) {
