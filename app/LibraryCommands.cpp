@@ -1,15 +1,32 @@
 #include "app/LibraryCommands.h"
 
+#include "app/EditorState.h"
+#include "app/EntryLists.h"
 #include "app/FileChoosers.h"
-#include "app/ScaledFlag.h"
+#include "app/MapZoom.h"
+#include "app/StatusLine.h"
 #include "app/Steps.h"
+#include "app/TextLines.h"
+#include "app/WizardCommands.h"
 #include "base/CheckedNumbers.h"
+#include "base/ComponentError.h"
 #include "component/ObjectTexts.h"
 #include "platform/modMessages.h"
 
 #include <QFileInfo>
 
 #include <algorithm>
+
+LibraryCommands::LibraryCommands(const EditorParts& parts, WizardCommands& wizard)
+    : state_(parts.state), window_(parts.window), maps_(parts.maps), icons_(parts.icons), zoom_(parts.zoom),
+      lines_(parts.lines), status_(parts.status), wizard_(wizard) {}
+
+void LibraryCommands::ClearDisplay() {
+    wizard_.Discard();
+    maps_.Clear();
+    icons_.Clear();
+    lines_.SetHeader(QString());
+}
 
 bool LibraryCommands::AskToSave() {
     bool mayGoOn = true;
@@ -25,21 +42,21 @@ bool LibraryCommands::AskToSave() {
             break;
         }
     }
-    window_.ClearDisplay();
+    ClearDisplay();
     return mayGoOn;
 }
 
 void LibraryCommands::NewLibrary() {
-    window_.ClearDisplay();
+    ClearDisplay();
     state_.objAtlavex.reset();
     state_.modified = false;
     state_.fileName.clear();
     state_.encryptionKey.clear(); // the key is that of the open library, and there is none
-    SetScaled(state_, window_, false);
-    window_.ResetZoom();
-    window_.SetTitle(QString());
-    window_.RefillIcons(-1);
-    window_.RefillMaps(-1);
+    status_.SetScaled(false);
+    zoom_.Reset();
+    lines_.SetTitle(QString());
+    icons_.Refill(-1);
+    maps_.Refill(-1);
 }
 
 void LibraryCommands::OpenLibrary() {
@@ -59,16 +76,16 @@ LibraryCommands::Counts LibraryCommands::CountEntries() const {
 }
 
 void LibraryCommands::StartEmptyLibrary() {
-    window_.ClearDisplay();
+    ClearDisplay();
     state_.objAtlavex = window_.CreateLibrary();
     // A key belongs to the library that it opened; a mistyped one must never seal the next save.
     state_.encryptionKey.clear();
     // What an opening that fails leaves behind; one that brings maps says otherwise.
-    SetScaled(state_, window_, false);
-    window_.ResetZoom();
-    window_.EnableZoom(false);
-    window_.RefillIcons(-1);
-    window_.RefillMaps(-1);
+    status_.SetScaled(false);
+    zoom_.Reset();
+    zoom_.SetEnabled(false);
+    icons_.Refill(-1);
+    maps_.Refill(-1);
 }
 
 std::optional<QString> LibraryCommands::AskForKey(bool sealed) {
@@ -101,18 +118,17 @@ void LibraryCommands::LoadLibrary(const QString& fileName) {
         return;
     }
     state_.encryptionKey = *key;
-    TakeLoadedFile(fileName);
+    ShowLoadedFile(fileName);
 }
 
-void LibraryCommands::TakeLoadedFile(const QString& fileName) {
+void LibraryCommands::ShowLoadedFile(const QString& fileName) {
     state_.fileName = fileName;
     state_.modified = false;
     Steps steps;
-    steps.Do([&] { window_.RefillIcons(0); });
-    steps.Do([&] { window_.RefillMaps(0); });
-    window_.ShowSizeOfPage();
-    TakeStoredScaling(state_, window_);
-    window_.SetTitle(fileName); // it is loaded, whatever of it cannot be shown
+    steps.Do([&] { icons_.Refill(0); });
+    steps.Do([&] { maps_.Refill(0); });
+    status_.ShowStoredScaling();
+    lines_.SetTitle(fileName); // it is loaded, whatever of it cannot be shown
     steps.ThrowFirst();
 }
 
@@ -157,14 +173,14 @@ void LibraryCommands::RequireFile() const {
 }
 
 void LibraryCommands::SaveTo(const QString& fileName) {
-    const int map = window_.MapEntry();
-    const int icon = window_.IconEntry();
+    const int map = maps_.Entry();
+    const int icon = icons_.Entry();
     StampLastChanged(*state_.objAtlavex);
     CompleteIdentifiers(*state_.objAtlavex);
     SaveWithAdvice(fileName);
     state_.modified = false;
     state_.fileName = fileName;
-    window_.SetTitle(fileName); // before what may still fail: it is saved
+    lines_.SetTitle(fileName); // before what may still fail: it is saved
     SelectAgain(map, icon);
 }
 
@@ -184,10 +200,9 @@ void LibraryCommands::SaveWithAdvice(const QString& fileName) {
 
 void LibraryCommands::SelectAgain(int map, int icon) {
     if (map >= 0)
-        window_.SelectMap(map);
+        maps_.Select(map);
     if (icon >= 0)
-        window_.SelectIcon(icon);
-    window_.ShowSizeOfPage();
+        icons_.Select(icon);
 }
 
 void LibraryCommands::MergeLibrary() {
@@ -203,7 +218,7 @@ void LibraryCommands::MergeLibrary() {
     ListsBefore lists;
     {
         const ComponentCall call(window_);
-        lists = {{window_.MapEntries(), window_.IconEntries()}, window_.MapEntry(), window_.IconEntry()};
+        lists = {{maps_.Entries(), icons_.Entries()}, maps_.Entry(), icons_.Entry()};
         state_.objAtlavex->MergeFromFile(file, key->toStdString());
     }
     ReportMerge(lists);
@@ -219,12 +234,11 @@ void LibraryCommands::ReportMerge(const ListsBefore& lists) {
                 "No data was loaded/merged. Possibly the file is encrypted and your key was incorrect?"));
         return;
     }
-    window_.RefillIcons(std::max(lists.icon, 0));
+    icons_.Refill(std::max(lists.icon, 0));
     const bool noneCurrent = state_.currentMap == nullptr;
-    window_.RefillMaps(std::max(lists.map, 0));
-    window_.ShowSizeOfPage();
+    maps_.Refill(std::max(lists.map, 0));
     if (noneCurrent)
-        TakeStoredScaling(state_, window_);
+        status_.ShowStoredScaling();
     const auto added = [](std::int32_t now, std::int32_t then) {
         return QString::number(CheckedNarrow<std::int16_t>(now - then));
     };

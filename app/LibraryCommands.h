@@ -1,15 +1,19 @@
 #pragma once
 
-#include "app/EditorState.h"
 #include "app/EditorWindow.h"
 
+#include <QString>
+
+#include <cstdint>
 #include <optional>
+
+class WizardCommands;
 
 /// What the File menu does with whole library files. A component's error leaves every operation as a
 /// ComponentError, with pointer and window restored; what is said of the state holds then, too.
 class LibraryCommands {
 public:
-    LibraryCommands(EditorState& state, EditorWindow& window) : state_(state), window_(window) {}
+    LibraryCommands(const EditorParts& parts, WizardCommands& wizard);
 
     /// Asks to save what is unsaved, then empties the display, whatever the answer; whether the caller may go
     /// on.
@@ -40,10 +44,13 @@ private:
     };
 
     Counts CountEntries() const;
+    /// Makes no map and no icon current and empties both views, lbSize and lHeader; a running scaling wizard
+    /// is given up.
+    void ClearDisplay();
     void StartEmptyLibrary();
     /// The key for the file, empty for a plain one; nothing when the user gave none.
     std::optional<QString> AskForKey(bool sealed);
-    void TakeLoadedFile(const QString& fileName);
+    void ShowLoadedFile(const QString& fileName);
     bool MayBeSaved();
     /// FileChanged when the file that is open has gone: only Save As makes another.
     void RequireFile() const;
@@ -54,4 +61,10 @@ private:
 
     EditorState& state_;
     EditorWindow& window_;
+    MapList& maps_;
+    IconList& icons_;
+    MapZoom& zoom_;
+    TextLines& lines_;
+    StatusLine& status_;
+    WizardCommands& wizard_;
 };

@@ -1,140 +1,123 @@
 #include "app/MapIconCommands.h"
 
+#include "app/EditorState.h"
 #include "app/EntryLists.h"
-#include "app/ScaledFlag.h"
+#include "app/MapZoom.h"
+#include "app/StatusLine.h"
 #include "app/Steps.h"
-#include "base/ComponentError.h"
+#include "app/TextLines.h"
+#include "app/WizardCommands.h"
 #include "dialogs/frmAtlavexProperties.h"
 #include "dialogs/frmExport.h"
 #include "dialogs/frmMetadata.h"
 #include "dialogs/frmOffset.h"
 #include "platform/modMessages.h"
-#include "view/clsBitmapView.h"
 
 namespace {
 
-bool AskToDelete(EditorWindow& window, const std::string& name, const QString& what) {
-    return AskYesNo(window.Widget(), QStringLiteral("Are you sure you want to delete '") +
-                                         QString::fromStdString(name) + QStringLiteral("' ") + what);
+void ShowMetaData(frmMetadata& form, const std::shared_ptr<AtlavexMap>& map) {
+    form.ShowMapMetaData(map);
+}
+
+void ShowMetaData(frmMetadata& form, const std::shared_ptr<AtlavexIcon>& icon) {
+    form.ShowIconMetaData(icon);
 }
 
 } // namespace
 
-void MapIconCommands::EnsureLibrary() {
-    if (state_.objAtlavex == nullptr)
-        state_.objAtlavex = window_.CreateLibrary();
+MapIconCommands::MapIconCommands(const EditorParts& parts, WizardCommands& wizard)
+    : state_(parts.state), window_(parts.window), maps_(parts.maps), icons_(parts.icons), zoom_(parts.zoom),
+      lines_(parts.lines), status_(parts.status), wizard_(wizard) {}
+
+template <typename Object>
+void MapIconCommands::Rename(EntryList<Object>& list) {
+    const std::shared_ptr<Object> object = list.Current();
+    if (object == nullptr)
+        return;
+    const std::string before = object->Name();
+    frmMetadata form(window_.Widget());
+    form.ReduceToName();
+    ShowMetaData(form, object);
+    ShowEdit(list, object->Name() != before);
 }
 
-void MapIconCommands::Import(const std::function<void()>& import) {
-    try {
-        const ComponentCall call(window_);
-        import();
-    } catch (const ComponentError& error) {
-        ShowMessage(window_.Widget(), QString::number(error.Code()) + QStringLiteral(": ") +
-                                          QString::fromStdString(error.Description()));
-    }
+template <typename Object>
+void MapIconCommands::EditMetaData(EntryList<Object>& list) {
+    if (list.Current() == nullptr)
+        return;
+    frmMetadata form(window_.Widget());
+    ShowMetaData(form, list.Current());
+    ShowEdit(list, form.OK());
+}
+
+template <typename Object>
+void MapIconCommands::ShowEdit(EntryList<Object>& list, bool isChanged) {
+    if (isChanged)
+        state_.modified = true;
+    list.Refill(list.Entry());
 }
 
 void MapIconCommands::RenameMap() {
-    if (state_.currentMap == nullptr)
-        return;
-    const auto map = state_.currentMap;
-    const std::string before = map->Name();
-    frmMetadata form(window_.Widget());
-    form.ReduceToName();
-    form.ShowMapMetaData(map);
-    TakeMapEdit(map->Name() != before);
-}
-
-void MapIconCommands::MapMetaData() {
-    if (state_.currentMap == nullptr)
-        return;
-    frmMetadata form(window_.Widget());
-    form.ShowMapMetaData(state_.currentMap);
-    TakeMapEdit(form.OK());
-}
-
-void MapIconCommands::TakeMapEdit(bool isChanged) {
-    if (isChanged)
-        state_.modified = true;
-    window_.RefillMaps(window_.MapEntry());
-    window_.ShowSizeOfPage();
+    Rename(maps_);
 }
 
 void MapIconCommands::RenameIcon() {
-    if (state_.currentIcon == nullptr)
-        return;
-    const auto icon = state_.currentIcon;
-    const std::string before = icon->Name();
-    frmMetadata form(window_.Widget());
-    form.ReduceToName();
-    form.ShowIconMetaData(icon);
-    TakeIconEdit(icon->Name() != before);
+    Rename(icons_);
+}
+
+void MapIconCommands::MapMetaData() {
+    EditMetaData(maps_);
 }
 
 void MapIconCommands::IconMetaData() {
-    if (state_.currentIcon == nullptr)
-        return;
-    frmMetadata form(window_.Widget());
-    form.ShowIconMetaData(state_.currentIcon);
-    TakeIconEdit(form.OK());
+    EditMetaData(icons_);
 }
 
-void MapIconCommands::TakeIconEdit(bool isChanged) {
-    if (isChanged)
-        state_.modified = true;
-    window_.RefillIcons(window_.IconEntry());
-    window_.ShowSizeOfPage();
+bool MapIconCommands::AskToDelete(const std::string& name, const QString& what) {
+    return AskYesNo(window_.Widget(), QStringLiteral("Are you sure you want to delete '") +
+                                          QString::fromStdString(name) + QStringLiteral("' ") + what);
+}
+
+template <typename Object>
+void MapIconCommands::ShowDeletion(EntryList<Object>& list, Steps& steps) {
+    steps.Do([&] { list.Clear(); });
+    steps.Do([&] { list.Refill(0); });
+    // A deletion that leaves no maps or no icons clears the flag: meant.
+    state_.modified =
+        steps.HaveFailed() || (state_.objAtlavex->MapCount() > 0 && state_.objAtlavex->IconCount() > 0);
+    if (steps.HaveFailed())
+        steps.Do([&] { list.Refill(-1); });
 }
 
 void MapIconCommands::DeleteMap() {
-    if (state_.objAtlavex == nullptr || window_.MapEntry() < 0)
+    if (state_.objAtlavex == nullptr || maps_.Entry() < 0)
         return;
     AtlavexLibrary& library = *state_.objAtlavex;
-    const std::string key = library.MapIdAt(LibraryPositionOf(window_.MapEntry()));
-    if (!AskToDelete(window_, library.GetMap(key)->Name(), QStringLiteral("map?")))
+    const std::string id = maps_.SelectedId();
+    if (!AskToDelete(library.GetMap(id)->Name(), QStringLiteral("map?")))
         return;
-    library.RemoveMap(key);
+    library.RemoveMap(id);
     Steps steps;
-    SetScaled(state_, window_, library.MapCount() > 0);
-    state_.currentMap.reset();
-    steps.Do([&] { window_.MapView().Clear(); });
-    steps.Do([&] { window_.DiscardWizard(); });
-    steps.Do([&] { window_.RefillMaps(0); });
-    SetModifiedAfterDeletion(steps);
+    status_.SetScaled(library.MapCount() > 0);
+    steps.Do([&] { wizard_.Discard(); });
+    ShowDeletion(maps_, steps);
     if (library.MapCount() == 0)
-        window_.EnableZoom(false);
-    window_.SetSizeText(QString());
-    if (steps.HaveFailed())
-        steps.Do([&] { window_.RefillMaps(-1); });
-    window_.EnableMenus();
+        zoom_.SetEnabled(false);
+    lines_.ClearSize();
     steps.ThrowFirst();
 }
 
 void MapIconCommands::DeleteIcon() {
-    if (state_.objAtlavex == nullptr || window_.IconEntry() < 0)
+    if (state_.objAtlavex == nullptr || icons_.Entry() < 0)
         return;
     AtlavexLibrary& library = *state_.objAtlavex;
-    const std::string key = library.IconIdAt(LibraryPositionOf(window_.IconEntry()));
-    if (!AskToDelete(window_, library.GetIcon(key)->Name(), QStringLiteral("Icon?")))
+    const std::string id = icons_.SelectedId();
+    if (!AskToDelete(library.GetIcon(id)->Name(), QStringLiteral("Icon?")))
         return;
-    library.RemoveIcon(key);
+    library.RemoveIcon(id);
     Steps steps;
-    state_.currentIcon.reset();
-    steps.Do([&] { window_.IconView().Clear(); });
-    steps.Do([&] { window_.RefillIcons(0); });
-    SetModifiedAfterDeletion(steps);
-    if (steps.HaveFailed())
-        steps.Do([&] { window_.RefillIcons(-1); });
-    window_.ShowSizeOfPage();
-    window_.EnableMenus();
+    ShowDeletion(icons_, steps);
     steps.ThrowFirst();
-}
-
-void MapIconCommands::SetModifiedAfterDeletion(const Steps& steps) {
-    // A deletion that leaves no maps or no icons clears the flag: meant.
-    state_.modified =
-        steps.HaveFailed() || (state_.objAtlavex->MapCount() > 0 && state_.objAtlavex->IconCount() > 0);
 }
 
 void MapIconCommands::IconOffset() {

@@ -1,25 +1,31 @@
 #pragma once
 
-#include "app/EditorState.h"
 #include "app/EditorWindow.h"
 
-#include <functional>
-#include <optional>
+#include <QString>
 
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+class AtlavexIcon;
+class AtlavexMap;
 class Steps;
+class WizardCommands;
+template <typename Object>
+class EntryList;
 
 /// What the Map and Icons menus do with what is in the library, the properties of the library, and the tile
 /// export. A component's error leaves every command as a ComponentError, with pointer and window restored;
 /// only a failed import is told by the command itself, with its number.
 class MapIconCommands {
 public:
-    MapIconCommands(EditorState& state, EditorWindow& window) : state_(state), window_(window) {}
+    MapIconCommands(const EditorParts& parts, WizardCommands& wizard);
 
-    void AddMap();
-    /// The same for an image file that was named otherwise than in the file dialog.
-    void AddMap(const QString& fileName);
-    void AddIcon();
-    void AddIcon(const QString& fileName);
+    /// Adds the image file of this name; without one asks for it.
+    void AddMap(const std::optional<QString>& fileName = std::nullopt);
+    void AddIcon(const std::optional<QString>& fileName = std::nullopt);
 
     void RenameMap();
     void RenameIcon();
@@ -33,8 +39,6 @@ public:
     void TileExport();
 
 private:
-    /// Names the file; nothing when the user gave none.
-    using FileChooser = std::function<std::optional<QString>()>;
     struct NewMapSettings {
         QString name;
         QString description;
@@ -42,33 +46,43 @@ private:
         std::int32_t tileHeight = 0; ///< pixels
     };
 
-    // AddMap.cpp
-    void AddMap(const FileChooser& choose);
+    // AddObjects.cpp
     bool MayAddMap();
     void AddMapFrom(const QString& fileName);
     std::optional<NewMapSettings> AskForMapSettings(const QString& proposedName);
-    std::shared_ptr<AtlavexMap> ImportMap(const QString& fileName, const NewMapSettings& settings);
     /// Makes the map that has just been added current. After a failure it is in the library all the same, and
     /// no wizard may start.
-    void TakeNewMap(const std::shared_ptr<AtlavexMap>& map, const NewMapSettings& settings);
+    void ShowNewMap(const std::shared_ptr<AtlavexMap>& map, const NewMapSettings& settings);
     void AskForWorldfile(const QString& fileName);
     void StartScaling(const std::shared_ptr<AtlavexMap>& map);
-
-    // AddIcon.cpp
-    void AddIcon(const FileChooser& choose);
     void AddIconFrom(const QString& fileName);
     std::optional<NewMapSettings> AskForIconSettings(const QString& proposedName);
-    std::shared_ptr<AtlavexIcon> ImportIcon(const QString& fileName, const QString& name);
+    /// Runs an import into the library, which is made if there is none, under the hourglass; tells its number
+    /// and sentence when it fails, and gives nothing then.
+    template <typename Import>
+    auto RunImport(const Import& import);
+    template <typename Object>
+    void SelectNew(EntryList<Object>& list, const std::shared_ptr<Object>& object, Steps& steps);
+    void LayOut();
 
-    void EnsureLibrary();
-    /// Runs an import under the hourglass; tells its number and sentence when it fails.
-    void Import(const std::function<void()>& import);
-    /// After the metadata dialog: the lists show what it wrote, at the entry that was selected.
-    void TakeMapEdit(bool isChanged);
-    void TakeIconEdit(bool isChanged);
+    template <typename Object>
+    void Rename(EntryList<Object>& list);
+    template <typename Object>
+    void EditMetaData(EntryList<Object>& list);
+    /// After the metadata dialog: the list shows what it wrote, at the entry that was selected.
+    template <typename Object>
+    void ShowEdit(EntryList<Object>& list, bool isChanged);
     /// `steps`: what followed the removal until now.
-    void SetModifiedAfterDeletion(const Steps& steps);
+    template <typename Object>
+    void ShowDeletion(EntryList<Object>& list, Steps& steps);
+    bool AskToDelete(const std::string& name, const QString& what);
 
     EditorState& state_;
     EditorWindow& window_;
+    MapList& maps_;
+    IconList& icons_;
+    MapZoom& zoom_;
+    TextLines& lines_;
+    StatusLine& status_;
+    WizardCommands& wizard_;
 };

@@ -12,7 +12,7 @@
 MapZoom::MapZoom(QSlider& slider, QLabel& percentage, clsBitmapView& view)
     : slider_(slider), percentage_(percentage), view_(view) {}
 
-void MapZoom::TakeFromMap() {
+void MapZoom::ShowZoomOfMap() {
     const std::int32_t position = SliderPositionOf(view_.Zoom());
     const std::int32_t highest = view_.HighestSliderPosition();
     {
@@ -26,6 +26,10 @@ void MapZoom::TakeFromMap() {
     if (position > highest)
         view_.ZoomAbout(highest, {0, 0});
     ShowPercentage(view_.Zoom());
+}
+
+void MapZoom::SetEnabled(bool enabled) {
+    slider_.setEnabled(enabled);
 }
 
 void MapZoom::Reset() {

@@ -13,7 +13,8 @@ public:
 
     /// Shows the zoom of the map that has come into the view; the map's zoom itself stays as it is, unless
     /// parts of the map could not be reached at it.
-    void TakeFromMap();
+    void ShowZoomOfMap();
+    void SetEnabled(bool enabled);
     /// Without a map: the slider stands at 100 %, and the view with it.
     void Reset();
     /// The slider has moved: the map is shown at its position.

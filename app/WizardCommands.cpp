@@ -1,6 +1,8 @@
 #include "app/WizardCommands.h"
 
-#include "app/ScaledFlag.h"
+#include "app/EntryLists.h"
+#include "app/StatusLine.h"
+#include "app/TextLines.h"
 #include "base/ComponentError.h"
 #include "platform/modMessages.h"
 #include "view/KarvelViewer.h"
@@ -44,7 +46,9 @@ ImagePixel Inside(const ImagePixel& pixel, const clsBitmapView& view) {
 
 } // namespace
 
-WizardCommands::WizardCommands(EditorState& state, EditorWindow& window) : state_(state), window_(window) {}
+WizardCommands::WizardCommands(const EditorParts& parts)
+    : state_(parts.state), window_(parts.window), view_(parts.maps.View()), lines_(parts.lines),
+      status_(parts.status) {}
 
 WizardCommands::~WizardCommands() = default;
 
@@ -62,19 +66,19 @@ void WizardCommands::StartScalingWizard() {
 void WizardCommands::ShowPrompt() {
     if (wizard_ == nullptr)
         return;
-    window_.SetHeader(wizard_->Prompt());
-    window_.MapView().Viewer()->SetPointer(Qt::CrossCursor);
+    lines_.SetHeader(wizard_->Prompt());
+    view_.Viewer()->SetPointer(Qt::CrossCursor);
 }
 
 void WizardCommands::HidePrompt() {
-    window_.SetHeader(QString());
-    window_.MapView().Viewer()->SetPointer(Qt::ArrowCursor);
+    lines_.SetHeader(QString());
+    view_.Viewer()->SetPointer(Qt::ArrowCursor);
 }
 
 std::optional<QPoint> WizardCommands::OnScreen(const ImagePixel& pixel) const {
-    const KarvelViewer& viewer = *window_.MapView().Viewer();
+    const KarvelViewer& viewer = *view_.Viewer();
     try {
-        const QPointF place = window_.MapView().ViewerPosition(pixel.x, pixel.y);
+        const QPointF place = view_.ViewerPosition(pixel.x, pixel.y);
         return viewer.mapToGlobal(place / viewer.devicePixelRatioF()).toPoint();
     } catch (const ComponentError&) {
         return std::nullopt;
@@ -104,7 +108,7 @@ void WizardCommands::Finish() {
         Discard();
         return;
     }
-    SetScaled(state_, window_, true);
+    status_.SetScaled(true);
     state_.modified = true;
     Discard();
     ShowMessage(window_.Widget(), QStringLiteral("Scaling completed!"));
@@ -136,7 +140,7 @@ void WizardCommands::CancelWaiting() {
 }
 
 void WizardCommands::ShowMarks() {
-    KarvelViewer* const viewer = window_.MapView().Viewer();
+    KarvelViewer* const viewer = view_.Viewer();
     if (viewer == nullptr)
         return;
     try {
@@ -150,9 +154,8 @@ std::vector<ViewerMark> WizardCommands::Marks() const {
     std::vector<ViewerMark> marks;
     if (wizard_ == nullptr)
         return marks;
-    const clsBitmapView& view = window_.MapView();
     const auto add = [&](std::int32_t x, std::int32_t y, ViewerMarkStyle style, const QString& text) {
-        marks.push_back({view.ViewerPosition(x, y), style, text});
+        marks.push_back({view_.ViewerPosition(x, y), style, text});
     };
     if (state_.currentMap != nullptr) {
         for (const ReferencePoint& point : state_.currentMap->MapGeoreference().points)
@@ -172,25 +175,23 @@ void WizardCommands::ShowCrosshair(std::optional<ImagePixel> pixel) {
 }
 
 ImagePixel WizardCommands::MiddleOfView() const {
-    const clsBitmapView& view = window_.MapView();
-    return view.PixelAt(view.MiddleOfImagePart()).value_or(ImagePixel());
+    return view_.PixelAt(view_.MiddleOfImagePart()).value_or(ImagePixel());
 }
 
 bool WizardCommands::ViewerKey(const QKeyEvent& key) {
-    clsBitmapView& view = window_.MapView();
     const Qt::KeyboardModifiers modifiers = key.modifiers() & ~Qt::KeypadModifier;
     const bool large = modifiers == (Qt::AltModifier | Qt::ShiftModifier);
-    if (wizard_ == nullptr || view.Map() == nullptr || !view.Viewer()->hasFocus() ||
+    if (wizard_ == nullptr || view_.Map() == nullptr || !view_.Viewer()->hasFocus() ||
         (modifiers != Qt::AltModifier && !large))
         return false;
     repetitions_ = key.isAutoRepeat() ? repetitions_ + 1 : 0;
     const std::int32_t step = 1 << std::min(repetitions_ / RepetitionsOfAStep, MostDoublings);
     const ImagePixel by = Movement(key.key(), large ? LargeStep : step);
     const ImagePixel from = crosshair_.value_or(MiddleOfView());
-    const ImagePixel to = Inside({from.x + by.x, from.y + by.y}, view);
-    const QRect visible(0, 0, view.Viewer()->PixelWidth(), view.Viewer()->PixelHeight());
-    if (!visible.contains(view.ViewerPosition(to.x, to.y)))
-        view.CenterOn(to.x, to.y);
+    const ImagePixel to = Inside({from.x + by.x, from.y + by.y}, view_);
+    const QRect visible(0, 0, view_.Viewer()->PixelWidth(), view_.Viewer()->PixelHeight());
+    if (!visible.contains(view_.ViewerPosition(to.x, to.y)))
+        view_.CenterOn(to.x, to.y);
     ShowCrosshair(to);
     return true;
 }

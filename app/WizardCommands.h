@@ -16,7 +16,7 @@ class clsScalingWizard;
 /// runs, writes its prompts into lHeader and takes what it brings.
 class WizardCommands {
 public:
-    WizardCommands(EditorState& state, EditorWindow& window);
+    explicit WizardCommands(const EditorParts& parts);
     ~WizardCommands();
 
     /// Starts at the first step; a wizard that is running is given up without a word.
@@ -57,6 +57,9 @@ private:
 
     EditorState& state_;
     EditorWindow& window_;
+    clsBitmapView& view_;
+    TextLines& lines_;
+    StatusLine& status_;
     std::unique_ptr<clsScalingWizard> wizard_;
     int repetitions_ = 0;                 ///< of the arrow key that is held
     std::optional<ImagePixel> crosshair_; ///< the point that is being entered

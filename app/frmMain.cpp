@@ -5,8 +5,9 @@
 #include "app/LibraryCommands.h"
 #include "app/MapIconCommands.h"
 #include "app/MapZoom.h"
-#include "app/PointerReadOut.h"
 #include "app/ProgressDisplay.h"
+#include "app/StatusLine.h"
+#include "app/TextLines.h"
 #include "app/WizardCommands.h"
 #include "app/modResize.h"
 #include "base/ErrorSentence.h"
@@ -37,15 +38,23 @@ frmMain::frmMain(bool diagnosticMode, LibraryMaker makeLibrary)
     ui_->setupUi(this);
     fileDialog_->setObjectName(QStringLiteral("FileDialog"));
     progress_ = std::make_unique<ProgressDisplay>(*this, state_);
-    lists_ = std::make_unique<EntryLists>(state_, *ui_->ddMaps, *ui_->ddIcons, mapView_, iconView_);
     zoom_ = std::make_unique<MapZoom>(*ui_->sldZoom, *ui_->lbZoomPercentage, mapView_);
-    readOut_ = std::make_unique<PointerReadOut>(*ui_->lStatus, state_, mapView_, [this] {
+    lines_ = std::make_unique<TextLines>(TextLines::Controls{*this, *ui_->lHeader, *ui_->lbSize,
+                                                             *ui_->tabAtlavex, mapView_, iconView_});
+    status_ = std::make_unique<StatusLine>(*ui_->lStatus, state_, mapView_, [this] {
         return preferences_->Radians() ? AngleUnit::Radians : AngleUnit::Degrees;
     });
-    EditorWindow& window = *this;
-    libraryCommands_ = std::make_unique<LibraryCommands>(state_, window);
-    mapIconCommands_ = std::make_unique<MapIconCommands>(state_, window);
-    wizardCommands_ = std::make_unique<WizardCommands>(state_, window);
+    maps_ = std::make_unique<MapList>(state_, MapList::Controls{*ui_->ddMaps, mapView_, *lines_, *this},
+                                      *zoom_);
+    icons_ = std::make_unique<IconList>(state_, IconList::Controls{*ui_->ddIcons, iconView_, *lines_, *this});
+    MakeCommands();
+}
+
+void frmMain::MakeCommands() {
+    const EditorParts parts{state_, *this, *maps_, *icons_, *zoom_, *lines_, *status_};
+    wizardCommands_ = std::make_unique<WizardCommands>(parts);
+    libraryCommands_ = std::make_unique<LibraryCommands>(parts, *wizardCommands_);
+    mapIconCommands_ = std::make_unique<MapIconCommands>(parts, *wizardCommands_);
 }
 
 frmMain::~frmMain() {
@@ -66,7 +75,7 @@ void frmMain::Form_Load(const QString& commandLine) {
     SetShortcuts();
     ConnectControls();
     EnableMenus();
-    SetHeader(QStringLiteral("Header"));
+    lines_->SetHeader(QStringLiteral("Header"));
     ui_->viewerMap->setFocus(); // arrow keys on the tabs would turn the page as well
     LoadFromCommandLine(commandLine);
 }
@@ -120,6 +129,26 @@ void frmMain::closeEvent(QCloseEvent* event) {
     if (!state_.diagnosticMode)
         DropSizeLimits(*this);
     event->setAccepted(mayClose);
+}
+
+void frmMain::EnableMenus() {
+    const bool map = mapView_.Map() != nullptr;
+    const bool icon = iconView_.objBitmap() != nullptr;
+    const bool library = state_.objAtlavex != nullptr;
+    for (QAction* const entry : {ui_->mBitmapScalingWizard, ui_->mBitmapDelete, ui_->mBitmapRename})
+        entry->setEnabled(map);
+    ui_->mnuTileExport->setEnabled(library && !state_.modified);
+    for (QAction* const entry : {ui_->mFileSaveAtlavex, ui_->mFileSaveAtlavexAs, ui_->mnuMerge})
+        entry->setEnabled(library);
+    ui_->mnuMapMetaData->setEnabled(state_.currentMap != nullptr);
+    ui_->mnuIconMetaData->setEnabled(state_.currentIcon != nullptr);
+    ui_->mnuAtlavexProperties->setEnabled(state_.currentMap != nullptr || state_.currentIcon != nullptr);
+    for (QAction* const entry : {ui_->mIconsDeleteIcon, ui_->mIconsRenameIcons, ui_->mIconsOffset})
+        entry->setEnabled(icon);
+}
+
+void frmMain::ShowPage(int page) {
+    ui_->tabAtlavex->setCurrentIndex(page);
 }
 
 PreferredTile frmMain::Tile() const {

@@ -8,15 +8,18 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class ArrowKeys;
-class EntryLists;
+class IconList;
 class LibraryCommands;
 class MapIconCommands;
+class MapList;
 class MapZoom;
 class MouseChoice;
-class PointerReadOut;
 class ProgressDisplay;
+class StatusLine;
+class TextLines;
 class WizardCommands;
 class frmPreferences;
 
@@ -102,45 +105,26 @@ private:
     /// Runs a command: nothing when one is running, a component's error shown, the menus right afterwards,
     /// and so the prompt of a wizard that waits.
     void Run(const std::function<void()>& command);
-    /// Runs what must stay silent when it fails: mouse moves, scrolling, layout.
+    /// Runs what must stay silent when it fails, and is no command: mouse moves, scrolling, layout.
     void Quietly(const std::function<void()>& handler) noexcept;
+    void MakeCommands();
     void LoadFromCommandLine(const QString& commandLine);
     void ClickMap(const QPoint& position);
     /// The preferred one when it is there; empty: the user's cache folder.
     std::string ScratchFolder() const;
+    /// The map's pixel at a position of its viewer; nothing beside the map.
+    std::optional<ImagePixel> MapPixelAt(const QPoint& position) const;
     void TellMapPlace();
 
-    // What the commands ask of this window.
+    // What the commands need of this window.
     QWidget* Widget() override { return this; }
     QFileDialog& FileDialog() override { return *fileDialog_; }
-    clsBitmapView& MapView() override { return mapView_; }
-    clsBitmapView& IconView() override { return iconView_; }
     PreferredTile Tile() const override;
     std::shared_ptr<AtlavexLibrary> CreateLibrary() override;
-    void SetTitle(const QString& name) override;
-    void SetHeader(const QString& text) override;
-    void SetStatus(const QString& text) override;
-    void SetSizeText(const QString& text) override;
-    void ShowSizeOfPage() override;
-    void RefillMaps(int select) override;
-    void RefillIcons(int select) override;
-    void SelectMap(int entry) override;
-    void SelectIcon(int entry) override;
-    int MapEntry() const override;
-    int IconEntry() const override;
-    int MapEntries() const override;
-    int IconEntries() const override;
-    void ClearDisplay() override;
     void EnableMenus() override;
     void ShowPage(int page) override;
-    void LayOut() override;
-    void EnableZoom(bool enabled) override;
-    void ResetZoom() override;
     void BeginCall() override;
     void EndCall() override;
-    void StartScalingWizard() override;
-    void StartWorldfileWizard(const std::shared_ptr<AtlavexMap>& map) override;
-    void DiscardWizard() override;
 
     EditorState state_;
     bool running_ = false; ///< a command is on the stack, perhaps with a box or a dialog open
@@ -154,9 +138,11 @@ private:
     MouseChoice* mapChoice_ = nullptr;  ///< owned by its list
     MouseChoice* iconChoice_ = nullptr; ///< likewise
     std::unique_ptr<ProgressDisplay> progress_;
-    std::unique_ptr<EntryLists> lists_;
     std::unique_ptr<MapZoom> zoom_;
-    std::unique_ptr<PointerReadOut> readOut_;
+    std::unique_ptr<TextLines> lines_;
+    std::unique_ptr<StatusLine> status_;
+    std::unique_ptr<MapList> maps_;
+    std::unique_ptr<IconList> icons_;
     std::unique_ptr<LibraryCommands> libraryCommands_;
     std::unique_ptr<MapIconCommands> mapIconCommands_;
     std::unique_ptr<WizardCommands> wizardCommands_;

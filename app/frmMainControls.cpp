@@ -6,12 +6,13 @@
 #include "app/MapIconCommands.h"
 #include "app/MapZoom.h"
 #include "app/MouseChoice.h"
-#include "app/PointerReadOut.h"
-#include "app/ScaledFlag.h"
 #include "app/ScrollKeys.h"
+#include "app/StatusLine.h"
+#include "app/TextLines.h"
 #include "app/WheelGuard.h"
 #include "app/WizardCommands.h"
 #include "app/frmMain.h"
+#include "base/ComponentError.h"
 #include "dialogs/frmPreferences.h"
 #include "platform/modMessages.h"
 #include "ui_frmMain.h"
@@ -54,7 +55,7 @@ void frmMain::ConnectControls() {
 
     mapView_.OnViewChanged = [this] {
         wizardCommands_->ShowMarks();
-        Quietly([this] { readOut_->Renew(); });
+        Quietly([this] { status_->Renew(); });
         Quietly([this] { TellMapPlace(); });
     };
     mapChoice_ = new MouseChoice(*ui_->ddMaps);
@@ -85,12 +86,12 @@ void frmMain::ddMaps_Click(int entry) {
             if (entry == state_.rememberedMap)
                 return;
             ShowMessage(this, QStringLiteral("Current map must be scaled first!"));
-            ui_->ddMaps->setCurrentIndex(state_.rememberedMap);
+            maps_->MarkRemembered();
             return;
         }
         const auto before = state_.currentMap;
-        SelectMap(entry);
-        TakeStoredScaling(state_, *this);
+        maps_->Select(entry);
+        status_->ShowStoredScaling();
         if (state_.currentMap != before)
             wizardCommands_->Discard();
         if (mapChoice_->IsByMouse())
@@ -100,14 +101,14 @@ void frmMain::ddMaps_Click(int entry) {
 
 void frmMain::ddIcons_Click(int entry) {
     Run([this, entry] {
-        SelectIcon(entry);
+        icons_->Select(entry);
         if (iconChoice_->IsByMouse())
             ui_->viewerIcon->setFocus();
     });
 }
 
 void frmMain::tabAtlavex_Click() {
-    ShowSizeOfPage();
+    lines_->ShowSizeOfPage();
     EnableMenus();
 }
 
@@ -132,9 +133,20 @@ void frmMain::vscrollIcon_Change() {
 }
 
 void frmMain::viewerMap_MouseMove(const QPoint& position) {
-    if (!state_.busy && state_.currentMap != nullptr && state_.mapScaled && !wizardCommands_->IsRunning())
-        Quietly([&] { readOut_->Show(position); });
-    Quietly([this] { TellMapPlace(); });
+    Quietly([&] {
+        const std::optional<ImagePixel> pixel = MapPixelAt(position);
+        if (pixel && !state_.busy && state_.mapScaled && !wizardCommands_->IsRunning())
+            status_->ReadOut(*pixel);
+        TellMapPlace();
+    });
+}
+
+std::optional<ImagePixel> frmMain::MapPixelAt(const QPoint& position) const {
+    try {
+        return mapView_.PixelAt(position);
+    } catch (const ComponentError&) {
+        return std::nullopt; // beyond all coordinates
+    }
 }
 
 /// For those who do not see the map: the pixel under the crosshair, else under the pointer, else in the
@@ -145,33 +157,30 @@ void frmMain::TellMapPlace() {
     std::optional<ImagePixel> pixel = wizardCommands_->Crosshair();
     const std::optional<QPoint> pointer = ui_->viewerMap->PointerPosition();
     if (!pixel && pointer)
-        pixel = mapView_.PixelAt(*pointer);
+        pixel = MapPixelAt(*pointer);
     if (!pixel)
-        pixel = mapView_.PixelAt(mapView_.MiddleOfImagePart());
-    ui_->viewerMap->SetValueText(pixel ? readOut_->TextOf(*pixel) : QString());
+        pixel = MapPixelAt(mapView_.MiddleOfImagePart());
+    ui_->viewerMap->SetValueText(pixel ? status_->TextOf(*pixel) : QString());
 }
 
 void frmMain::viewerMap_Click(const QPoint& position) {
-    Run([&] {
-        if (state_.currentMap == nullptr && !wizardCommands_->IsRunning())
-            mapIconCommands_->AddMap();
-        else
-            ClickMap(position);
-    });
+    Run([&] { ClickMap(position); });
     Quietly([this] { TellMapPlace(); });
 }
 
 void frmMain::ClickMap(const QPoint& position) {
-    std::optional<ImagePixel> pixel;
-    Quietly([&] { pixel = mapView_.PixelAt(position); });
+    const bool isAwaited = wizardCommands_->IsRunning();
+    if (state_.currentMap == nullptr && !isAwaited)
+        return mapIconCommands_->AddMap();
+    const std::optional<ImagePixel> pixel = MapPixelAt(position);
     if (!pixel)
         return; // a click beside the map
-    if (wizardCommands_->IsRunning())
+    if (isAwaited)
         wizardCommands_->WizardMapClick(*pixel);
     else if (!state_.mapScaled)
         wizardCommands_->StartScalingWizard();
     else
-        Quietly([&] { readOut_->Show(position); });
+        status_->ReadOut(*pixel);
 }
 
 void frmMain::viewerMap_Enter() {

@@ -5,6 +5,7 @@
 
 #include <QDropEvent>
 #include <QMimeData>
+#include <QStandardItemModel>
 #include <QTabWidget>
 
 #include <new>
@@ -73,21 +74,24 @@ private:
     Hook& hook_;
 };
 
-/// The real window; tells when a command counts the entries of its lists.
-class CountedWindow : public frmMain {
+/// The entries of a list; tells when they are counted.
+class CountedEntries : public QStandardItemModel {
 public:
-    CountedWindow(LibraryMaker makeLibrary, Hook& hook)
-        : frmMain(false, std::move(makeLibrary)), hook_(hook) {}
-
-private:
-    int MapEntries() const override { return Count("entries of maps", "ddMaps"); }
-    int IconEntries() const override { return Count("entries of icons", "ddIcons"); }
-    int Count(const char* what, const char* list) const {
-        if (const Hook now = hook_)
-            now(what);
-        return findChild<QComboBox*>(QLatin1String(list))->count();
+    CountedEntries(QComboBox& list, std::string call, Hook& hook)
+        : QStandardItemModel(&list), call_(std::move(call)), hook_(hook) {
+        for (int entry = 0; entry < list.count(); ++entry)
+            appendRow(new QStandardItem(list.itemText(entry)));
+        list.setModel(this);
     }
 
+    int rowCount(const QModelIndex& parent) const override {
+        if (const Hook now = hook_)
+            now(call_);
+        return QStandardItemModel::rowCount(parent);
+    }
+
+private:
+    std::string call_;
     Hook& hook_;
 };
 
@@ -108,7 +112,7 @@ protected:
         const auto makeLibrary = [this](const LibraryOptions&) {
             return std::make_shared<FailingLibrary>(NewLibrary(), log_, probe_, hook_);
         };
-        window_ = std::make_unique<CountedWindow>(makeLibrary, hook_);
+        window_ = std::make_unique<frmMain>(false, makeLibrary);
         window_->Form_Load(QString::fromStdString(file));
         window_->show();
         EXPECT_TRUE(QTest::qWaitForWindowActive(window_.get()));
@@ -291,6 +295,8 @@ TEST_F(AfterChanges, AMergedFileIsCountedByTheListsUnderTheHourglassAndAfterward
     script_.Expect(QStringLiteral("FileDialog"),
                    [this](QWidget& dialog) { AnswerFileDialog(dialog, PathOf("a.Atlavex")); });
     script_.ExpectBox(QStringLiteral("Merge complete. \r\n2 map(s) added.\r\n1 icon(s) added."));
+    new CountedEntries(Find<QComboBox>("ddMaps"), "entries of maps", hook_);
+    new CountedEntries(Find<QComboBox>("ddIcons"), "entries of icons", hook_);
     NoteCalls();
     Choose("mnuMerge");
     EXPECT_THAT(TakeCalls(6), ElementsAre("IsEncrypted", "entries of maps under the hourglass",
