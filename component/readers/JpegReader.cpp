@@ -1,6 +1,6 @@
 #include "component/readers/JpegReader.h"
 
-#include "component/readers/JpegCodec.h"
+#include "component/readers/common/JpegCodec.h"
 #include "component/readers/common/ExifOrientation.h"
 #include "component/readers/common/ImageError.h"
 #include "component/readers/common/ImageFile.h"

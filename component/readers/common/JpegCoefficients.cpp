@@ -1,4 +1,4 @@
-#include "component/readers/JpegCoefficients.h"
+#include "component/readers/common/JpegCoefficients.h"
 
 #include <algorithm>
 #include <span>

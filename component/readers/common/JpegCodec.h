@@ -2,7 +2,7 @@
 
 #include "base/LibraryGuard.h"
 #include "base/Progress.h"
-#include "component/readers/JpegCoefficients.h"
+#include "component/readers/common/JpegCoefficients.h"
 #include "component/readers/common/ImageFile.h"
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "component/readers/JpegCodec.h"
+#include "component/readers/common/JpegCodec.h"
 
 #include "component/readers/common/ImageError.h"
 
