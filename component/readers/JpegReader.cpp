@@ -1,9 +1,9 @@
 #include "component/readers/JpegReader.h"
 
-#include "component/readers/common/JpegCodec.h"
 #include "component/readers/common/ExifOrientation.h"
 #include "component/readers/common/ImageError.h"
 #include "component/readers/common/ImageFile.h"
+#include "component/readers/common/JpegCodec.h"
 #include "component/readers/common/OrientedReader.h"
 
 #include <algorithm>
@@ -15,6 +15,8 @@ namespace {
 
 using namespace std::string_view_literals;
 
+constexpr std::size_t PieceBytes = std::size_t{1} << 16;
+
 constexpr std::string_view ExifBegin = "Exif\0\0"sv;
 
 class JpegReader : public RowReader {
@@ -24,26 +26,34 @@ public:
     /// What the file's Exif data ask for; not applied here.
     Orientation StoredOrientation();
     void ReadRows(std::uint8_t* rows, std::ptrdiff_t stride, std::int32_t count) override;
-    void WatchForCancel(const Progress& progress) override { codec_.WatchForCancel(progress); }
+    void WatchForCancel(const Progress& progress) override {
+        codec_.PauseWith([&progress] { progress.ThrowIfCancelled(); });
+    }
 
 private:
+    std::span<const std::uint8_t> NextPiece();
     void ChooseFormat();
     void MixInks(std::uint8_t* row) const;
 
     ImageFile file_;
+    std::vector<std::uint8_t> piece_; ///< of the file
     JpegCodec codec_;
     std::int32_t row_ = 0;
     std::vector<std::uint8_t> inks_; ///< one row of CMYK, four bytes a pixel; empty for other colours
 };
 
 JpegReader::JpegReader(const std::filesystem::path& path, const std::filesystem::path& spoolFolder)
-    : file_(path), codec_(file_, spoolFolder) {
+    : file_(path), piece_(PieceBytes), codec_({path, [this] { return NextPiece(); }}, spoolFolder) {
     const jpeg_decompress_struct& header = codec_.Header();
     CheckImageSize(path, header.image_width, header.image_height);
     info_.width = static_cast<std::int32_t>(header.image_width);
     info_.height = static_cast<std::int32_t>(header.image_height);
     CheckPixelsPerByte(path, std::int64_t{info_.width} * info_.height, file_.Size());
     ChooseFormat();
+}
+
+std::span<const std::uint8_t> JpegReader::NextPiece() {
+    return std::span(piece_).first(file_.ReadSome(piece_));
 }
 
 void JpegReader::ChooseFormat() {

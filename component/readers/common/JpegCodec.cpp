@@ -40,26 +40,43 @@ JpegCoefficients& CoefficientsOf(j_common_ptr codec) {
     return CodecOf(codec).coefficients_;
 }
 
-JpegCodec::JpegCodec(ImageFile& file, const std::filesystem::path& spoolFolder)
-    : file_(file), coefficients_(exit_, spoolFolder) {
+JpegCodec::JpegCodec(JpegSource source, const std::filesystem::path& spoolFolder,
+                     std::span<const std::uint8_t> tables)
+    : source_(std::move(source)), coefficients_(exit_, spoolFolder) {
+    Prepare();
+    headerIsRead_ = RunGuarded(exit_, [this, tables] { ReadHeader(tables); });
+    if (headerIsRead_)
+        return;
+    jpeg_destroy_decompress(&codec_);
+    ThrowReason();
+}
+
+void JpegCodec::Prepare() {
     codec_.err = jpeg_std_error(&errors_);
     errors_.error_exit = OnError;
     errors_.emit_message = OnMessage;
     watch_.progress_monitor = OnProgress;
     codec_.client_data = this;
-    const bool read = RunGuarded(exit_, [this] {
-        jpeg_create_decompress(&codec_);
-        codec_.progress = &watch_;
-        coefficients_.Attach(codec_);
-        jpeg_stdio_src(&codec_, file_.Stream());
-        jpeg_save_markers(&codec_, ExifMarker, 0xFFFF);
-        jpeg_read_header(&codec_, TRUE);
-    });
-    headerIsRead_ = read;
-    if (read)
-        return;
-    jpeg_destroy_decompress(&codec_);
-    ThrowReason();
+    bytes_.init_source = [](j_decompress_ptr) {};
+    bytes_.fill_input_buffer = OnEmpty;
+    bytes_.skip_input_data = OnSkip;
+    bytes_.resync_to_restart = jpeg_resync_to_restart;
+    bytes_.term_source = [](j_decompress_ptr) {};
+}
+
+void JpegCodec::ReadHeader(std::span<const std::uint8_t> tables) {
+    jpeg_create_decompress(&codec_);
+    codec_.progress = &watch_;
+    codec_.src = &bytes_;
+    coefficients_.Attach(codec_);
+    jpeg_save_markers(&codec_, ExifMarker, 0xFFFF);
+    if (!tables.empty()) {
+        bytes_.next_input_byte = tables.data();
+        bytes_.bytes_in_buffer = tables.size();
+        jpeg_read_header(&codec_, FALSE);
+        bytes_.bytes_in_buffer = 0;
+    }
+    jpeg_read_header(&codec_, TRUE);
 }
 
 JpegCodec::~JpegCodec() {
@@ -102,36 +119,78 @@ bool JpegCodec::LacksScans() const {
     return false;
 }
 
+template <class Call>
+bool JpegCodec::Kept(const Call& call) {
+    try {
+        call();
+        return true;
+    } catch (...) {
+        failure_ = std::current_exception();
+        return false;
+    }
+}
+
 /// Comes after every few rows of every scan.
 void JpegCodec::OnProgress(j_common_ptr codec) {
     JpegCodec& self = CodecOf(codec);
     if (self.codec_.input_scan_number > MaxScans)
         self.exit_.Leave("it has too many scans");
-    if (self.progress_ != nullptr && self.progress_->IsCancelled())
-        self.exit_.Leave("it was cancelled");
+    if (self.pause_ && !self.Kept(self.pause_))
+        self.exit_.Leave("it was stopped");
+}
+
+std::span<const std::uint8_t> JpegCodec::NextBytes() {
+    std::span<const std::uint8_t> bytes;
+    if (!Kept([this, &bytes] { bytes = source_.next(); }))
+        exit_.Leave("its bytes could not be read");
+    return bytes;
+}
+
+/// At the end an end mark is put in, after a warning.
+boolean JpegCodec::OnEmpty(j_decompress_ptr codec) {
+    static constexpr std::array<JOCTET, 2> EndMark{0xFF, JPEG_EOI};
+    std::span<const std::uint8_t> bytes = CodecOf(reinterpret_cast<j_common_ptr>(codec)).NextBytes();
+    if (bytes.empty()) {
+        codec->err->msg_code = JWRN_JPEG_EOF;
+        codec->err->emit_message(reinterpret_cast<j_common_ptr>(codec), -1);
+        bytes = EndMark;
+    }
+    codec->src->next_input_byte = bytes.data();
+    codec->src->bytes_in_buffer = bytes.size();
+    return TRUE;
+}
+
+void JpegCodec::OnSkip(j_decompress_ptr codec, long bytes) {
+    auto left = static_cast<std::size_t>(std::max(bytes, 0L));
+    while (left > codec->src->bytes_in_buffer) {
+        left -= codec->src->bytes_in_buffer;
+        OnEmpty(codec);
+    }
+    codec->src->next_input_byte += left;
+    codec->src->bytes_in_buffer -= left;
 }
 
 void JpegCodec::ThrowReason() const {
     coefficients_.ThrowIfFailed();
-    if (progress_ != nullptr)
-        progress_->ThrowIfCancelled();
+    if (failure_)
+        std::rethrow_exception(failure_);
     const int code = errors_.msg_code;
     if (code == JERR_OUT_OF_MEMORY)
-        ThrowImageError(ErrorNumber::OutOfMemory, file_.Path(), "there is not enough memory to decode it");
+        ThrowImageError(ErrorNumber::OutOfMemory, source_.path, "there is not enough memory to decode it");
     if (MeansOtherKind(code))
-        ThrowNotReadable(file_.Path(), exit_.message);
+        ThrowNotReadable(source_.path, exit_.message);
     if (code != JWRN_JPEG_EOF && code != JERR_INPUT_EOF && !endIsMissing_)
-        ThrowDamaged(file_.Path(), exit_.message);
+        ThrowDamaged(source_.path, exit_.message);
     if (started_)
-        ThrowEndsBeforeRow(file_.Path(), row_);
-    ThrowDamaged(file_.Path(), "the file ends before its pixels");
+        ThrowEndsBeforeRow(source_.path, row_);
+    ThrowDamaged(source_.path, "the file ends before its pixels");
 }
 
 void JpegCodec::ReadRow(std::uint8_t* row) {
     if (!started_)
         Guarded([this] { jpeg_start_decompress(&codec_); });
     if (!started_ && LacksScans())
-        ThrowDamaged(file_.Path(), "it lacks a scan of its pixels");
+        ThrowDamaged(source_.path, "it lacks a scan of its pixels");
     started_ = true;
     JSAMPROW target = row;
     Guarded([this, &target] { jpeg_read_scanlines(&codec_, &target, 1); });

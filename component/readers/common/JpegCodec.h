@@ -1,28 +1,41 @@
 #pragma once
 
 #include "base/LibraryGuard.h"
-#include "base/Progress.h"
 #include "component/readers/common/JpegCoefficients.h"
-#include "component/readers/common/ImageFile.h"
 
 #include <cstdint>
 #include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <functional>
+#include <span>
+#include <utility>
 // The library's header needs the C stream type first.
 #include <jpeglib.h>
 
-/// The codec library at work on one JPEG file. Each step throws ComponentError, naming the file, when the
+/// Where the bytes of a JPEG picture come from.
+struct JpegSource {
+    std::filesystem::path path; ///< of the file, for errors
+    /// The next bytes, none at the end. They must stay until the next call. May throw.
+    std::function<std::span<const std::uint8_t>()> next;
+};
+
+/// The codec library at work on one JPEG picture. Each step throws ComponentError, naming the file, when the
 /// library cannot go on, and when it would go on with invented pixels.
 class JpegCodec {
 public:
-    /// Reads the file's header. What memory cannot hold goes through a SpoolFile in the folder.
-    JpegCodec(ImageFile& file, const std::filesystem::path& spoolFolder);
+    /// Reads the picture's header, after the tables that are kept apart from it, if any. What memory cannot
+    /// hold goes through a SpoolFile in the folder.
+    JpegCodec(JpegSource source, const std::filesystem::path& spoolFolder,
+              std::span<const std::uint8_t> tables = {});
     ~JpegCodec();
     JpegCodec(const JpegCodec&) = delete;
     JpegCodec& operator=(const JpegCodec&) = delete;
 
-    /// What the header says; the colour space of the answer may be set before the first row.
+    /// What the header says; the colour spaces may be set before the first row.
     jpeg_decompress_struct& Header() { return codec_; }
-    void WatchForCancel(const Progress& progress) { progress_ = &progress; }
+    /// Called after every few rows of every scan; may throw.
+    void PauseWith(std::function<void()> pause) { pause_ = std::move(pause); }
 
     /// Decodes the next row. The first one of a file with several scans waits for the whole file.
     void ReadRow(std::uint8_t* row);
@@ -35,6 +48,8 @@ private:
     static void OnError(j_common_ptr codec);
     static void OnMessage(j_common_ptr codec, int level);
     static void OnProgress(j_common_ptr codec);
+    static boolean OnEmpty(j_decompress_ptr codec);
+    static void OnSkip(j_decompress_ptr codec, long bytes);
     friend JpegCoefficients& CoefficientsOf(j_common_ptr codec);
 
     template <class Call>
@@ -42,17 +57,25 @@ private:
         if (!RunGuarded(exit_, call))
             ThrowReason();
     }
+    /// Runs what may throw inside the library's frames; false when it has thrown.
+    template <class Call>
+    bool Kept(const Call& call);
+    void Prepare();
+    void ReadHeader(std::span<const std::uint8_t> tables);
+    std::span<const std::uint8_t> NextBytes();
     [[noreturn]] void ThrowReason() const;
     bool IsOfMissingEnd(int warning) const;
     bool LacksScans() const;
 
-    ImageFile& file_;
+    JpegSource source_;
     LibraryExit exit_;
+    std::exception_ptr failure_; ///< of the source or the pause
     JpegCoefficients coefficients_;
     jpeg_error_mgr errors_{};
     jpeg_progress_mgr watch_{};
+    jpeg_source_mgr bytes_{};
     jpeg_decompress_struct codec_{};
-    const Progress* progress_ = nullptr;
+    std::function<void()> pause_;
     bool headerIsRead_ = false;
     bool started_ = false;
     bool endIsMissing_ = false;
