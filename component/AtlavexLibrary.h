@@ -3,6 +3,7 @@
 #include "component/AtlavexIcon.h"
 #include "component/AtlavexMap.h"
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -31,6 +32,12 @@ struct LibraryOptions {
     /// From zoom 1 upwards a place half-way between two map pixels shows the even one, which a click there
     /// means; true: the upper one, so that whole zooms show the pixels equally wide.
     bool viewTiesUp = false;
+    /// For a program that takes its turn with others: asked again and again while another program's lock
+    /// stands in the way, with how long it has done so, whether to go on waiting (else FileLocked). Perhaps
+    /// on another thread than the caller's, within the call; must not throw. With NewTiles::LibraryFile,
+    /// LoadFromFile then takes the write lock before anything is read and holds it until the library is saved
+    /// or gone. Nothing: a lock is waited for a moment only.
+    std::function<bool(std::chrono::milliseconds waited)> waitForOthers;
     std::shared_ptr<FileSystem> files; ///< nothing: the operating system's
 };
 
@@ -79,6 +86,8 @@ public:
     /// the target at once. An empty key: a plain file. Any failure, Cancelled included, leaves the target as
     /// it was. Errors: FileNotWritable, DiskFull, FileChanged, FileLocked, FileDamaged.
     virtual void SaveToFile(const std::string& file, const std::string& key) = 0;
+    /// What is worth knowing about the last save beside its success, in sentences; mostly nothing.
+    virtual std::vector<std::string> NotesOfLastSave() const = 0;
     /// Adds the other file's maps and icons in their order behind those here; an identifier that is used
     /// already is replaced by a fresh one. A wrong key adds nothing and is no error. The file may be the one
     /// that is open here. Cancelled: returns with everything as before.
@@ -107,6 +116,9 @@ public:
     std::function<void(float total, AtlavexLibrary& library)> OnProgressBegin;
     std::function<void(float done)> OnProgress;
     std::function<void()> OnProgressEnd;
+    /// Raised at the end of every adding of a map or icon, on the caller's thread: what of the image was
+    /// passed over, or is shown otherwise than it is stored. One sentence each, which names the file.
+    std::function<void(const std::string& sentence)> OnImageRemark;
 };
 
 /// A new, empty library.

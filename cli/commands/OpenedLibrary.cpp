@@ -3,9 +3,6 @@
 #include "cli/output/ExitStatus.h"
 #include "cli/output/Interrupt.h"
 #include "cli/output/Output.h"
-#include "component/ImageRemarks.h"
-#include "component/SaveNotes.h"
-#include "component/SharedLibrary.h"
 
 namespace {
 
@@ -14,10 +11,9 @@ std::unique_ptr<AtlavexLibrary> MakeLibrary(Access access, Turn& turn) {
     // A command ends by saving or not at all, so new tiles need no scratch file.
     options.newTiles = access == Access::Write ? NewTiles::LibraryFile : NewTiles::Scratch;
     options.viewTiesUp = true; // nobody clicks on a picture in a file
-    if (access == Access::Read)
-        return CreateAtlavexLibrary(options);
-    return CreateSharedLibrary(options,
-                               [&turn](std::chrono::milliseconds waited) { return turn.GoOn(waited); });
+    if (access != Access::Read)
+        options.waitForOthers = [&turn](std::chrono::milliseconds waited) { return turn.GoOn(waited); };
+    return CreateAtlavexLibrary(options);
 }
 
 /// Does what may have to wait for other programs; a signal that ended the wait is told as such.
@@ -87,7 +83,7 @@ void OpenedLibrary::WatchWork() {
         bar->Show(done);
     };
     library_->OnProgressEnd = [bar] { bar->End(); };
-    OnImageRemark(*library_, PrintMessage);
+    library_->OnImageRemark = PrintMessage;
 }
 
 void OpenedLibrary::Save() {
@@ -97,6 +93,6 @@ void OpenedLibrary::Save() {
 void OpenedLibrary::SaveAs(const std::string& file, const SecretText& key) {
     ThrowIfInterrupted();
     InTurn([&] { library_->SaveToFile(file, key.Text()); });
-    for (const std::string& note : NotesOfLastSave(*library_))
+    for (const std::string& note : library_->NotesOfLastSave())
         PrintMessage(note);
 }

@@ -2,7 +2,6 @@
 #include "component/readers/OpenImage.h"
 
 #include "base/StandardErrors.h"
-#include "component/SharedLibrary.h"
 #include "component/storage/LibraryWriter.h"
 #include "component/storage/Scratch.h"
 #include "component/storage/Verification.h"
@@ -64,9 +63,9 @@ void Forget(Objects& objects, std::int64_t id) {
 
 } // namespace
 
-LibraryObject::LibraryObject(const LibraryOptions& options, LockWait waitForOthers)
-    : options_(options), waitForOthers_(std::move(waitForOthers)),
-      files_(options.files ? options.files : SystemFiles()), operations_(std::make_shared<Operations>(*this)),
+LibraryObject::LibraryObject(const LibraryOptions& options)
+    : options_(options), files_(options.files ? options.files : SystemFiles()),
+      operations_(std::make_shared<Operations>(*this)),
       views_(std::make_shared<ViewMemory>(options.threads, std::chrono::milliseconds(options.viewPatience),
                                           options.viewTiesUp)),
       pictures_(std::make_shared<RecentPictures>(IconPictureBytes)), envelope_(Envelope::Plain()) {}
@@ -210,8 +209,8 @@ std::shared_ptr<AtlavexIcon> LibraryObject::ImportIcon(const std::string& file, 
 }
 
 void LibraryObject::RaiseRemarks(const std::vector<std::string>& remarks) const {
-    if (tellRemark_)
-        std::ranges::for_each(remarks, tellRemark_);
+    if (OnImageRemark)
+        std::ranges::for_each(remarks, OnImageRemark);
 }
 
 void LibraryObject::RemoveMap(const std::string& reference) {
@@ -344,15 +343,6 @@ std::vector<Damage> LibraryObject::Verify() {
     if (!damages.empty())
         RequireUnchangedFile();
     return damages;
-}
-
-std::unique_ptr<AtlavexLibrary> CreateSharedLibrary(const LibraryOptions& options,
-                                                    WaitForOthers waitForOthers) {
-    return std::make_unique<LibraryObject>(options, std::move(waitForOthers));
-}
-
-void OnImageRemark(AtlavexLibrary& library, std::function<void(const std::string& sentence)> tell) {
-    dynamic_cast<LibraryObject&>(library).tellRemark_ = std::move(tell);
 }
 
 std::unique_ptr<AtlavexLibrary> CreateAtlavexLibrary(const LibraryOptions& options) {

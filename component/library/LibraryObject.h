@@ -1,7 +1,6 @@
 #pragma once
 
 #include "component/AtlavexLibrary.h"
-#include "component/ImageRemarks.h"
 #include "component/library/IconObject.h"
 #include "component/library/MapObject.h"
 #include "component/storage/KnownFiles.h"
@@ -14,7 +13,7 @@
 /// saved yet.
 class LibraryObject final : public AtlavexLibrary {
 public:
-    explicit LibraryObject(const LibraryOptions& options, LockWait waitForOthers = {});
+    explicit LibraryObject(const LibraryOptions& options);
     ~LibraryObject() override;
     LibraryObject(const LibraryObject&) = delete;
     LibraryObject& operator=(const LibraryObject&) = delete;
@@ -37,6 +36,7 @@ public:
     bool IsEncrypted(const std::string& file) override;
     void LoadFromFile(const std::string& file, const std::string& key) override;
     void SaveToFile(const std::string& file, const std::string& key) override;
+    std::vector<std::string> NotesOfLastSave() const override { return notes_; }
     void MergeFromFile(const std::string& file, const std::string& key) override;
     bool KeyFitted() const override { return keyFitted_; }
     void CancelOperation() override { operations_->Cancel(); }
@@ -46,7 +46,6 @@ public:
     std::string FileName() const override { return file_ ? file_->Path().string() : std::string(); }
     bool IsSealed() const override { return envelope_->IsSealed(); }
     /// What is worth knowing about the last save beside its success, in sentences; mostly nothing.
-    const std::vector<std::string>& Notes() const { return notes_; }
 
 private:
     /// A file whose maps and icons are to be added.
@@ -60,7 +59,6 @@ private:
                                           std::int32_t tileWidth, std::int32_t tileHeight);
     std::shared_ptr<AtlavexIcon> ImportIcon(const std::string& file, const std::string& name);
     void RaiseRemarks(const std::vector<std::string>& remarks) const;
-    friend void OnImageRemark(AtlavexLibrary& library, std::function<void(const std::string& sentence)> tell);
     std::shared_ptr<AtlavexMap> Append(std::shared_ptr<MapState> map);
     std::shared_ptr<AtlavexIcon> Append(std::shared_ptr<IconState> icon);
     std::shared_ptr<const Envelope> NewEnvelope(const std::string& key) const;
@@ -108,7 +106,6 @@ private:
     void MakeIdentifiersUnique(LibraryState& added) const;
 
     LibraryOptions options_;
-    LockWait waitForOthers_;
     std::shared_ptr<FileSystem> files_;
     std::shared_ptr<Operations> operations_;
     std::shared_ptr<ViewMemory> views_;
@@ -126,5 +123,4 @@ private:
     std::map<std::int64_t, std::shared_ptr<MapObject>> mapObjects_;
     std::map<std::int64_t, std::shared_ptr<IconObject>> iconObjects_;
     Disposal disposal_;
-    std::function<void(const std::string& sentence)> tellRemark_;
 };

@@ -2,7 +2,6 @@
 
 #include "base/Guid.h"
 #include "base/Paths.h"
-#include "component/SaveNotes.h"
 #include "component/library/LibraryObject.h"
 #include "component/storage/Saving.h"
 #include "component/storage/Verification.h"
@@ -43,13 +42,13 @@ bool LibraryObject::IsOpenFile(const std::filesystem::path& path) const {
 
 bool LibraryObject::IsEncrypted(const std::string& file) {
     const std::filesystem::path path = RealPath(file);
-    return IsOpenFile(path) ? file_->Header().sealed : LibraryFile::IsSealed(path, waitForOthers_);
+    return IsOpenFile(path) ? file_->Header().sealed : LibraryFile::IsSealed(path, options_.waitForOthers);
 }
 
 void LibraryObject::LoadFromFile(const std::string& file, const std::string& key) {
     const std::filesystem::path path = RealPath(file);
-    const LibraryFile::Access access{waitForOthers_,
-                                     waitForOthers_ && options_.newTiles == NewTiles::LibraryFile};
+    const LibraryFile::Access access{options_.waitForOthers,
+                                     options_.waitForOthers && options_.newTiles == NewTiles::LibraryFile};
     std::unique_ptr<LibraryFile> opened;
     LibraryState state;
     bool cancelled = true;
@@ -151,11 +150,6 @@ void LibraryObject::WriteAnew(Progress& progress) {
     Shrink(progress);
 }
 
-std::vector<std::string> NotesOfLastSave(const AtlavexLibrary& library) {
-    const auto* object = dynamic_cast<const LibraryObject*>(&library);
-    return object != nullptr ? object->Notes() : std::vector<std::string>();
-}
-
 void LibraryObject::NoteKept(std::int64_t pictures) {
     if (pictures > 0)
         notes_.push_back(
@@ -232,7 +226,7 @@ bool LibraryObject::OpenOther(const std::filesystem::path& path, const std::stri
         other.state = file_->ReadState();
         return true;
     }
-    other.file = LibraryFile::Open(path, key, path.string(), {waitForOthers_, false});
+    other.file = LibraryFile::Open(path, key, path.string(), {options_.waitForOthers, false});
     if (!other.file)
         return false;
     other.state = other.file->ReadState();

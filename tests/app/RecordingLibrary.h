@@ -90,6 +90,7 @@ public:
         log_.emplace_back("MergeFromFile key '" + key + "'");
         real_->MergeFromFile(file, key);
     }
+    std::vector<std::string> NotesOfLastSave() const override { return real_->NotesOfLastSave(); }
     bool KeyFitted() const override { return real_->KeyFitted(); }
     void CancelOperation() override {
         log_.emplace_back("CancelOperation");

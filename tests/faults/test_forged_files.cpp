@@ -1,7 +1,6 @@
 // Libraries whose digests are all right and whose content no writer would have written.
 
 #include "base/ComponentError.h"
-#include "component/SaveNotes.h"
 #include "component/tiles/TileCodec.h"
 #include "tests/faults/FaultLab.h"
 #include "tests/faults/Forger.h"
@@ -196,7 +195,7 @@ TEST_F(ForgedFiles, WhoseMapsShareATileKeepItWhenOneIsRemoved) {
     Load();
     library_->RemoveMap(library_->MapIdAt(1));
     library_->SaveToFile(file_.string(), "");
-    EXPECT_THAT(NotesOfLastSave(*library_), Contains(HasSubstr("keeps 1 of the pictures")));
+    EXPECT_THAT(library_->NotesOfLastSave(), Contains(HasSubstr("keeps 1 of the pictures")));
     const std::string kept = ContentOf(*library_);
     EXPECT_EQ(kept.find("error"), std::string::npos) << kept;
     EXPECT_EQ(ContentOfFile(file_), kept);
@@ -253,7 +252,7 @@ TEST_F(ForgedFiles, WhoseIconsShareAPictureKeepItWhenOneIsRemoved) {
     Load();
     library_->RemoveIcon(library_->IconIdAt(1));
     library_->SaveToFile(file_.string(), "");
-    EXPECT_THAT(NotesOfLastSave(*library_), Contains(HasSubstr("keeps 1 of the pictures")));
+    EXPECT_THAT(library_->NotesOfLastSave(), Contains(HasSubstr("keeps 1 of the pictures")));
     EXPECT_THAT(ContentOfFile(file_), Not(HasSubstr("error")));
 }
 
