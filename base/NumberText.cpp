@@ -4,6 +4,19 @@
 #include <charconv>
 #include <cmath>
 
+namespace {
+
+/// The whole text as a number of the kind.
+template <class Number>
+std::optional<Number> Parse(std::string_view text) {
+    Number value{};
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    return error == std::errc{} && stop == end ? std::optional(value) : std::nullopt;
+}
+
+} // namespace
+
 std::string NumberToText(double value) {
     std::array<char, 32> buffer{};
     const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
@@ -21,9 +34,10 @@ std::optional<double> TextToNumber(std::string_view text) {
         if (text.starts_with('-'))
             return std::nullopt;
     }
-    double value = 0;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (result.ec != std::errc{} || result.ptr != text.data() + text.size() || !std::isfinite(value))
-        return std::nullopt;
-    return value;
+    const auto value = Parse<double>(text);
+    return value && std::isfinite(*value) ? value : std::nullopt;
+}
+
+std::optional<std::int32_t> TextToWholeNumber(std::string_view text) {
+    return Parse<std::int32_t>(text);
 }

@@ -1,11 +1,11 @@
 #include "catalogue/GridChoice.h"
 
 #include "base/ComponentError.h"
+#include "base/NumberText.h"
 #include "catalogue/modCountryGadgets.h"
 #include "coordinates/GridTable.h"
 
 #include <algorithm>
-#include <charconv>
 #include <optional>
 #include <vector>
 
@@ -13,11 +13,7 @@ namespace {
 
 /// A whole number of digits only.
 std::optional<std::int32_t> WholeNumber(std::string_view text) {
-    const bool digits = !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
-    std::int32_t number = 0;
-    if (!digits || std::from_chars(text.data(), text.data() + text.size(), number).ec != std::errc{})
-        return std::nullopt;
-    return number;
+    return text.starts_with('-') ? std::nullopt : TextToWholeNumber(text);
 }
 
 [[noreturn]] void ThrowZone(const std::string& grid, const std::string& zone, const std::string& expected) {

@@ -1,5 +1,7 @@
 #include "wizard/CoordinateText.h"
 
+#include "base/NumberText.h"
+
 #include <QRegularExpression>
 #include <QStringList>
 
@@ -134,11 +136,7 @@ std::optional<Lettered> TakeLetter(QString& half) {
 std::optional<double> Number(QString digits, const QLocale& locale) {
     if (HasDecimalComma(locale))
         digits.replace(u',', u'.');
-    QLocale plain = QLocale::c();
-    plain.setNumberOptions(QLocale::RejectGroupSeparator);
-    bool isNumber = false;
-    const double value = plain.toDouble(digits, &isNumber);
-    return isNumber && std::isfinite(value) ? std::optional(value) : std::nullopt;
+    return TextToNumber(digits.toStdString());
 }
 
 /// Degrees with optional minutes and seconds; only the last of them may have a fraction.

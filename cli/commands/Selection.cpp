@@ -1,10 +1,10 @@
 #include "cli/commands/Selection.h"
 
+#include "base/NumberText.h"
 #include "cli/input/Suggestion.h"
 #include "cli/output/ExitStatus.h"
 
 #include <algorithm>
-#include <charconv>
 #include <string_view>
 #include <vector>
 
@@ -60,12 +60,11 @@ std::vector<std::string> NamesOf(AtlavexLibrary& library, ObjectKind kind) {
 }
 
 std::int32_t CheckPosition(const AtlavexLibrary& library, ObjectKind kind, const std::string& text) {
-    std::int32_t position = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), position);
-    if (error != std::errc() || position < 1 || position > CountOf(library, kind))
+    const auto position = TextToWholeNumber(text);
+    if (!position || *position < 1 || *position > CountOf(library, kind))
         throw CommandFailure(ExitStatus::Failed, std::string("There is no ") + KindName(kind) + " " + text +
                                                      Holding(library, kind) + ".");
-    return position;
+    return *position;
 }
 
 std::string ListOf(const std::vector<std::int32_t>& positions) {

@@ -4,7 +4,6 @@
 #include "base/NumberText.h"
 #include "cli/output/ExitStatus.h"
 
-#include <charconv>
 #include <optional>
 
 namespace {
@@ -26,12 +25,7 @@ std::optional<std::pair<std::string_view, std::string_view>> SplitOnce(std::stri
 std::optional<std::int32_t> WholeNumber(std::string_view text) {
     if (text.starts_with('+'))
         text.remove_prefix(1);
-    std::int32_t value = 0;
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    if (error != std::errc() || stop != end)
-        return std::nullopt;
-    return value;
+    return TextToWholeNumber(text);
 }
 
 struct NumberPair {

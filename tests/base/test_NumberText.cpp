@@ -43,3 +43,12 @@ TEST(TextToNumber, RefusesWhatIsNoFiniteDecimalNumber) {
                              "1e999", "1e", "12.5.1", "\n1"})
         EXPECT_FALSE(TextToNumber(text)) << text;
 }
+
+TEST(TextToWholeNumber, TakesDigitsAndAMinusAlone) {
+    EXPECT_EQ(TextToWholeNumber("0"), 0);
+    EXPECT_EQ(TextToWholeNumber("0101"), 101);
+    EXPECT_EQ(TextToWholeNumber("-7"), -7);
+    EXPECT_EQ(TextToWholeNumber("2147483647"), 2147483647);
+    for (const char* text : {"", " ", "-", "+1", " 1", "1 ", "1.0", "1,0", "0x1", "2147483648", "1e3", "१"})
+        EXPECT_FALSE(TextToWholeNumber(text)) << text;
+}
