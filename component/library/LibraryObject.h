@@ -9,6 +9,8 @@
 
 #include <map>
 
+class NewFileSave;
+
 /// A map library over its file: keeps the state in memory, the open file, and the scratch for what is not
 /// saved yet.
 class LibraryObject final : public AtlavexLibrary {
@@ -68,6 +70,11 @@ private:
     /// `over` is the open file when the new one takes its place.
     void SaveAnew(const std::filesystem::path& target, LibraryFile* over,
                   std::shared_ptr<const Envelope> envelope, Progress& progress);
+    /// All steps of a save to a new file, beside the open one or in its place.
+    std::unique_ptr<LibraryFile> WriteElsewhere(NewFileSave& save);
+    std::unique_ptr<LibraryFile> ReplaceOpenFile(NewFileSave& save);
+    /// The open file's write lock, while it is as it was read; nothing where unsaved work in it holds it.
+    std::unique_ptr<Transaction> LockToReplace();
     /// Another program that changed the open file may have removed tiles and pictures that are still wanted
     /// here: throws FileChanged, naming what they belong to. Returns where that is not so.
     void TellRemovedPixels(Progress& progress) const;

@@ -161,23 +161,16 @@ void LibraryObject::NoteKept(std::int64_t pictures) {
 void LibraryObject::SaveAnew(const std::filesystem::path& target, LibraryFile* over,
                              std::shared_ptr<const Envelope> envelope, Progress& progress) {
     disposal_.Wait(); // the new file may need the space
-    NewFileRequest request;
-    request.target = target;
-    request.envelope = envelope;
-    request.replaced = over;
-    request.known = &known_;
-    request.begun = &direct_;
-    // Should the new file not open afterwards, the old one that is open is no longer what stands there.
-    if (request.replaced != nullptr)
-        request.placed = [this] { file_.reset(); };
-    request.discard = [this](std::shared_ptr<void> leftover) { disposal_.Take(std::move(leftover)); };
-    request.generation = file_ ? file_->Header().generation + 1 : 1;
+    NewFileSave save(files_, {target, envelope, file_ ? file_->Header().generation + 1 : 1}, state_, numbers_,
+                     progress);
     std::unique_ptr<LibraryFile> saved;
     try {
-        saved = SaveAsNewFile(files_, request, state_, numbers_, progress);
+        saved = over != nullptr ? ReplaceOpenFile(save) : WriteElsewhere(save);
     } catch (const ComponentError& error) {
         if (!direct_)
             GiveUpDirectWork();
+        if (error.Number() == ErrorNumber::Cancelled)
+            disposal_.Take(save.GiveUp());
         if (error.Number() == ErrorNumber::FileDamaged)
             TellRemovedPixels(progress);
         throw;
@@ -187,6 +180,42 @@ void LibraryObject::SaveAnew(const std::filesystem::path& target, LibraryFile* o
     known_.Remember(*file_);
     envelope_ = std::move(envelope);
     scratch_.reset();
+}
+
+std::unique_ptr<LibraryFile> LibraryObject::WriteElsewhere(NewFileSave& save) {
+    save.Begin();
+    save.Fill();
+    save.Check();
+    save.Place(FileReplacement::Former::Kept, known_);
+    return save.Open();
+}
+
+std::unique_ptr<LibraryFile> LibraryObject::ReplaceOpenFile(NewFileSave& save) {
+    std::unique_ptr<Transaction> lock = LockToReplace();
+    save.Begin();
+    save.Fill();
+    save.Check();
+    if (!lock) {
+        // All of the unsaved work stands in the new file. Its journal must go first: it would be rolled into
+        // that one.
+        direct_.reset();
+        lock = LockToReplace();
+    }
+    save.Place(FileReplacement::Former::Ours, known_);
+    lock.reset();
+    // Should the new file not open, the old one that is open is no longer what stands there.
+    file_.reset();
+    return save.Open();
+}
+
+std::unique_ptr<Transaction> LibraryObject::LockToReplace() {
+    std::unique_ptr<Transaction> lock;
+    if (!direct_)
+        lock = std::make_unique<Transaction>(file_->GetDatabase());
+    else if (!direct_->HasWritten())
+        lock = std::move(direct_);
+    file_->RequireUnchanged();
+    return lock;
 }
 
 void LibraryObject::TellRemovedPixels(Progress& progress) const {

@@ -2,7 +2,6 @@
 
 #include "component/storage/Schema.h"
 #include "component/storage/Verification.h"
-#include "component/storage/files/FileReplacement.h"
 
 #include <optional>
 
@@ -62,73 +61,6 @@ std::int64_t NewFileWork(const LibraryState& state) {
     return work;
 }
 
-/// The new file while it is built under its temporary name.
-struct Filling {
-    Filling(const std::shared_ptr<FileSystem>& files, const std::filesystem::path& target)
-        : replacement(files, target) {}
-
-    FileReplacement replacement;
-    std::shared_ptr<Container> container;
-    std::unique_ptr<Transaction> transaction;
-};
-
-/// Fills the temporary and closes it again; gives the header that it has now.
-FileHeader Fill(Filling& filling, const NewFileRequest& request, LibraryWriterResult& result,
-                const LibraryState& state, NumberSource& numbers, Progress& progress) {
-    auto database = std::make_unique<Database>(filling.replacement.Temporary(), Database::Mode::Fill,
-                                               request.target.string());
-    CreateLibrarySchema(*database);
-    filling.container = std::make_shared<Container>(std::move(database), request.envelope);
-    LibraryWriter writer(filling.container, {}, state, numbers);
-    FileHeader header;
-    header.generation = request.generation;
-    filling.transaction = std::make_unique<Transaction>(filling.container->GetDatabase());
-    writer.Write(header, progress);
-    filling.transaction->Commit();
-    result = writer.TakeResult();
-    filling.transaction.reset();
-    filling.container.reset();
-    return header;
-}
-
-/// A cancelled file loses its name now; to undo and free what was written takes longer.
-void DiscardCancelled(std::shared_ptr<Filling> filling, const NewFileRequest& request) {
-    filling->replacement.GiveUp();
-    request.discard(std::move(filling));
-}
-
-/// Blobs are copied as they are stored, and the rot in a sealed one shows only when it is opened: then it is
-/// not the new file that could not be written.
-void RequireSoundSource(const LibraryState& state, Progress& progress) {
-    VerifyTiles(state, Depth::Stored, progress, [](const std::string&, const std::string& reason) {
-        throw ComponentError(ErrorNumber::FileDamaged, reason);
-    });
-}
-
-/// Reads the new file back before anything is given up for it: what a full or failing disk swallowed without
-/// a word shows here.
-void ReadBack(const FileReplacement& replacement, const NewFileRequest& request, const LibraryState& state,
-              Progress& progress) {
-    const auto differs = [&](const std::string& reason) {
-        RequireSoundSource(state, progress);
-        throw ComponentError(ErrorNumber::FileNotWritable,
-                             "The file '" + request.target.string() +
-                                 "' could not be written: it does not read back as it was written (" +
-                                 reason + ").");
-    };
-    try {
-        const auto written =
-            LibraryFile::Open(replacement.Temporary(), request.envelope, request.target.string());
-        VerifyTiles(written->ReadState(), Depth::Stored, progress,
-                    [&](const std::string& object, const std::string&) { differs(object); });
-    } catch (const ComponentError& error) {
-        // The damage is that of the temporary, not of the file that stands at the target.
-        if (error.Number() == ErrorNumber::FileDamaged || error.Number() == ErrorNumber::NotALibrary)
-            differs("its structure");
-        throw;
-    }
-}
-
 /// To be called under the file's write lock, before anything is written: SQLite has rolled back what had to
 /// be rolled back by then, and leaves a journal that was never completed lying there.
 void RemoveColdJournal(FileSystem& files, const std::filesystem::path& file) {
@@ -137,49 +69,97 @@ void RemoveColdJournal(FileSystem& files, const std::filesystem::path& file) {
 
 } // namespace
 
-std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& files,
-                                           const NewFileRequest& request, const LibraryState& state,
-                                           NumberSource& numbers, Progress& progress) {
-    progress.Expect(NewFileWork(state));
-    std::unique_ptr<Transaction> held;
-    if (request.replaced != nullptr) {
-        if (request.begun == nullptr || !*request.begun)
-            held = std::make_unique<Transaction>(request.replaced->GetDatabase());
-        else if (!(*request.begun)->HasWritten())
-            held = std::move(*request.begun);
-        request.replaced->RequireUnchanged();
-    }
-    auto filling = std::make_shared<Filling>(files, request.target);
-    FileReplacement& replacement = filling->replacement;
-    LibraryWriterResult result;
-    FileHeader header;
+/// The new file under its temporary name.
+struct NewFileSave::Building {
+    Building(const std::shared_ptr<FileSystem>& files, const std::filesystem::path& target)
+        : replacement(files, target) {}
+
+    FileReplacement replacement;
+    std::shared_ptr<Container> container;     ///< until it is filled
+    std::unique_ptr<Transaction> transaction; ///< likewise
+};
+
+NewFileSave::NewFileSave(std::shared_ptr<FileSystem> files, Plan plan, const LibraryState& state,
+                         NumberSource& numbers, Progress& progress)
+    : files_(std::move(files)), plan_(std::move(plan)), state_(state), numbers_(numbers),
+      progress_(progress) {
+    header_.generation = plan_.generation;
+}
+
+NewFileSave::~NewFileSave() = default;
+
+void NewFileSave::Begin() {
+    progress_.Expect(NewFileWork(state_));
+    building_ = std::make_shared<Building>(files_, plan_.target);
+    auto database = std::make_unique<Database>(building_->replacement.Temporary(), Database::Mode::Fill,
+                                               plan_.target.string());
+    CreateLibrarySchema(*database);
+    building_->container = std::make_shared<Container>(std::move(database), plan_.envelope);
+}
+
+void NewFileSave::Fill() {
+    LibraryWriter writer(building_->container, {}, state_, numbers_);
+    building_->transaction = std::make_unique<Transaction>(building_->container->GetDatabase());
+    writer.Write(header_, progress_);
+    building_->transaction->Commit();
+    written_ = writer.TakeResult();
+    building_->transaction.reset();
+    building_->container.reset();
+    building_->replacement.Sync();
+}
+
+void NewFileSave::Check() {
     try {
-        header = Fill(*filling, request, result, state, numbers, progress);
-        replacement.Sync();
-        ReadBack(replacement, request, state, progress);
-        progress.ThrowIfCancelled();
+        ReadBack();
     } catch (const ComponentError& error) {
-        if (error.Number() == ErrorNumber::Cancelled)
-            DiscardCancelled(std::move(filling), request);
+        // The damage is that of the temporary, not of the file that stands at the target.
+        if (error.Number() == ErrorNumber::FileDamaged || error.Number() == ErrorNumber::NotALibrary)
+            Differs("its structure");
         throw;
     }
-    if (request.replaced != nullptr && !held) {
-        // All of it stands in the new file. Its journal must go first: it would be rolled into that one.
-        request.begun->reset();
-        held = std::make_unique<Transaction>(request.replaced->GetDatabase());
-        request.replaced->RequireUnchanged();
-    }
-    if (held)
-        RemoveColdJournal(*files, request.target);
-    replacement.TakePlace(
-        request.replaced == nullptr ? FileReplacement::Former::Kept : FileReplacement::Former::Ours,
-        [&] { return request.known != nullptr && request.known->StillHolds(request.target); });
-    held.reset();
-    request.placed();
-    auto file = LibraryFile::Open(request.target, request.envelope, request.target.string());
-    if (!file->Holds(header))
+    progress_.ThrowIfCancelled();
+}
+
+void NewFileSave::ReadBack() {
+    const auto written =
+        LibraryFile::Open(building_->replacement.Temporary(), plan_.envelope, plan_.target.string());
+    VerifyTiles(written->ReadState(), Depth::Stored, progress_,
+                [this](const std::string& object, const std::string&) { Differs(object); });
+}
+
+void NewFileSave::Differs(const std::string& reason) {
+    RequireSoundSource();
+    throw ComponentError(ErrorNumber::FileNotWritable,
+                         "The file '" + plan_.target.string() +
+                             "' could not be written: it does not read back as it was written (" + reason +
+                             ").");
+}
+
+/// Blobs are copied as they are stored, and the rot in a sealed one shows only when it is opened: then it is
+/// not the new file that could not be written.
+void NewFileSave::RequireSoundSource() {
+    VerifyTiles(state_, Depth::Stored, progress_, [](const std::string&, const std::string& reason) {
+        throw ComponentError(ErrorNumber::FileDamaged, reason);
+    });
+}
+
+void NewFileSave::Place(FileReplacement::Former former, const KnownFiles& known) {
+    if (former == FileReplacement::Former::Ours)
+        RemoveColdJournal(*files_, plan_.target);
+    building_->replacement.TakePlace(former, [&] { return known.StillHolds(plan_.target); });
+}
+
+std::unique_ptr<LibraryFile> NewFileSave::Open() {
+    auto file = LibraryFile::Open(plan_.target, plan_.envelope, plan_.target.string());
+    if (!file->Holds(header_))
         file->RequireUnchanged();
     file->ReadState();
-    result.Apply(file->Tiles());
+    written_.Apply(file->Tiles());
     return file;
+}
+
+std::shared_ptr<void> NewFileSave::GiveUp() {
+    if (building_)
+        building_->replacement.GiveUp();
+    return std::move(building_);
 }

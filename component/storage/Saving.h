@@ -3,9 +3,7 @@
 #include "component/storage/KnownFiles.h"
 #include "component/storage/LibraryFile.h"
 #include "component/storage/LibraryWriter.h"
-#include "component/storage/files/FileSystem.h"
-
-#include <functional>
+#include "component/storage/files/FileReplacement.h"
 
 /// Writes the state into the open file in one transaction: it costs what changed. `begun` is a transaction on
 /// the file that has been begun already (it is committed too), or nothing. Throws FileChanged when another
@@ -18,28 +16,54 @@ std::int64_t SaveInPlace(LibraryFile& file, const LibraryState& state, NumberSou
 /// Whether more than a quarter of the file's pages are free.
 bool IsMostlyFree(LibraryFile& file);
 
-/// What a new file is made of.
-struct NewFileRequest {
-    std::filesystem::path target;
-    std::shared_ptr<const Envelope> envelope;
-    /// The open file when it is the one that is replaced: its write lock is held until the new one is in
-    /// place, and it must be unchanged. Nothing: a file that stands at the target is kept as a .bak,
-    /// unless it is one of `known`.
-    LibraryFile* replaced = nullptr;
-    const KnownFiles* known = nullptr;
-    /// A transaction on `replaced` with unsaved work; it ends when the new file takes the file's place.
-    /// Nothing: there is none.
-    std::unique_ptr<Transaction>* begun = nullptr;
-    std::int64_t generation = 0;
-    /// Called once the new file stands at the target, before it is opened there. Must not throw.
-    std::function<void()> placed = [] {};
-    /// Takes what a cancelled save has written: a file without a name, perhaps large. Must not throw.
-    std::function<void(std::shared_ptr<void>)> discard = [](const std::shared_ptr<void>&) {};
-};
+/// A save to a new file, which is built beside its target and then takes its place. The steps are called in
+/// their order; a failure of any before Place, or of that one, leaves the target as it was.
+class NewFileSave {
+public:
+    /// What the new file is.
+    struct Plan {
+        std::filesystem::path target;
+        std::shared_ptr<const Envelope> envelope;
+        std::int64_t generation = 0;
+    };
 
-/// Builds the file beside its target, makes it durable, reads it back and puts it in place; then the state's
-/// maps and icons lie in it. Gives the new file, open. A failure before `placed` leaves the target as it was.
-/// To make the new name durable (SyncFolderOf) is left to the caller, once he has taken the new file over.
-std::unique_ptr<LibraryFile> SaveAsNewFile(const std::shared_ptr<FileSystem>& files,
-                                           const NewFileRequest& request, const LibraryState& state,
-                                           NumberSource& numbers, Progress& progress);
+    /// What is passed by reference must outlive the save.
+    NewFileSave(std::shared_ptr<FileSystem> files, Plan plan, const LibraryState& state,
+                NumberSource& numbers, Progress& progress);
+    ~NewFileSave();
+    NewFileSave(const NewFileSave&) = delete;
+    NewFileSave& operator=(const NewFileSave&) = delete;
+
+    /// Makes the new file under a temporary name, an empty library.
+    void Begin();
+    /// Writes the state into it and makes it durable.
+    void Fill();
+    /// Reads it back before anything is given up for it: what a full or failing disk swallowed without a word
+    /// shows here.
+    void Check();
+    /// Puts it in the target's place: of a file whose write lock the caller holds (Ours), or of any file,
+    /// which is kept as a .bak unless it is one of the known ones. To make the name durable (SyncFolderOf) is
+    /// left to the caller, once he has taken the new file over.
+    void Place(FileReplacement::Former former, const KnownFiles& known);
+    /// Opens it there; now the state's maps and icons lie in it.
+    std::unique_ptr<LibraryFile> Open();
+
+    /// Instead of the steps that are left: the file loses its name now. To undo and free what was written
+    /// takes longer, as long as what is given here lives.
+    std::shared_ptr<void> GiveUp();
+
+private:
+    struct Building;
+    void ReadBack();
+    [[noreturn]] void Differs(const std::string& reason);
+    void RequireSoundSource();
+
+    std::shared_ptr<FileSystem> files_;
+    Plan plan_;
+    const LibraryState& state_;
+    NumberSource& numbers_;
+    Progress& progress_;
+    FileHeader header_;
+    LibraryWriterResult written_;
+    std::shared_ptr<Building> building_;
+};

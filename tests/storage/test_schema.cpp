@@ -16,12 +16,13 @@ class OpeningLibraries : public testing::Test {
 protected:
     OpeningLibraries() {
         Progress progress;
-        NewFileRequest request;
-        request.target = file_;
-        request.envelope = Envelope::Plain();
-        request.placed = [] {};
         NumberSource numbers;
-        SaveAsNewFile(SystemFiles(), request, {}, numbers, progress);
+        const LibraryState nothing;
+        NewFileSave save(SystemFiles(), {file_, Envelope::Plain(), 0}, nothing, numbers, progress);
+        save.Begin();
+        save.Fill();
+        save.Check();
+        save.Place(FileReplacement::Former::Kept, {});
         whole_ = ReadWholeFile(file_);
     }
 
