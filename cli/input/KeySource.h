@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/input/SecretText.h"
+#include "base/Secret.h"
 
 #include <optional>
 #include <string>

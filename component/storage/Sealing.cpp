@@ -17,12 +17,6 @@ namespace {
 
 constexpr char SubkeyContext[] = "Atlavex1";
 
-/// libsodium must be initialised before its first use; the call is idempotent and safe from any thread.
-void NeedSodium() {
-    if (sodium_init() < 0)
-        throw ComponentError(ErrorNumber::Failed, "The encryption library could not be started.");
-}
-
 /// A core dump would carry the keys to the disk, and a debugger of the same user read them.
 void ForbidCoreDumps() {
 #ifdef __linux__
@@ -34,22 +28,11 @@ void ForbidCoreDumps() {
 
 } // namespace
 
-void Secret::Wiper::operator()(std::uint8_t* bytes) const {
-    sodium_free(bytes);
-}
-
-Secret::Secret(std::size_t size) : size_(size) {
-    NeedSodium();
-    bytes_.reset(static_cast<std::uint8_t*>(sodium_malloc(size)));
-    if (!bytes_)
-        throw std::bad_alloc();
-}
-
 bool KeyCost::IsAcceptable() const {
     return operations >= 1 && operations <= 4 && memoryKiB >= 8U * 1024 && memoryKiB <= 512U * 1024;
 }
 
-std::string NormalizedKey(const std::string& key) {
+SecretText NormalizedKey(const std::string& key) {
     if (!key.empty())
         ForbidCoreDumps();
     constexpr auto options = static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8PROC_COMPOSE);
@@ -57,32 +40,25 @@ std::string NormalizedKey(const std::string& key) {
     const auto size = static_cast<utf8proc_ssize_t>(key.size());
     const utf8proc_ssize_t most = utf8proc_decompose(bytes, size, nullptr, 0, options);
     if (most < 0)
-        return key;
+        return SecretText(key);
     // A buffer of our own: the library's would be made shorter, and its end given back as it is.
     std::vector<utf8proc_int32_t> letters(static_cast<std::size_t>(most) + 1);
     utf8proc_decompose(bytes, size, letters.data(), most, options);
     const utf8proc_ssize_t length = utf8proc_reencode(letters.data(), most, options);
-    std::string text;
-    if (length >= 0)
-        text.assign(reinterpret_cast<const char*>(letters.data()), static_cast<std::size_t>(length));
+    const auto* composed = reinterpret_cast<const char*>(letters.data());
+    SecretText text =
+        length < 0 ? SecretText(key) : SecretText(std::string(composed, static_cast<std::size_t>(length)));
     sodium_memzero(letters.data(), letters.size() * sizeof(letters.front()));
-    if (length < 0)
-        return key;
     return text;
-}
-
-void WipeText(std::string& text) {
-    sodium_memzero(text.data(), text.size());
 }
 
 DerivedKeys DeriveKeys(const std::string& key, const Salt& salt, const KeyCost& cost) {
     static_assert(std::tuple_size_v<Salt> == crypto_pwhash_SALTBYTES);
     Secret both(64);
-    std::string normalized = NormalizedKey(key);
-    const int failed =
-        crypto_pwhash(both.Data(), both.Size(), normalized.data(), normalized.size(), salt.data(),
-                      cost.operations, std::size_t{cost.memoryKiB} * 1024, crypto_pwhash_ALG_ARGON2ID13);
-    WipeText(normalized);
+    const SecretText normalized = NormalizedKey(key);
+    const int failed = crypto_pwhash(both.Data(), both.Size(), normalized.Text().data(),
+                                     normalized.Text().size(), salt.data(), cost.operations,
+                                     std::size_t{cost.memoryKiB} * 1024, crypto_pwhash_ALG_ARGON2ID13);
     if (failed != 0)
         throw ComponentError(ErrorNumber::OutOfMemory,
                              "There is not enough memory to check the encryption key.");
@@ -161,8 +137,5 @@ bool RememberedKey::Is(const std::string& key) const {
 }
 
 HeaderMac RememberedKey::Trace(const std::string& key) const {
-    std::string normalized = NormalizedKey(key);
-    const HeaderMac trace = KeyedHash(AsBytes(normalized), secret_);
-    WipeText(normalized);
-    return trace;
+    return KeyedHash(AsBytes(NormalizedKey(key).Text()), secret_);
 }

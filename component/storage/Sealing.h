@@ -1,29 +1,10 @@
 #pragma once
 
+#include "base/Secret.h"
 #include "component/storage/Digest.h"
 
 #include <cstdint>
-#include <memory>
 #include <string>
-
-/// Bytes that must not reach a swap file or a core dump, wiped when they go.
-class Secret {
-public:
-    explicit Secret(std::size_t size);
-    Secret(Secret&&) noexcept = default;
-    Secret& operator=(Secret&&) noexcept = default;
-
-    std::uint8_t* Data() { return bytes_.get(); }
-    const std::uint8_t* Data() const { return bytes_.get(); }
-    std::size_t Size() const { return size_; }
-
-private:
-    struct Wiper {
-        void operator()(std::uint8_t* bytes) const;
-    };
-    std::unique_ptr<std::uint8_t, Wiper> bytes_;
-    std::size_t size_;
-};
 
 /// Cost of turning a key text into keys: Argon2id13 passes and memory.
 struct KeyCost {
@@ -44,11 +25,8 @@ using WrappedKey = std::array<std::uint8_t, 72>;
 inline constexpr std::size_t SealOverhead = 40;
 
 /// The key text as it enters the derivation: Unicode NFC in UTF-8, nothing trimmed or folded. Bytes that are
-/// no UTF-8 stay as they are. The caller wipes it. From the first key on this process leaves no core dump.
-std::string NormalizedKey(const std::string& key);
-
-/// Overwrites a text's bytes.
-void WipeText(std::string& text);
+/// no UTF-8 stay as they are. From the first key on this process leaves no core dump.
+SecretText NormalizedKey(const std::string& key);
 
 /// The two keys that a key text gives: one wraps the data key, one authenticates the header.
 struct DerivedKeys {

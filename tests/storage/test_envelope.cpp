@@ -203,15 +203,16 @@ TEST(Envelope, OfAPlainFileStoresAsItIsAndChecksDigests) {
 }
 
 TEST(Sealing, NormalisesKeysToComposedForm) {
-    EXPECT_EQ(NormalizedKey("A\u030a"), "\u00c5");
-    EXPECT_EQ(NormalizedKey("\u212b"), "\u00c5");
-    EXPECT_EQ(NormalizedKey("e\u0302\u0323"), "\u1ec7");
-    EXPECT_EQ(NormalizedKey("\u1112\u1161\u11ab"), "\ud55c");
-    EXPECT_EQ(NormalizedKey("\ufb01 \u2460 \uff21"), "\ufb01 \u2460 \uff21") << "no compatibility forms";
-    EXPECT_EQ(NormalizedKey("  Aa\t\n"), "  Aa\t\n") << "nothing trimmed or folded";
-    EXPECT_EQ(NormalizedKey(std::string("a\0b", 3)), std::string("a\0b", 3));
-    EXPECT_EQ(NormalizedKey("\xff\x80 no utf8"), "\xff\x80 no utf8");
-    EXPECT_EQ(NormalizedKey(""), "");
+    EXPECT_EQ(NormalizedKey("A\u030a").Text(), "\u00c5");
+    EXPECT_EQ(NormalizedKey("\u212b").Text(), "\u00c5");
+    EXPECT_EQ(NormalizedKey("e\u0302\u0323").Text(), "\u1ec7");
+    EXPECT_EQ(NormalizedKey("\u1112\u1161\u11ab").Text(), "\ud55c");
+    EXPECT_EQ(NormalizedKey("\ufb01 \u2460 \uff21").Text(), "\ufb01 \u2460 \uff21")
+        << "no compatibility forms";
+    EXPECT_EQ(NormalizedKey("  Aa\t\n").Text(), "  Aa\t\n") << "nothing trimmed or folded";
+    EXPECT_EQ(NormalizedKey(std::string("a\0b", 3)).Text(), std::string("a\0b", 3));
+    EXPECT_EQ(NormalizedKey("\xff\x80 no utf8").Text(), "\xff\x80 no utf8");
+    EXPECT_EQ(NormalizedKey("").Text(), "");
 }
 
 TEST(Sealing, AcceptsCostsWithinTheLimits) {

@@ -1,6 +1,10 @@
-#include "cli/input/SecretText.h"
+#include "base/Secret.h"
+
+#include "base/ComponentError.h"
 
 #include <sodium.h>
+
+#include <new>
 
 namespace {
 
@@ -12,6 +16,19 @@ void Wipe(std::string& text) {
 }
 
 } // namespace
+
+void Secret::Wiper::operator()(std::uint8_t* bytes) const {
+    sodium_free(bytes);
+}
+
+Secret::Secret(std::size_t size) : size_(size) {
+    // Safe to call again and from several threads.
+    if (sodium_init() < 0)
+        throw ComponentError(ErrorNumber::Failed, "The encryption library could not be started.");
+    bytes_.reset(static_cast<std::uint8_t*>(sodium_malloc(size)));
+    if (!bytes_)
+        throw std::bad_alloc();
+}
 
 SecretText::SecretText(std::string text) {
     text_.swap(text);
