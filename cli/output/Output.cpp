@@ -1,11 +1,13 @@
 #include "cli/output/Output.h"
 
 #include "base/NumberText.h"
+#include "base/Utf8.h"
 #include "cli/output/ExitStatus.h"
 #include "cli/output/Interrupt.h"
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
@@ -19,8 +21,8 @@ namespace {
 [[noreturn]] void FailOutput() {
     const int reason = errno;
     ThrowIfInterrupted();
-    throw CommandFailure(ExitStatus::Failed, std::string("The standard output cannot be written: ") +
-                                                 std::strerror(reason) + ".");
+    throw CommandFailure(ExitStatus::Failed,
+                         "The standard output cannot be written: " + std::strerror(reason) + ".");
 }
 
 /// The start of an escape with the value's last hexadecimal digits.
@@ -31,52 +33,28 @@ std::string Escape(std::string_view start, std::uint32_t value, std::uint32_t di
     return text;
 }
 
-/// The three-byte UTF-8 character at the start of the text, or 0.
-std::uint32_t ThreeByteCharacter(std::string_view text) {
-    if (text.size() < 3 || (text[0] & 0xF0) != 0xE0)
-        return 0;
-    const auto part = [text](std::size_t at) { return static_cast<std::uint32_t>(text[at]) & 0x3F; };
-    return ((static_cast<std::uint32_t>(text[0]) & 0x0F) << 12) | (part(1) << 6) | part(2);
-}
-
 /// Marks, overrides and isolates of writing direction, and line and paragraph separator: they can make a
 /// line read otherwise than it is.
-bool TurnsDirection(std::uint32_t character) {
-    return character == 0x200E || character == 0x200F || (character >= 0x2028 && character <= 0x202E) ||
-           (character >= 0x2066 && character <= 0x2069);
+bool TurnsDirection(char32_t character) {
+    return character == 0x061C || character == 0x200E || character == 0x200F ||
+           (character >= 0x2028 && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069);
 }
 
-/// True for a control character of the second kind (U+0080 to U+009F), two bytes in UTF-8.
-bool IsHighControl(std::string_view text) {
-    return text.size() >= 2 && text[0] == '\xC2' && static_cast<unsigned char>(text[1]) >= 0x80 &&
-           static_cast<unsigned char>(text[1]) <= 0x9F;
+bool IsControl(char32_t character) {
+    return character < 0x20 || (character >= 0x7F && character <= 0x9F);
 }
 
-/// Appends the escape of what stands at the start of the text; answers how many bytes it stands for, 0 when
-/// nothing needs an escape.
-std::size_t AppendEscape(std::string& shown, std::string_view text) {
-    const auto byte = static_cast<unsigned char>(text[0]);
-    if (byte == '\n' || byte == '\r' || byte == '\t') {
-        shown += byte == '\n' ? "\\n" : byte == '\r' ? "\\r" : "\\t";
-        return 1;
+std::string EscapeOf(char32_t character) {
+    switch (character) {
+    case '\n':
+        return "\\n";
+    case '\r':
+        return "\\r";
+    case '\t':
+        return "\\t";
+    default:
+        return IsControl(character) ? Escape("\\x", character, 2) : Escape("\\u", character, 4);
     }
-    if (byte < 0x20 || byte == 0x7F) {
-        shown += Escape("\\x", byte, 2);
-        return 1;
-    }
-    if (IsHighControl(text)) {
-        shown += Escape("\\x", static_cast<unsigned char>(text[1]), 2);
-        return 2;
-    }
-    if (const std::uint32_t character = ThreeByteCharacter(text); TurnsDirection(character)) {
-        shown += Escape("\\u", character, 4);
-        return 3;
-    }
-    if (text.substr(0, 2) == "\xD8\x9C") { // U+061C, the only one of them with two bytes
-        shown += "\\u061c";
-        return 2;
-    }
-    return 0;
 }
 
 } // namespace
@@ -109,10 +87,13 @@ void PrintMessage(std::string_view sentence) {
 std::string Printable(std::string_view text) {
     std::string shown;
     while (!text.empty()) {
-        const std::size_t escaped = AppendEscape(shown, text);
-        if (escaped == 0)
-            shown += text.front();
-        text.remove_prefix(escaped == 0 ? 1 : escaped);
+        const Utf8Character first = FirstCharacter(text);
+        const std::size_t length = std::max(first.length, std::size_t{1});
+        if (first.length > 0 && (IsControl(first.code) || TurnsDirection(first.code)))
+            shown += EscapeOf(first.code);
+        else
+            shown += text.substr(0, length);
+        text.remove_prefix(length);
     }
     return shown;
 }
