@@ -10,7 +10,7 @@
 #include "app/TextLines.h"
 #include "app/WizardCommands.h"
 #include "app/modResize.h"
-#include "base/ErrorSentence.h"
+#include "base/StandardErrors.h"
 #include "dialogs/frmPreferences.h"
 #include "platform/modMessages.h"
 #include "ui_frmMain.h"

@@ -2,10 +2,15 @@
 
 #include "base/ComponentError.h"
 
+#include <exception>
 #include <new>
-#include <stdexcept>
+#include <string>
 
-// A lack of memory as the engine tells it.
+// How failures of the standard library and of the operating system are told.
+
+/// What the user is told of any failure: the sentence of a ComponentError, one about memory where there was
+/// not enough, and what the exception says of itself for all others.
+std::string SentenceOf(const std::exception& error);
 
 /// The failure that the memory asked for was not to be had.
 ComponentError LackOfMemory();
@@ -21,3 +26,12 @@ decltype(auto) TellingLackOfMemory(const Work& work) {
         throw LackOfMemory();
     }
 }
+
+/// The operating system's own words for one of its error numbers (errno), without a full stop.
+std::string SystemReason(int systemError);
+
+/// Whether such a number says that there is no space: the disk is full, or a quota or size limit is reached.
+bool MeansDiskFull(int systemError);
+
+/// What a write that failed with this number is told as: DiskFull or FileNotWritable.
+ErrorNumber WriteErrorNumber(int systemError);

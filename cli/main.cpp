@@ -1,4 +1,4 @@
-#include "base/ErrorSentence.h"
+#include "base/StandardErrors.h"
 #include "cli/commands/CommandSet.h"
 #include "cli/output/Interrupt.h"
 #include "cli/output/Output.h"

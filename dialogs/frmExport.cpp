@@ -1,6 +1,6 @@
 #include "dialogs/frmExport.h"
 
-#include "base/ErrorSentence.h"
+#include "base/StandardErrors.h"
 #include "component/AtlavexMap.h"
 #include "dialogs/ExportNames.h"
 #include "platform/modBrowseFolder.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/ErrorSentence.h"
+#include "base/StandardErrors.h"
 #include "platform/modMessages.h"
 
 // What both wizards say.

@@ -1,6 +1,7 @@
 #include "cli/input/KeySource.h"
 
 #include "base/FileDescriptor.h"
+#include "base/StandardErrors.h"
 #include "cli/input/KeyPrompt.h"
 #include "cli/output/ExitStatus.h"
 #include "cli/output/Interrupt.h"
@@ -11,7 +12,6 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 
 namespace {
@@ -35,14 +35,14 @@ SecretText WithoutLineEnd(std::string text) {
 SecretText ReadKeyFile(const std::string& file) {
     const FileDescriptor source(open(file.c_str(), O_RDONLY | O_CLOEXEC));
     if (!source.IsOpen())
-        FailKeyFile(file, std::strerror(errno));
+        FailKeyFile(file, SystemReason(errno));
     std::string text(LongestKey + 1, '\0'); // whole from the start, so that no growth leaves copies behind
     std::size_t length = 0;
     while (length < text.size()) {
         WaitForInput(source.Number());
         const ssize_t got = read(source.Number(), text.data() + length, text.size() - length);
         if (got < 0)
-            FailKeyFile(file, std::strerror(errno));
+            FailKeyFile(file, SystemReason(errno));
         if (got == 0)
             break;
         length += static_cast<std::size_t>(got);

@@ -1,5 +1,6 @@
 #include "cli/input/LineReader.h"
 
+#include "base/StandardErrors.h"
 #include "cli/output/ExitStatus.h"
 #include "cli/output/Interrupt.h"
 
@@ -7,7 +8,6 @@
 
 #include <array>
 #include <cerrno>
-#include <cstring>
 
 namespace {
 
@@ -47,7 +47,7 @@ void LineReader::ReadMore() {
     const ssize_t got = read(STDIN_FILENO, block.data(), block.size());
     if (got < 0 && errno != EINTR && errno != EAGAIN)
         throw CommandFailure(ExitStatus::Failed,
-                             std::string("The standard input cannot be read: ") + std::strerror(errno) + ".");
+                             "The standard input cannot be read: " + SystemReason(errno) + ".");
     if (got > 0)
         buffer_.append(block.data(), static_cast<std::size_t>(got));
     atEnd_ = got == 0;

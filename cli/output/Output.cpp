@@ -1,6 +1,7 @@
 #include "cli/output/Output.h"
 
 #include "base/NumberText.h"
+#include "base/StandardErrors.h"
 #include "base/Utf8.h"
 #include "cli/output/ExitStatus.h"
 #include "cli/output/Interrupt.h"
@@ -14,7 +15,6 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 
 namespace {
 
@@ -22,7 +22,7 @@ namespace {
     const int reason = errno;
     ThrowIfInterrupted();
     throw CommandFailure(ExitStatus::Failed,
-                         "The standard output cannot be written: " + std::strerror(reason) + ".");
+                         "The standard output cannot be written: " + SystemReason(reason) + ".");
 }
 
 /// The start of an escape with the value's last hexadecimal digits.

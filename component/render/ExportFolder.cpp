@@ -1,13 +1,13 @@
 #include "component/render/ExportFolder.h"
 
 #include "base/ComponentError.h"
+#include "base/StandardErrors.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <system_error>
 
 // The only place of this folder that speaks to the operating system.
 
@@ -28,14 +28,6 @@ bool WriteAll(int descriptor, std::span<const std::uint8_t> bytes) {
         bytes = bytes.subspan(static_cast<std::size_t>(written));
     }
     return true;
-}
-
-std::string Reason(int error) {
-    return std::generic_category().message(error);
-}
-
-bool IsFull(int error) {
-    return error == ENOSPC || error == EDQUOT || error == EFBIG;
 }
 
 /// What keeps a folder from being made that is not there: a disk that is full or may not be written to is why
@@ -60,8 +52,8 @@ ExportFolder::ExportFolder(const std::filesystem::path& path)
     if (folder_.IsOpen())
         return;
     const int error = errno == ENOENT ? WhyMissing(path) : errno;
-    throw ComponentError(IsFull(error) ? ErrorNumber::DiskFull : ErrorNumber::FileNotWritable,
-                         "The folder \"" + path.string() + "\" cannot be used: " + Reason(error) + ".");
+    throw ComponentError(WriteErrorNumber(error),
+                         "The folder \"" + path.string() + "\" cannot be used: " + SystemReason(error) + ".");
 }
 
 void ExportFolder::MakeFolder(const std::string& name) const {
@@ -123,7 +115,7 @@ std::optional<std::string> ExportFolder::Read(const std::string& name, std::size
         count = read(file.Number(), text.data() + size, text.size() - size);
         if (count < 0 && errno != EINTR)
             throw ComponentError(ErrorNumber::FileNotReadable,
-                                 "\"" + path + "\" cannot be read: " + Reason(errno) + ".");
+                                 "\"" + path + "\" cannot be read: " + SystemReason(errno) + ".");
         size += count > 0 ? static_cast<std::size_t>(count) : 0;
     }
     if (size > largest)
@@ -134,9 +126,9 @@ std::optional<std::string> ExportFolder::Read(const std::string& name, std::size
 
 void ExportFolder::ThrowNotWritable(const std::string& name, int error) const {
     const std::string path = (path_ / name).string();
-    if (IsFull(error))
+    if (MeansDiskFull(error))
         throw ComponentError(ErrorNumber::DiskFull,
                              "\"" + path + "\" cannot be written: the disk is full or a limit is reached.");
-    throw ComponentError(ErrorNumber::FileNotWritable,
-                         "\"" + path + "\" cannot be written: " + Reason(error == 0 ? EIO : error) + ".");
+    throw ComponentError(ErrorNumber::FileNotWritable, "\"" + path + "\" cannot be written: " +
+                                                           SystemReason(error == 0 ? EIO : error) + ".");
 }

@@ -1,13 +1,13 @@
 #include "component/readers/common/ImageFile.h"
 
 #include "base/ComponentError.h"
+#include "base/StandardErrors.h"
 #include "component/readers/common/ImageError.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <system_error>
 #include <utility>
 
 namespace {
@@ -16,8 +16,7 @@ namespace {
     const ErrorNumber kind =
         number == ENOENT || number == ENOTDIR ? ErrorNumber::FileNotFound : ErrorNumber::FileNotReadable;
     ThrowImageError(kind, path,
-                    kind == ErrorNumber::FileNotFound ? "there is no such file"
-                                                      : std::generic_category().message(number));
+                    kind == ErrorNumber::FileNotFound ? "there is no such file" : SystemReason(number));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "base/Bytes.h"
 #include "base/ComponentError.h"
+#include "base/StandardErrors.h"
 
 #include <fcntl.h>
 #include <sodium.h>
@@ -16,10 +17,8 @@
 namespace {
 
 [[noreturn]] void ThrowWriteError(int number) {
-    const bool full = number == ENOSPC || number == EDQUOT || number == EFBIG;
-    throw ComponentError(full ? ErrorNumber::DiskFull : ErrorNumber::FileNotWritable,
-                         "The temporary file of an image could not be written: " +
-                             std::generic_category().message(number) + ".");
+    throw ComponentError(WriteErrorNumber(number), "The temporary file of an image could not be written: " +
+                                                       SystemReason(number) + ".");
 }
 
 /// So much is encrypted as one: a part of it that is not written reads as 0 all the same.
@@ -48,7 +47,7 @@ void ReadAt(int descriptor, std::int64_t offset, std::span<std::uint8_t> bytes) 
         if (read <= 0)
             throw ComponentError(ErrorNumber::FileNotReadable,
                                  "The temporary file of an image could not be read: " +
-                                     std::generic_category().message(read < 0 ? errno : EIO) + ".");
+                                     SystemReason(read < 0 ? errno : EIO) + ".");
         bytes = bytes.subspan(static_cast<std::size_t>(read));
         offset += read;
     }

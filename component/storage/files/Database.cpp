@@ -1,10 +1,10 @@
 #include "component/storage/files/Database.h"
 
+#include "base/StandardErrors.h"
+
 #include <fcntl.h>
 #include <sqlite3.h>
 
-#include <cerrno>
-#include <cstring>
 #include <string_view>
 #include <thread>
 
@@ -17,15 +17,11 @@ constexpr int BlinkMilliseconds = 100;
 constexpr std::chrono::milliseconds LookInterval(20);
 constexpr std::int64_t HeapLimit = std::int64_t{256} << 20;
 
-bool IsFullDisk(int systemError) {
-    return systemError == ENOSPC || systemError == EFBIG || systemError == EDQUOT;
-}
-
 ComponentError IoError(const std::string& name, int extended, int systemError) {
-    if (IsFullDisk(systemError))
+    if (MeansDiskFull(systemError))
         return {ErrorNumber::DiskFull, "There is no space left to write '" + name + "'."};
     const bool reading = extended == SQLITE_IOERR_READ || extended == SQLITE_IOERR_SHORT_READ;
-    const std::string reason = systemError != 0 ? std::strerror(systemError) : "an input/output error";
+    const std::string reason = systemError != 0 ? SystemReason(systemError) : "an input/output error";
     if (reading)
         return {ErrorNumber::FileNotReadable, "The file '" + name + "' could not be read: " + reason + "."};
     return {ErrorNumber::FileNotWritable, "The file '" + name + "' could not be written: " + reason + "."};
@@ -59,8 +55,7 @@ ComponentError ErrorOf(const std::string& name, int code, int systemError) {
     case SQLITE_CANTOPEN:
         return {ErrorNumber::FileNotReadable,
                 "The file '" + name + "' could not be opened" +
-                    (systemError != 0 ? std::string(": ") + std::strerror(systemError) : std::string()) +
-                    "."};
+                    (systemError != 0 ? ": " + SystemReason(systemError) : std::string()) + "."};
     case SQLITE_NOTADB:
         return {ErrorNumber::NotALibrary, "The file '" + name + "' is not a map library."};
     case SQLITE_CORRUPT:
@@ -236,7 +231,7 @@ void Database::Fail(int code) const {
     // own.
     int lastError = 0;
     sqlite3_file_control(Handle(), "main", SQLITE_FCNTL_LAST_ERRNO, &lastError);
-    if (code == SQLITE_IOERR_WRITE && IsFullDisk(lastError))
+    if (code == SQLITE_IOERR_WRITE && MeansDiskFull(lastError))
         systemError = lastError;
     // It is the journal that cannot be opened then.
     if ((code & 0xff) == SQLITE_CANTOPEN && sqlite3_txn_state(Handle(), "main") == SQLITE_TXN_WRITE)
