@@ -1,18 +1,15 @@
 #include "component/storage/files/FileReplacement.h"
 
-#include "base/Bytes.h"
 #include "base/ComponentError.h"
 #include "base/Paths.h"
+#include "base/TemporaryFile.h"
 #include "component/storage/files/WriteLock.h"
 
-#include <array>
 #include <optional>
 #include <utility>
 
 namespace {
 
-constexpr std::size_t RandomDigits = 16;
-constexpr std::string_view TemporaryEnding = ".tmp";
 /// Longest name that file systems take, in bytes, and what SQLite appends to it while it writes.
 constexpr std::size_t LongestName = 255;
 constexpr std::string_view JournalEnding = "-journal";
@@ -23,24 +20,12 @@ std::string TemporaryStart(const std::filesystem::path& target) {
     return "." + target.filename().string().substr(0, LongestNamePart) + ".";
 }
 
-std::string RandomText() {
-    std::array<std::uint8_t, RandomDigits / 2> random{};
-    FillRandom(random);
-    return HexText(random);
-}
-
 /// A file under a longer name could be put in place, but never be opened again.
 void RequireUsableName(const std::filesystem::path& target) {
     if (target.filename().string().size() > LongestName - JournalEnding.size())
         throw ComponentError(ErrorNumber::FileNotWritable,
                              "The file '" + target.string() +
                                  "' could not be written: its name is too long.");
-}
-
-bool IsTemporaryOf(const std::string& name, const std::string& start) {
-    return name.size() == start.size() + RandomDigits + TemporaryEnding.size() && name.starts_with(start) &&
-           name.ends_with(TemporaryEnding) &&
-           name.find_first_not_of("0123456789abcdef", start.size()) == start.size() + RandomDigits;
 }
 
 std::string NameOf(std::filesystem::file_type type) {
@@ -65,10 +50,8 @@ void RequireNoDevice(const std::filesystem::path& target) {
 } // namespace
 
 void SweepTemporaries(FileSystem& files, const std::filesystem::path& target) {
-    const std::string start = TemporaryStart(target);
-    for (const std::string& name : NamesIn(FolderOf(target)))
-        if (IsTemporaryOf(name, start))
-            files.RemoveIfAbandoned(FolderOf(target) / name);
+    for (const std::filesystem::path& file : TemporariesIn(FolderOf(target), TemporaryStart(target)))
+        files.RemoveIfAbandoned(file);
 }
 
 void SyncFolderOf(FileSystem& files, const std::filesystem::path& target) {
@@ -80,7 +63,7 @@ FileReplacement::FileReplacement(std::shared_ptr<FileSystem> files, std::filesys
     RequireUsableName(target_);
     RequireNoDevice(target_);
     SweepTemporaries(*files_, target_);
-    temporary_ = FolderOf(target_) / (TemporaryStart(target_) + RandomText() + std::string(TemporaryEnding));
+    temporary_ = FolderOf(target_) / TemporaryName(TemporaryStart(target_));
     NamingTarget([this] { locked_ = files_->CreateLocked(temporary_); });
 }
 

@@ -1,5 +1,7 @@
 #include "component/storage/files/FileRights.h"
 
+#include "base/TemporaryFile.h"
+
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -62,9 +64,7 @@ void TakeRights(int descriptor, const std::filesystem::path& other) {
     struct stat wanted {};
     struct stat given {};
     if (stat(other.c_str(), &wanted) != 0) {
-        const mode_t mask = umask(0);
-        umask(mask);
-        SetMode(descriptor, 0666 & ~mask);
+        SetMode(descriptor, UsualMode());
         return;
     }
     // The owner can be kept only by a privileged user, the group by its members.

@@ -1,26 +1,25 @@
 #include "component/storage/files/FileSystem.h"
 
 #include "base/ComponentError.h"
-#include "base/FileDescriptor.h"
+#include "base/StandardErrors.h"
+#include "base/TemporaryFile.h"
 #include "component/storage/files/FileRights.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 
 namespace {
 
 [[noreturn]] void Fail(const std::filesystem::path& file, int error) {
     const std::string name = file.string();
-    if (error == ENOSPC || error == EDQUOT || error == EFBIG)
+    if (MeansDiskFull(error))
         throw ComponentError(ErrorNumber::DiskFull, "There is no space left to write '" + name + "'.");
     throw ComponentError(ErrorNumber::FileNotWritable,
-                         "The file '" + name + "' could not be written: " + std::strerror(error) + ".");
+                         "The file '" + name + "' could not be written: " + SystemReason(error) + ".");
 }
 
 void Check(bool succeeded, const std::filesystem::path& file) {
@@ -28,39 +27,10 @@ void Check(bool succeeded, const std::filesystem::path& file) {
         Fail(file, errno);
 }
 
-/// Whether the path still names the file that is open.
-bool Names(const std::filesystem::path& path, const FileDescriptor& file) {
-    struct stat named {};
-    struct stat opened {};
-    return lstat(path.c_str(), &named) == 0 && fstat(file.Number(), &opened) == 0 &&
-           named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
-}
-
-/// Waits for a sweeper that came between: it holds the lock no longer than it takes to remove a name. The
-/// lock is one of the whole open file, unlike SQLite's: it stays when SQLite closes its own descriptor.
-bool Lock(const FileDescriptor& file) {
-    int result = 0;
-    do
-        result = flock(file.Number(), LOCK_EX);
-    while (result != 0 && errno == EINTR);
-    return result == 0;
-}
-
-/// A new file with its lock. No call of the system makes both at once, and a sweeper may take the file for an
-/// abandoned one in between and remove its name. Both decide under the lock and by the name: whoever holds
-/// the lock of a file that still has its name owns it, and a maker whose file lost its name makes another.
 FileDescriptor MakeLocked(const std::filesystem::path& path) {
-    for (;;) {
-        FileDescriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-        Check(file.IsOpen(), path);
-        if (!Lock(file)) {
-            const int error = errno;
-            unlink(path.c_str());
-            Fail(path, error);
-        }
-        if (Names(path, file))
-            return file;
-    }
+    FileDescriptor file = MakeLockedFile(path);
+    Check(file.IsOpen(), path);
+    return file;
 }
 
 class SystemLockedFile : public FileSystem::LockedFile {
@@ -147,14 +117,7 @@ public:
 
     void Remove(const std::filesystem::path& file) noexcept override { unlink(file.c_str()); }
 
-    void RemoveIfAbandoned(const std::filesystem::path& file) noexcept override {
-        const FileDescriptor descriptor(open(file.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-        // Between opening and locking, its maker may have put it in its place, or another have swept it; the
-        // name is then gone, or that of a file that was made since.
-        if (descriptor.IsOpen() && flock(descriptor.Number(), LOCK_EX | LOCK_NB) == 0 &&
-            Names(file, descriptor))
-            unlink(file.c_str());
-    }
+    void RemoveIfAbandoned(const std::filesystem::path& file) noexcept override { ::RemoveIfAbandoned(file); }
 
 private:
     /// What was copied last. Closed at once, it would drop the lock under which the file is replaced.
