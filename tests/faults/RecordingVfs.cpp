@@ -1,10 +1,8 @@
 #include "tests/faults/RecordingVfs.h"
 
-#include <sqlite3.h>
+#include "component/storage/files/ForwardedFile.h"
 
-#include <cstring>
 #include <mutex>
-#include <new>
 #include <stdexcept>
 
 namespace {
@@ -28,83 +26,44 @@ Recorder& TheRecorder() {
     return recorder;
 }
 
-/// SQLite allocates this together with the real file that follows it.
-struct File {
-    sqlite3_file base;
-    const char* name;
-    sqlite3_file* real;
+struct File : ForwardedFile {
+    const char* name = "";
 };
 
-File& Of(sqlite3_file* file) {
-    return *reinterpret_cast<File*>(file);
+const File& Of(sqlite3_file* file) {
+    return static_cast<File&>(ForwardedFile::Of(file));
 }
 
-int Close(sqlite3_file* file) {
-    return Of(file).real->pMethods->xClose(Of(file).real);
-}
-int Read(sqlite3_file* file, void* bytes, int count, sqlite3_int64 offset) {
-    return Of(file).real->pMethods->xRead(Of(file).real, bytes, count, offset);
-}
 int Write(sqlite3_file* file, const void* bytes, int count, sqlite3_int64 offset) {
     TheRecorder().Note({DiskEvent::Kind::Write, Of(file).name, offset,
                         std::string(static_cast<const char*>(bytes), static_cast<std::size_t>(count))});
     return Of(file).real->pMethods->xWrite(Of(file).real, bytes, count, offset);
 }
+
 int Truncate(sqlite3_file* file, sqlite3_int64 size) {
     TheRecorder().Note({DiskEvent::Kind::Truncate, Of(file).name, size});
     return Of(file).real->pMethods->xTruncate(Of(file).real, size);
 }
+
 int Sync(sqlite3_file* file, int flags) {
     TheRecorder().Note({DiskEvent::Kind::Sync, Of(file).name});
     return Of(file).real->pMethods->xSync(Of(file).real, flags);
 }
-int Size(sqlite3_file* file, sqlite3_int64* size) {
-    return Of(file).real->pMethods->xFileSize(Of(file).real, size);
-}
-int Lock(sqlite3_file* file, int lock) {
-    return Of(file).real->pMethods->xLock(Of(file).real, lock);
-}
-int Unlock(sqlite3_file* file, int lock) {
-    return Of(file).real->pMethods->xUnlock(Of(file).real, lock);
-}
-int CheckLock(sqlite3_file* file, int* held) {
-    return Of(file).real->pMethods->xCheckReservedLock(Of(file).real, held);
-}
-int Control(sqlite3_file* file, int code, void* argument) {
-    return Of(file).real->pMethods->xFileControl(Of(file).real, code, argument);
-}
-int SectorSize(sqlite3_file* file) {
-    return Of(file).real->pMethods->xSectorSize(Of(file).real);
-}
-int Characteristics(sqlite3_file* file) {
-    return Of(file).real->pMethods->xDeviceCharacteristics(Of(file).real);
-}
 
 const sqlite3_io_methods& Methods() {
     static const sqlite3_io_methods methods = [] {
-        sqlite3_io_methods filled{};
-        filled.iVersion = 1;
-        filled.xClose = Close;
-        filled.xRead = Read;
-        filled.xWrite = Write;
-        filled.xTruncate = Truncate;
-        filled.xSync = Sync;
-        filled.xFileSize = Size;
-        filled.xLock = Lock;
-        filled.xUnlock = Unlock;
-        filled.xCheckReservedLock = CheckLock;
-        filled.xFileControl = Control;
-        filled.xSectorSize = SectorSize;
-        filled.xDeviceCharacteristics = Characteristics;
-        return filled;
+        sqlite3_io_methods recording = ForwardingMethods();
+        recording.xWrite = Write;
+        recording.xTruncate = Truncate;
+        recording.xSync = Sync;
+        return recording;
     }();
     return methods;
 }
 
 int Open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* outFlags) {
-    File& own = *new (file) File{};
+    File& own = MakeForwarded<File>(file);
     own.name = name != nullptr ? name : "";
-    own.real = reinterpret_cast<sqlite3_file*>(&own + 1);
     const int code = TheRecorder().real->xOpen(TheRecorder().real, name, own.real, flags, outFlags);
     own.base.pMethods = own.real->pMethods != nullptr ? &Methods() : nullptr;
     return code;

@@ -1,5 +1,6 @@
 #include "component/storage/files/GuardedVfs.h"
 
+#include "component/storage/files/ForwardedFile.h"
 #include "component/storage/files/JournalCheck.h"
 
 #include <sqlite3.h>
@@ -9,56 +10,32 @@
 #include <cstdio>
 #include <new>
 
-/// SQLite allocates this together with the real file that follows it.
-struct GuardedVfs::File {
-    sqlite3_file base;
-    GuardedVfs* owner;
-    sqlite3_file* real;
+struct GuardedVfs::File : ForwardedFile {
+    GuardedVfs* owner = nullptr;
 };
 
 /// What SQLite calls. All that is not about the journal is handed on.
 struct GuardedVfs::Calls {
-    static File& Of(sqlite3_file* file) { return *reinterpret_cast<File*>(file); }
-    static sqlite3_file* Real(sqlite3_file* file) { return Of(file).real; }
     static GuardedVfs& Of(sqlite3_vfs* vfs) { return *static_cast<GuardedVfs*>(vfs->pAppData); }
     static sqlite3_vfs* Real(sqlite3_vfs* vfs) { return Of(vfs).real_; }
 
     static int Close(sqlite3_file* file) {
-        Of(file).owner->CloseMain(Real(file));
-        return Real(file)->pMethods->xClose(Real(file));
+        const File& own = static_cast<File&>(ForwardedFile::Of(file));
+        own.owner->CloseMain(own.real);
+        return own.real->pMethods->xClose(own.real);
     }
-    static int Read(sqlite3_file* file, void* bytes, int count, sqlite3_int64 offset) {
-        return Real(file)->pMethods->xRead(Real(file), bytes, count, offset);
-    }
-    static int Write(sqlite3_file* file, const void* bytes, int count, sqlite3_int64 offset) {
-        return Real(file)->pMethods->xWrite(Real(file), bytes, count, offset);
-    }
-    static int Truncate(sqlite3_file* file, sqlite3_int64 size) {
-        return Real(file)->pMethods->xTruncate(Real(file), size);
-    }
-    static int Sync(sqlite3_file* file, int flags) { return Real(file)->pMethods->xSync(Real(file), flags); }
-    static int Size(sqlite3_file* file, sqlite3_int64* size) {
-        return Real(file)->pMethods->xFileSize(Real(file), size);
-    }
-    static int Lock(sqlite3_file* file, int lock) { return Real(file)->pMethods->xLock(Real(file), lock); }
-    static int Unlock(sqlite3_file* file, int lock) {
-        return Real(file)->pMethods->xUnlock(Real(file), lock);
-    }
-    static int CheckLock(sqlite3_file* file, int* held) {
-        return Real(file)->pMethods->xCheckReservedLock(Real(file), held);
-    }
-    static int Control(sqlite3_file* file, int code, void* argument) {
-        return Real(file)->pMethods->xFileControl(Real(file), code, argument);
-    }
-    static int SectorSize(sqlite3_file* file) { return Real(file)->pMethods->xSectorSize(Real(file)); }
-    static int Characteristics(sqlite3_file* file) {
-        return Real(file)->pMethods->xDeviceCharacteristics(Real(file));
+    static const sqlite3_io_methods& Methods() {
+        static const sqlite3_io_methods methods = [] {
+            sqlite3_io_methods guarded = ForwardingMethods();
+            guarded.xClose = Close;
+            return guarded;
+        }();
+        return methods;
     }
 
     static int Open(sqlite3_vfs* vfs, const char* name, sqlite3_file* file, int flags, int* outFlags) {
-        File& own = *new (file) File{};
+        File& own = MakeForwarded<File>(file);
         own.owner = &Of(vfs);
-        own.real = reinterpret_cast<sqlite3_file*>(&own + 1);
         const int code = Of(vfs).Open(name, own, flags, outFlags);
         own.base.pMethods = code == SQLITE_OK ? &Methods() : nullptr;
         return code;
@@ -83,28 +60,6 @@ struct GuardedVfs::Calls {
     }
     static int LastError(sqlite3_vfs* vfs, int size, char* text) {
         return Real(vfs)->xGetLastError(Real(vfs), size, text);
-    }
-
-    /// Version 1: no shared memory, hence no log, and no mapping of the file.
-    static const sqlite3_io_methods& Methods() {
-        static const sqlite3_io_methods methods = [] {
-            sqlite3_io_methods filled{};
-            filled.iVersion = 1;
-            filled.xClose = Close;
-            filled.xRead = Read;
-            filled.xWrite = Write;
-            filled.xTruncate = Truncate;
-            filled.xSync = Sync;
-            filled.xFileSize = Size;
-            filled.xLock = Lock;
-            filled.xUnlock = Unlock;
-            filled.xCheckReservedLock = CheckLock;
-            filled.xFileControl = Control;
-            filled.xSectorSize = SectorSize;
-            filled.xDeviceCharacteristics = Characteristics;
-            return filled;
-        }();
-        return methods;
     }
 
     static sqlite3_vfs Fill(GuardedVfs& owner) {
