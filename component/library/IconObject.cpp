@@ -93,7 +93,7 @@ IconRecord ImportIcon(RowReader& image, const std::string& name, Container& cont
     record.name = name;
     record.width = info.width;
     record.height = info.height;
-    record.picture.number = numbers.Take();
+    record.picture.number = numbers.Allocate();
     const ClosedBlob closed = container.Put(BlobKind::IconPicture, record.picture.number, png);
     record.picture.length = static_cast<std::uint32_t>(closed.bytes.size());
     record.picture.digest = closed.digest;

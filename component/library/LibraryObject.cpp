@@ -179,7 +179,7 @@ std::shared_ptr<AtlavexMap> LibraryObject::ImportMap(const std::string& file, co
         map->record.pages = writer.Finish();
     });
     savepoint->Keep();
-    map->id = numbers_.Take();
+    map->id = numbers_.Allocate();
     auto added = Append(std::move(map));
     RaiseRemarks(reader->Remarks());
     return added;
@@ -202,7 +202,7 @@ std::shared_ptr<AtlavexIcon> LibraryObject::ImportIcon(const std::string& file, 
         icon->record = ::ImportIcon(*image, name, *icon->container, numbers_, progress);
     });
     savepoint->Keep();
-    icon->id = numbers_.Take();
+    icon->id = numbers_.Allocate();
     auto added = Append(std::move(icon));
     RaiseRemarks(image->Remarks());
     return added;
@@ -269,7 +269,7 @@ void LibraryObject::LeaveSpace(std::shared_ptr<Object> removed) noexcept {
 void LibraryObject::LeaveScratch() noexcept {
     try {
         if (scratch_ && ObjectsIn(scratch_) == 0)
-            disposal_.Take(std::move(scratch_));
+            disposal_.Dispose(std::move(scratch_));
     } catch (const std::exception&) {
         scratch_.reset(); // no memory for a thread: here and now
     }
@@ -302,7 +302,7 @@ void LibraryObject::FollowTiles() {
             former->push_back(std::move(left));
     // The last to hold a file that has no name any more takes as long as the system to free it.
     if (!former->empty())
-        disposal_.Take(std::move(former));
+        disposal_.Dispose(std::move(former));
 }
 
 void LibraryObject::Replace(LibraryState state) {

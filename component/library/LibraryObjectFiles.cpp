@@ -70,7 +70,7 @@ void LibraryObject::LoadFromFile(const std::string& file, const std::string& key
     direct_.reset();
     Replace(std::move(state));
     file_ = std::move(opened);
-    direct_ = file_->TakeLock();
+    direct_ = file_->HandOverLock();
     known_.Forget();
     known_.Remember(*file_);
     scratch_.reset();
@@ -170,7 +170,7 @@ void LibraryObject::SaveAnew(const std::filesystem::path& target, LibraryFile* o
         if (!direct_)
             GiveUpDirectWork();
         if (error.Number() == ErrorNumber::Cancelled)
-            disposal_.Take(save.GiveUp());
+            disposal_.Dispose(save.GiveUp());
         if (error.Number() == ErrorNumber::FileDamaged)
             TellRemovedPixels(progress);
         throw;
@@ -272,7 +272,7 @@ LibraryState LibraryObject::CopyOther(const OtherLibrary& other, const std::shar
         copy->record.pages =
             CopyTiles(reader, *map->container, layout, map->record.pages, *target, &numbers_, progress);
         copy->container = target;
-        copy->id = numbers_.Take();
+        copy->id = numbers_.Allocate();
         added.maps.push_back(std::move(copy));
     }
     for (const auto& icon : other.state.icons) {
@@ -280,7 +280,7 @@ LibraryState LibraryObject::CopyOther(const OtherLibrary& other, const std::shar
         auto copy = std::make_shared<IconState>(*icon);
         copy->record.picture = CopyPicture(*icon, *target, &numbers_);
         copy->container = target;
-        copy->id = numbers_.Take();
+        copy->id = numbers_.Allocate();
         added.icons.push_back(std::move(copy));
     }
     MakeIdentifiersUnique(added);

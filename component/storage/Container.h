@@ -15,7 +15,7 @@
 class NumberSource {
 public:
     explicit NumberSource(std::int64_t next = 1) : next_(next) {}
-    std::int64_t Take() { return next_.fetch_add(1); }
+    std::int64_t Allocate() { return next_.fetch_add(1); }
     std::int64_t Next() const { return next_.load(); }
     /// Never goes back.
     void Raise(std::int64_t next) {

@@ -257,7 +257,7 @@ bool LibraryFile::Holds(const FileHeader& header) const {
     return ReadHeaderRow(GetDatabase()).header == header.Encode();
 }
 
-void LibraryFile::Saved(const FileHeader& header, RecordTable records) {
+void LibraryFile::Adopt(const FileHeader& header, RecordTable records) {
     header_ = header;
     row_.header = header.Encode();
     row_.mac = container_->GetEnvelope().MacOf(row_.header);

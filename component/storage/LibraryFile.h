@@ -44,7 +44,7 @@ public:
                                              const std::string& shownName);
 
     /// The write lock of a file that was opened to be written; nothing otherwise, and the second time.
-    std::unique_ptr<Transaction> TakeLock() { return std::move(lock_); }
+    std::unique_ptr<Transaction> HandOverLock() { return std::move(lock_); }
 
     const std::filesystem::path& Path() const { return path_; }
     const FileHeader& Header() const { return header_; }
@@ -64,7 +64,7 @@ public:
     /// Whether this header is the one that stands in the file now.
     bool Holds(const FileHeader& header) const;
     /// Takes over header and records that have been committed to this file.
-    void Saved(const FileHeader& header, RecordTable records);
+    void Adopt(const FileHeader& header, RecordTable records);
 
 private:
     LibraryFile(std::filesystem::path path, std::unique_ptr<Database> database,

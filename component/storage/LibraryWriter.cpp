@@ -186,7 +186,7 @@ BlobRef CopyPicture(const IconState& icon, Container& to, NumberSource* fresh) {
         icon.container->GetDatabase().Damaged("the picture of icon '" + icon.Name() +
                                               "' does not match its digest");
     if (fresh != nullptr)
-        ref.number = fresh->Take();
+        ref.number = fresh->Allocate();
     const ClosedBlob closed = to.Put(BlobKind::IconPicture, ref.number, plain);
     ref.length = static_cast<std::uint32_t>(closed.bytes.size());
     ref.digest = closed.digest;

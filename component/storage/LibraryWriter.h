@@ -42,7 +42,7 @@ public:
     void Write(FileHeader& header, Progress& progress);
 
     const RecordTable& Records() const { return records_; }
-    LibraryWriterResult TakeResult() { return std::move(placed_); }
+    LibraryWriterResult HandOverResult() { return std::move(placed_); }
 
 private:
     void RemoveGoneRecords();

@@ -36,8 +36,8 @@ std::int64_t SaveInPlace(LibraryFile& file, const LibraryState& state, NumberSou
     ++header.generation;
     writer.Write(header, progress);
     const std::optional<std::string> notDurable = Commit(file, *begun, header);
-    file.Saved(header, writer.Records());
-    LibraryWriterResult result = writer.TakeResult();
+    file.Adopt(header, writer.Records());
+    LibraryWriterResult result = writer.HandOverResult();
     result.Apply(file.Tiles());
     if (notDurable)
         throw ComponentError(ErrorNumber::FileNotWritable,
@@ -102,7 +102,7 @@ void NewFileSave::Fill() {
     building_->transaction = std::make_unique<Transaction>(building_->container->GetDatabase());
     writer.Write(header_, progress_);
     building_->transaction->Commit();
-    written_ = writer.TakeResult();
+    written_ = writer.HandOverResult();
     building_->transaction.reset();
     building_->container.reset();
     building_->replacement.Sync();
@@ -146,7 +146,7 @@ void NewFileSave::RequireSoundSource() {
 void NewFileSave::Place(FileReplacement::Former former, const KnownFiles& known) {
     if (former == FileReplacement::Former::Ours)
         RemoveColdJournal(*files_, plan_.target);
-    building_->replacement.TakePlace(former, [&] { return known.StillHolds(plan_.target); });
+    building_->replacement.Place(former, [&] { return known.StillHolds(plan_.target); });
 }
 
 std::unique_ptr<LibraryFile> NewFileSave::Open() {

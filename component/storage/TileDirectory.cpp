@@ -139,7 +139,7 @@ void TileWriter::Put(int level, std::int32_t row, std::int32_t column,
         }
     }
     BlobRef ref;
-    ref.number = numbers_.Take();
+    ref.number = numbers_.Allocate();
     const ClosedBlob closed = container_.Put(BlobKind::Tile, ref.number, encoded);
     ref.length = static_cast<std::uint32_t>(closed.bytes.size());
     ref.digest = closed.digest;
@@ -157,7 +157,7 @@ std::vector<PageRef> WritePages(Container& container, NumberSource& numbers,
     std::vector<PageRef> pages;
     const auto count = static_cast<std::size_t>(PagesFor(static_cast<std::int64_t>(entries.size())));
     for (std::size_t page = 0; page < count; ++page)
-        pages.push_back(WritePage(container, numbers.Take(), EntriesOfPage(entries, page)));
+        pages.push_back(WritePage(container, numbers.Allocate(), EntriesOfPage(entries, page)));
     return pages;
 }
 
@@ -180,7 +180,7 @@ public:
             to_.PutStored(BlobKind::Tile, former.number, source_.ReadStored(entry));
         } else {
             if (fresh_ != nullptr)
-                ref.number = fresh_->Take();
+                ref.number = fresh_->Allocate();
             const ClosedBlob closed = to_.Put(BlobKind::Tile, ref.number, source_.ReadEntry(entry));
             ref.length = static_cast<std::uint32_t>(closed.bytes.size());
             ref.digest = closed.digest;
@@ -206,7 +206,7 @@ private:
             to_.PutStored(BlobKind::DirectoryPage, former.number, *stored);
             return former;
         }
-        return WritePage(to_, fresh_ != nullptr ? fresh_->Take() : former.number, entries);
+        return WritePage(to_, fresh_ != nullptr ? fresh_->Allocate() : former.number, entries);
     }
 
     TileReader& source_;

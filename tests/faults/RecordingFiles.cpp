@@ -13,9 +13,9 @@ public:
         files_.Step("sync");
         real_->Sync();
     }
-    void TakeRightsOf(const std::filesystem::path& other) override {
+    void CopyRightsOf(const std::filesystem::path& other) override {
         files_.Step("rights");
-        real_->TakeRightsOf(other);
+        real_->CopyRightsOf(other);
     }
 
 private:

@@ -26,7 +26,7 @@ protected:
         FileReplacement replacement(SystemFiles(), target_);
         WriteWholeFile(replacement.Temporary(), content);
         replacement.Sync();
-        replacement.TakePlace(keepFormer ? FileReplacement::Former::Kept : FileReplacement::Former::Ours);
+        replacement.Place(keepFormer ? FileReplacement::Former::Kept : FileReplacement::Former::Ours);
     }
 
     TempFolder folder_;

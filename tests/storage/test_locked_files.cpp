@@ -84,7 +84,7 @@ TEST_F(LockedFiles, TakePlaceAlthoughASweeperCameBetween) {
     ASSERT_FALSE(BeforeLocking());
     ASSERT_TRUE(fs::exists(replacement.Temporary()));
     WriteWholeFile(replacement.Temporary(), "new");
-    replacement.TakePlace(FileReplacement::Former::Ours);
+    replacement.Place(FileReplacement::Former::Ours);
     EXPECT_EQ(ReadWholeFile(target), "new");
 }
 

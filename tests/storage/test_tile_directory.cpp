@@ -216,18 +216,18 @@ TEST_P(TileDirectory, LeavesNoLookOpenThatFailed) {
 
 TEST(NumberSource, GivesEveryNumberOnceAndNeverGoesBack) {
     NumberSource numbers;
-    EXPECT_EQ(numbers.Take(), 1);
+    EXPECT_EQ(numbers.Allocate(), 1);
     EXPECT_EQ(numbers.Next(), 2);
     numbers.Raise(10);
     numbers.Raise(5);
-    EXPECT_EQ(numbers.Take(), 10);
+    EXPECT_EQ(numbers.Allocate(), 10);
     std::vector<std::vector<std::int64_t>> taken(4);
     {
         std::vector<std::jthread> threads;
         for (auto& list : taken)
             threads.emplace_back([&] {
                 for (int i = 0; i < 1000; ++i)
-                    list.push_back(numbers.Take());
+                    list.push_back(numbers.Allocate());
             });
     }
     std::set<std::int64_t> all;

@@ -3,7 +3,7 @@
 #include <system_error>
 #include <utility>
 
-void Disposal::Take(std::shared_ptr<void> leftover) {
+void Disposal::Dispose(std::shared_ptr<void> leftover) {
     Wait();
     try {
         thread_ = std::jthread([gone = std::move(leftover)]() mutable { gone.reset(); });

@@ -8,7 +8,7 @@
 class Disposal {
 public:
     /// Waits for the last one, then lets this one go. Where no thread can be had, at once.
-    void Take(std::shared_ptr<void> leftover);
+    void Dispose(std::shared_ptr<void> leftover);
     /// Until the last one is gone; so does the destructor.
     void Wait();
 

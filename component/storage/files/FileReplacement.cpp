@@ -112,13 +112,13 @@ void FileReplacement::RequireNoJournal() const {
                                      "' belongs to it. Open it once, or choose another name.");
 }
 
-void FileReplacement::TakePlace(Former former, const std::function<bool()>& needsNoCopy) {
+void FileReplacement::Place(Former former, const std::function<bool()>& needsNoCopy) {
     // Whoever wants to write to the target waits from here on, and then finds that it was replaced.
     std::optional<WriteLock> lock;
     if (former == Former::Kept)
         lock.emplace(target_);
     RequireNoJournal();
-    locked_->TakeRightsOf(target_);
+    locked_->CopyRightsOf(target_);
     std::error_code ignored;
     std::filesystem::path kept;
     if (former == Former::Kept &&

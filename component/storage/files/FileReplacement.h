@@ -32,7 +32,7 @@ public:
         Kept  ///< any file: locked here while it is replaced, and kept as NAME.bak, NAME.bak2, …
     };
     /// `needsNoCopy` is asked under the lock whether the file that stands there need not be kept after all.
-    void TakePlace(Former former, const std::function<bool()>& needsNoCopy = {});
+    void Place(Former former, const std::function<bool()>& needsNoCopy = {});
     /// Takes the temporary's name away at once; its space stays taken as long as the object lives.
     void GiveUp() noexcept;
 

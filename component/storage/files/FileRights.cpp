@@ -60,7 +60,7 @@ bool IsInGroup(gid_t group) {
 
 } // namespace
 
-void TakeRights(int descriptor, const std::filesystem::path& other) {
+void CopyRights(int descriptor, const std::filesystem::path& other) {
     struct stat wanted {};
     struct stat given {};
     if (stat(other.c_str(), &wanted) != 0) {

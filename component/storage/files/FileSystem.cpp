@@ -40,8 +40,8 @@ public:
 
     void Sync() override { Check(fsync(descriptor_.Number()) == 0, path_); }
 
-    void TakeRightsOf(const std::filesystem::path& other) override {
-        TakeRights(descriptor_.Number(), other);
+    void CopyRightsOf(const std::filesystem::path& other) override {
+        CopyRights(descriptor_.Number(), other);
     }
 
 private:
@@ -84,7 +84,7 @@ bool Copy(const std::filesystem::path& file, FileDescriptor& from, const std::fi
         unlink(name.c_str());
         Fail(name, error);
     }
-    TakeRights(to.Number(), file);
+    CopyRights(to.Number(), file);
     return true;
 }
 

@@ -14,7 +14,7 @@ public:
         /// Makes the content durable.
         virtual void Sync() = 0;
         /// Gives the file the access rights of another, or those of any new file when there is none.
-        virtual void TakeRightsOf(const std::filesystem::path& other) = 0;
+        virtual void CopyRightsOf(const std::filesystem::path& other) = 0;
     };
 
     virtual ~FileSystem() = default;

@@ -46,7 +46,7 @@ public:
     Held& operator=(const Held&) = delete;
 
     /// False when another program holds it.
-    bool Take() {
+    bool Acquire() {
         if (!isWritable_)
             return true;
         for (int attempt = 0; attempt < Attempts; ++attempt) {
@@ -74,7 +74,7 @@ WriteLock::WriteLock(const std::filesystem::path& file) {
     if (!std::filesystem::is_regular_file(std::filesystem::symlink_status(file, unknown)))
         return;
     held_ = std::make_unique<Held>(file);
-    if (!held_->Take())
+    if (!held_->Acquire())
         throw ComponentError(ErrorNumber::FileLocked,
                              "The file '" + file.string() + "' is being written by another program.");
 }
