@@ -12,6 +12,7 @@ struct Recorder {
     std::mutex mutex;
     bool on = false;
     std::vector<DiskEvent> events;
+    std::function<void(const std::string&)> unlocked = [](const std::string&) {};
     sqlite3_vfs* real = nullptr;
 
     void Note(DiskEvent event) {
@@ -50,12 +51,20 @@ int Sync(sqlite3_file* file, int flags) {
     return Of(file).real->pMethods->xSync(Of(file).real, flags);
 }
 
+int Unlock(sqlite3_file* file, int lock) {
+    const int code = Of(file).real->pMethods->xUnlock(Of(file).real, lock);
+    if (lock == SQLITE_LOCK_NONE)
+        TheRecorder().unlocked(Of(file).name);
+    return code;
+}
+
 const sqlite3_io_methods& Methods() {
     static const sqlite3_io_methods methods = [] {
         sqlite3_io_methods recording = ForwardingMethods();
         recording.xWrite = Write;
         recording.xTruncate = Truncate;
         recording.xSync = Sync;
+        recording.xUnlock = Unlock;
         return recording;
     }();
     return methods;
@@ -100,4 +109,8 @@ std::vector<DiskEvent> RecordingVfs::Stop() {
     const std::scoped_lock lock(TheRecorder().mutex);
     TheRecorder().on = false;
     return std::move(TheRecorder().events);
+}
+
+void RecordingVfs::OnUnlock(std::function<void(const std::string& file)> call) {
+    TheRecorder().unlocked = call ? std::move(call) : [](const std::string&) {};
 }

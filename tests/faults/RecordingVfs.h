@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -13,12 +14,15 @@ struct DiskEvent {
     std::string bytes = {};
 };
 
-/// Stands between SQLite and the operating system in this process from the first call on, and notes what
-/// SQLite does to files while it is told to.
+/// Stands between SQLite and the operating system in this process from the first call on, notes what SQLite
+/// does to files while it is told to, and tells when it lets one go.
 namespace RecordingVfs {
 
 void Install();
 void Start();
 std::vector<DiskEvent> Stop();
+
+/// Called whenever a file has been unlocked, with its name, until another function or none is set.
+void OnUnlock(std::function<void(const std::string& file)> call);
 
 } // namespace RecordingVfs

@@ -2,6 +2,7 @@
 
 #include "base/ComponentError.h"
 #include "tests/faults/FaultLab.h"
+#include "tests/faults/RecordingVfs.h"
 
 #include <gtest/gtest.h>
 
@@ -168,4 +169,31 @@ TEST_F(TwoPrograms, TakeTheFormerContentBackWhenOneIsKilled) {
     EXPECT_EQ(SaveError(file_, TestKey), ErrorNumber{}) << "what the other did not finish is no change";
     EXPECT_EQ(ContentOfFile(file_, TestKey), expected);
     EXPECT_FALSE(fs::exists(file_.string() + "-journal"));
+}
+
+/// Wherever the reading program lets go of the file for a moment, the other one saves: what is read is one of
+/// the two states, never half of each.
+TEST_F(TwoPrograms, ReadOneStateWhereverTheOtherSavesBetween) {
+    RecordingVfs::Install();
+    std::string former;
+    int moment = 0;
+    for (bool saved = true; saved; ++moment) {
+        const std::string next = "save " + std::to_string(moment);
+        int unlocked = 0;
+        saved = false;
+        RecordingVfs::OnUnlock([&](const std::string& name) {
+            if (name != file_.string() || unlocked++ != moment)
+                return;
+            saved = true;
+            EXPECT_EQ(Other("set-metadata", next).status, 0);
+        });
+        const auto reader = CreateAtlavexLibrary(CheapOptions((folder_ / "scratch").string()));
+        EXPECT_NO_THROW(reader->LoadFromFile(file_.string(), "")) << "at moment " << moment;
+        RecordingVfs::OnUnlock({});
+        ASSERT_EQ(reader->MapCount(), 1) << "at moment " << moment;
+        const std::string read = reader->GetMap(reader->MapIdAt(1))->GetMetadata("remark");
+        EXPECT_TRUE(read == former || read == next) << read << " at moment " << moment;
+        former = next;
+    }
+    EXPECT_GT(moment, 3) << "the file was hardly ever let go";
 }
