@@ -341,6 +341,18 @@ TEST_F(ForgedFiles, WithMetadataOfNothingAreToldByVerify) {
     ExpectSecondReaderRefuses("metadata belong to nothing");
 }
 
+TEST_F(ForgedFiles, WithALongerValueThanAnyAreRefusedByTheSecondReader) {
+    const std::string longest = std::to_string(LongestValue), longer = std::to_string(LongestValue + 1);
+    {
+        Forger forger(file_);
+        const std::string number = std::to_string(forger.Header().nextNumber++);
+        forger.Run("INSERT INTO blob(id, data) VALUES(" + number + ", zeroblob(" + longest + "))");
+    }
+    ExpectSecondReaderRefuses("belongs to nothing");
+    Forger(file_).Run("UPDATE blob SET data = zeroblob(" + longer + ") WHERE length(data) = " + longest);
+    ExpectSecondReaderRefuses("a value is too long");
+}
+
 TEST_F(ForgedFiles, WhoseTilesHaveNumbersThatAreUnusedAreToldByVerify) {
     {
         Forger forger(file_);
