@@ -1,8 +1,9 @@
-// How the editor stays at hand during long operations: bench_cancel [MEGAPIXELS [FOLDER]]. Drives the real
-// main window without a screen over a map of noise whose tiles, with all overviews, take four bytes a pixel.
-// For each operation: its time, the longest time without an event handled, how many amounts of progress were
-// shown, and for Cancel pressed in its middle the time until the progress dialog was gone. Afterwards every
-// pixel of what is open is compared with what was there before, and so is what a whole operation saved.
+// How the editor stays at hand during long operations: bench_cancel [MEGAPIXELS [FOLDER [IMAGE ...]]]. Drives
+// the real main window without a screen over a map of noise whose tiles, with all overviews, take four bytes
+// a pixel. For each operation: its time, the longest time without an event handled, how many amounts of
+// progress were shown, and for Cancel pressed in its middle the time until the progress dialog was gone.
+// Afterwards every pixel of what is open is compared with what was there before, and so is what a whole
+// operation saved.
 
 #include "app/frmMain.h"
 #include "base/ComponentError.h"
@@ -16,6 +17,7 @@
 #include <QDir>
 #include <QDropEvent>
 #include <QFile>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
@@ -255,6 +257,12 @@ public:
         QFile::copy(Path("small.Atlavex"), Path("other.Atlavex"));
     }
 
+    void AddImage(const QString& image) {
+        Editor editor(Path("small.Atlavex"));
+        const QByteArray name = "add " + QFileInfo(image).fileName().toUtf8();
+        Measure(name.constData(), editor, [&](Cancel cancel) { return editor.AddMap(image, cancel); });
+    }
+
     void AddToFile() {
         Editor editor(Path("small.Atlavex"));
         Measure("add map", editor, [&](Cancel cancel) { return editor.AddMap(Path("noise.bmp"), cancel); });
@@ -316,8 +324,8 @@ private:
 int main(int argc, char** argv) {
     const QStringList arguments(argv + 1, argv + argc);
     const int megapixels = arguments.isEmpty() ? 268 : arguments[0].toInt();
-    if (megapixels <= 0 || arguments.size() > 2) {
-        std::fputs("usage: bench_cancel [MEGAPIXELS [FOLDER]]\n", stderr);
+    if (megapixels <= 0 || megapixels > 100'000) {
+        std::fputs("usage: bench_cancel [MEGAPIXELS [FOLDER [IMAGE ...]]]\n", stderr);
         return 2;
     }
     const QTemporaryDir folder((arguments.size() > 1 ? arguments[1] : QStringLiteral("/var/tmp")) +
@@ -331,6 +339,10 @@ int main(int argc, char** argv) {
     std::printf("| operation | s | amounts shown | longest gap, ms | Cancel, ms | cancels | kept |\n");
     std::printf("|---|---|---|---|---|---|---|\n");
     Bench bench(folder.path(), megapixels);
+    for (const QString& image : arguments.mid(2))
+        bench.AddImage(image);
+    if (arguments.size() > 2)
+        return 0;
     bench.AddToFile();
     bench.SaveFirst();
     bench.SaveOtherwise();

@@ -8,6 +8,7 @@ Beside an image whose pixels are known by construction stands the truth as raw R
 import os
 import struct
 import sys
+import zlib
 
 import numpy
 from osgeo import gdal
@@ -15,6 +16,7 @@ from PIL import Image
 
 sys.dont_write_bytecode = True  # the folder of the sources stays clean
 from pictures import test_picture, write_truth
+from tiff_library import BYTES, FLOATS, LOG_FORMAT, PIXAR_FORMAT, write_encoded
 from tiff_writer import HEIGHT, WIDTH, basic_tags, colour_map, packed, rgba_of, scaled, write_tiff
 
 gdal.UseExceptions()
@@ -368,6 +370,92 @@ def make_long_strips(folder):
         write_truth(file, rgba_of(*large))
 
 
+def make_large_coders(folder):
+    """Tiles and strips too large to be unpacked as wholes in the other coders, and a row of tiles that are too
+    many to be unpacked at the same time. The truth of coders with losses is another reader's."""
+    width, height = 2200, 2100
+    y, x = numpy.mgrid[0:height, 0:width]
+    picture = numpy.stack([x // 9, y // 9, (x + y) // 17], 0).astype(numpy.uint8)
+    picture[:, 300:400, 200:700] = numpy.random.default_rng(12).integers(0, 256, (3, 100, 500))
+    memory = in_memory(*picture)
+    tiles = ["TILED=YES", "BLOCKXSIZE=2064", "BLOCKYSIZE=2064"]
+    strip = [f"BLOCKYSIZE={height}"]
+
+    def put(name, memory, *options):
+        file = os.path.join(folder, name + ".tif")
+        save_gdal(file, memory, *options)
+        shown = gdal.Open(file).ReadAsArray()
+        write_truth(file, rgba_of(*shown.reshape(-1, *shown.shape[-2:])))
+
+    for shape, layout in (("tiles", tiles), ("strip", strip)):
+        for colours in "RGB", "YCBCR":
+            put(f"jpeg-{colours}-{shape}", memory, "COMPRESS=JPEG", f"PHOTOMETRIC={colours}", *layout)
+        put(f"jpeg-planes-{shape}", memory, "COMPRESS=JPEG", "PHOTOMETRIC=RGB", "INTERLEAVE=BAND", *layout)
+        put(f"lzma-{shape}", memory, "COMPRESS=LZMA", "PREDICTOR=2", "LZMA_PRESET=1", *layout)
+        put(f"lerc-{shape}", memory, "COMPRESS=LERC", "PHOTOMETRIC=RGB", *layout)
+        put(f"lerc-planes-{shape}", memory, "COMPRESS=LERC_ZSTD", "INTERLEAVE=BAND", *layout)
+        put(f"webp-{shape}", memory, "COMPRESS=WEBP", "WEBP_LEVEL=80", "PHOTOMETRIC=RGB", *layout)
+        put(f"webp-lossless-{shape}", in_memory(*picture, picture[0] | 1), "COMPRESS=WEBP", "WEBP_LOSSLESS=YES", *layout)
+    heights = gdal.GetDriverByName("MEM").Create("", width, height, 1, gdal.GDT_Float32)
+    values = picture[0].astype(numpy.float32) * 3 + picture[1] / numpy.float32(7)
+    heights.GetRasterBand(1).WriteArray(values)
+    file = os.path.join(folder, "floats.tif")
+    save_gdal(file, heights, "COMPRESS=ZSTD", "PREDICTOR=3", *tiles)
+    write_truth(file, rgba_of(stretched(values, values.min(), values.max())))
+    # The predictor stores the most significant bytes first whatever the file's order.
+    for size, rows in (("small", 100), ("large", height)):
+        parts = values[:rows].astype(">f4").view(numpy.uint8).reshape(rows, width, 4).swapaxes(1, 2).reshape(rows, -1)
+        data = zlib.compress(numpy.diff(parts, axis=1, prepend=numpy.uint8(0)).tobytes(), 1)
+        file = os.path.join(folder, f"floats-{size}-big.tif")
+        write_tiff(file, basic_tags(1, 32, 1, width, rows) | {259: (3, [8]), 317: (3, [3]), 339: (3, [3])}, [data], ">")
+        write_truth(file, rgba_of(stretched(values[:rows], values[:rows].min(), values[:rows].max())))
+    bits = (picture[0] ^ picture[1]) >> 2 & 1
+    lines = numpy.tile(bits, (1, 2))[:, :4300]
+    for coder in "RLE", "FAX3", "FAX4":
+        file = os.path.join(folder, f"fax-{coder}.tif")
+        save_gdal(file, in_memory(lines), "NBITS=1", "COMPRESS=CCITT" + coder, "TILED=YES", "BLOCKXSIZE=4128",
+                  "BLOCKYSIZE=2064")
+        write_truth(file, rgba_of(lines * numpy.uint8(255)))
+    # More than can be open at a time, one of them left out.
+    row = numpy.tile(picture[0], (1, 5))[:, :8300]
+    row[:2064, 2064:4128] = 0
+    file = os.path.join(folder, "many.tif")
+    save_gdal(file, in_memory(row), "COMPRESS=ZSTD", "SPARSE_OK=TRUE", *tiles)
+    write_truth(file, rgba_of(row))
+
+
+def make_logarithms(folder):
+    """Pictures of light in SGI's and Pixar's logarithms, small and large. The truth of the former is their maker's
+    formula for a screen."""
+    for size, (height, width) in (("small", (HEIGHT, WIDTH)), ("large", (2100, 2200))):
+        light = numpy.linspace(0.01, 1.2, height * width).reshape(height, width).astype(numpy.float32)
+        colours = numpy.stack([light * 0.9, light, light * 1.1], -1).astype(numpy.float32)
+        to_screen = numpy.array([[2.690, -1.276, -0.414], [-1.022, 1.978, 0.044], [0.061, -0.224, 1.163]])
+        shown = (256 * numpy.sqrt((colours @ to_screen.T).clip(0))).clip(0, 255)
+
+        def put(name, picture, truth, tags, fmt, tile=None):
+            file = os.path.join(folder, f"{name}-{size}.tif")
+            write_encoded(file, picture, tags, tile, fmt)
+            write_truth(file, rgba_of(*(numpy.asarray(c, numpy.uint8) for c in truth)))
+
+        wide = {258: 16, 339: 2}
+        floats = LOG_FORMAT, FLOATS
+        put("logl", light, [(256 * numpy.sqrt(light)).clip(0, 255)], wide | {259: 34676, 262: 32844, 277: 1}, floats)
+        tags = wide | {262: 32845, 277: 3}
+        put("logluv", colours, numpy.moveaxis(shown, -1, 0), tags | {259: 34676}, floats)
+        put("logluv-24", colours, numpy.moveaxis(shown, -1, 0), tags | {259: 34677}, floats)
+        large = (2064, 2064) if size == "large" else (48, 32)
+        put("logluv-tiles", colours, numpy.moveaxis(shown, -1, 0), tags | {259: 34676}, floats, large)
+        rgb = numpy.stack([light * 200, light * 100, 255 - light * 200], -1).astype(numpy.uint8)
+        put("pixar", rgb, numpy.moveaxis(rgb, -1, 0), {258: 8, 259: 32909, 262: 2, 277: 3}, (PIXAR_FORMAT, BYTES))
+    lines = (numpy.add.outer(numpy.arange(3000), numpy.arange(1600) * 3) >> 4 & 1).astype(numpy.uint8)
+    for size, height in (("small", 100), ("large", 3000)):
+        file = os.path.join(folder, f"jbig-{size}.tif")
+        packed_lines = numpy.packbits(lines[:height], axis=1)
+        write_encoded(file, packed_lines, {256: 1600, 258: 1, 259: 34661, 262: 0, 277: 1})
+        write_truth(file, rgba_of((1 - lines[:height]) * numpy.uint8(255)))
+
+
 def make_turned(folder):
     rgb = test_picture(WIDTH, HEIGHT)
     for orientation in range(1, 9):
@@ -398,22 +486,50 @@ def make_jpeg(folder):
         save_gdal(os.path.join(folder, name + ".tif"), source, "COMPRESS=JPEG", "JPEG_QUALITY=90", *options)
 
 
+def units_of(luma, cb, cr, h, v):
+    """The stored bytes of YCbCr whose colours are shared by h x v pixels; edges are repeated."""
+    height, width = cb.shape
+    luma = numpy.pad(luma, [(0, height * v - luma.shape[0]), (0, width * h - luma.shape[1])], "edge")
+    blocks = luma.reshape(height, v, width, h).swapaxes(1, 2).reshape(height, width, v * h)
+    return numpy.concatenate([blocks, cb[..., None], cr[..., None]], -1).astype(numpy.uint8).tobytes()
+
+
 def make_ycbcr(folder):
-    """YCbCr without JPEG, full and subsampled; the truth is the usual conversion unrounded."""
+    """YCbCr without JPEG, full and subsampled, in strips and tiles, small and large, also such as end within a shared
+    colour; the truth is the usual conversion unrounded."""
     random = numpy.random.default_rng(9)
-    for h, v in ((1, 1), (2, 1), (2, 2), (4, 2)):
-        width, height = 64, 48
+    full_range = 532, (5, [0, 1, 255, 1, 128, 1, 255, 1, 128, 1, 255, 1])
+
+    def put(name, width, height, h, v, rows=None, tile=None):
         luma = random.integers(16, 236, (height, width))
-        cb, cr = (random.integers(64, 192, (height // v, width // h)) for _ in range(2))
-        blocks = luma.reshape(height // v, v, width // h, h).swapaxes(1, 2).reshape(height // v, width // h, v * h)
-        units = numpy.concatenate([blocks, cb[..., None], cr[..., None]], -1).astype(numpy.uint8)
-        file = os.path.join(folder, f"ycbcr-{h}{v}.tif")
-        full_range = 532, (5, [0, 1, 255, 1, 128, 1, 255, 1, 128, 1, 255, 1])
-        tags = basic_tags(6, 8, 3, width, height) | {530: (3, [h, v])} | dict([full_range])
-        write_tiff(file, tags, [units.tobytes()])
-        b, r = (numpy.kron(c, numpy.ones((v, h))) - 128.0 for c in (cb, cr))
+        cb, cr = (random.integers(64, 192, (-(-height // v), -(-width // h))) for _ in range(2))
+        rows = rows or height
+        if tile:
+            more = -(-height // tile) * tile, -(-width // tile) * tile
+            planes = [numpy.pad(p, [(0, m // f - n) for m, n, f in zip(more, p.shape, by)], "edge")
+                      for p, by in ((luma, (1, 1)), (cb, (v, h)), (cr, (v, h)))]
+            cut = [[p[y // b:(y + tile) // b, x // a:(x + tile) // a] for p, (b, a) in zip(planes, ((1, 1), (v, h), (v, h)))]
+                   for y in range(0, height, tile) for x in range(0, width, tile)]
+        else:
+            cut = [[luma[y:y + rows], cb[y // v:-(-(y + rows) // v)], cr[y // v:-(-(y + rows) // v)]]
+                   for y in range(0, height, rows)]
+        tags = basic_tags(6, 8, 3, width, height, rows) | {530: (3, [h, v]), 259: (3, [8])} | dict([full_range])
+        if tile:
+            del tags[278]
+            tags |= {322: (3, [tile]), 323: (3, [tile])}
+        file = os.path.join(folder, name + ".tif")
+        write_tiff(file, tags, [zlib.compress(units_of(*part, h, v), 1) for part in cut])
+        b, r = (numpy.kron(c, numpy.ones((v, h)))[:height, :width] - 128.0 for c in (cb, cr))
         shown = [luma + 1.402 * r, luma - 0.344136 * b - 0.714136 * r, luma + 1.772 * b]
         write_truth(file, rgba_of(*(c.clip(0, 255).round().astype(numpy.uint8) for c in shown)))
+
+    for h, v in ((1, 1), (2, 1), (2, 2), (4, 2), (4, 4)):
+        put(f"strip-{h}{v}", 64, 48, h, v)
+        put(f"strips-{h}{v}", 83, 61, h, v, rows=16)
+        put(f"tiles-{h}{v}", 83, 61, h, v, tile=32)
+    put("large-strip", 2203, 2101, 2, 2)
+    put("large-tiles", 2203, 2101, 4, 2, tile=2064)
+    put("large-full", 2203, 2101, 1, 1)
 
 
 def make_lab(folder):

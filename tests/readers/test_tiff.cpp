@@ -1,4 +1,5 @@
 #include "base/ComponentError.h"
+#include "component/readers/tiff/TiffBlock.h"
 #include "component/readers/tiff/TiffReader.h"
 #include "tests/readers/ReferenceDecoder.h"
 #include "tests/support/TempFolder.h"
@@ -45,6 +46,19 @@ std::optional<ErrorNumber> ErrorOf(const std::filesystem::path& file) {
         return error.Number();
     }
     return std::nullopt;
+}
+
+/// How often the first strip or tile asks whether to go on, while it is unpacked by rows.
+int PausesInFirstBlock(const std::filesystem::path& image) {
+    TiffFile file(image);
+    const TiffLayout layout = ReadTiffLayout(file);
+    int pauses = 0;
+    file.PauseWith([&pauses] { ++pauses; });
+    const auto block = OpenTiffBlock(file, layout, 0, image.parent_path());
+    std::vector<std::uint8_t> row(static_cast<std::size_t>(TiffBlockRowBytes(layout)));
+    for (std::int64_t y = 0; y < TiffBlockRows(layout, 0); ++y)
+        block->ReadRow(row);
+    return pauses;
 }
 
 /// What reading the whole file ends in.
@@ -227,6 +241,20 @@ TEST(Tiff, ATileOrStripAsLargeAsTheSheetNeedsNoMemoryForItAndCanBeCancelled) {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     EXPECT_LT(usage.ru_maxrss, 700 * 1024) << "KiB";
+}
+
+TEST(Tiff, LargeBlocksOfEveryCoderAreReadRowByRowAndCanBeGivenUpMeanwhile) {
+    const TempFolder folder;
+    RunScript("make_tiffs.py", {"large-coders", folder.Path().string()});
+    for (const auto& image : ImagesWithTruth(folder.Path())) {
+        SCOPED_TRACE(image.filename());
+        EXPECT_TRUE(SamePixels(DecodeWithEngine(image), ReadTruth(image)));
+        const bool isSmall = image.filename().string().starts_with("floats-small");
+        EXPECT_GT(PausesInFirstBlock(image), isSmall ? 0 : 60); // one in each quarter of a megapixel
+    }
+}
+TEST(Tiff, LogarithmsOfLightAreConvertedAndJbigIsRead) {
+    CheckTheme("logarithms", {.perChannel = 9});
 }
 
 TEST(Tiff, TheOrientationIsApplied) {

@@ -18,13 +18,14 @@ SIZES = {3: "H", 4: "I", 5: "II", 11: "f"}
 
 
 def write_tiff(name, tags, strips, order="<"):
-    """tags: {number: (type, values)}; strips: their bytes, which stand before the tags."""
+    """tags: {number: (type, values)}; strips: the bytes of strips or tiles, which stand before the tags."""
     magic = (b"II" if order == "<" else b"MM") + struct.pack(order + "H", 42)
     offsets, position = [], 8
     for strip in strips:
         offsets.append(position)
         position += len(strip)
-    tags = tags | {273: (4, offsets), 279: (4, [len(strip) for strip in strips])}
+    places, lengths = (324, 325) if 322 in tags else (273, 279)
+    tags = tags | {places: (4, offsets), lengths: (4, [len(strip) for strip in strips])}
     extra_at = position + 2 + len(tags) * 12 + 4
     entries, extra = b"", b""
     for number in sorted(tags):

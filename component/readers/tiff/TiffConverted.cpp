@@ -24,7 +24,8 @@ TiffConverted::TiffConverted(TiffFile& file, const TiffLayout& layout)
     const std::int64_t mostRows = MostBandPixels / std::max<std::int64_t>(layout.blockWidth, width_);
     if (layout.blockHeight > mostRows)
         ThrowImageError(ErrorNumber::ImageTooLarge, file.Path(),
-                        "its strips or tiles are larger than the program accepts in this kind of colour");
+                        "its strips or tiles are larger than the program accepts in their compression (" +
+                            TiffCompressionText(COMPRESSION_OJPEG) + ")");
     std::array<char, 1024> reason{};
     auto image = std::make_unique<TIFFRGBAImage>();
     if (TIFFRGBAImageOK(file.Handle(), reason.data()) == 0 ||

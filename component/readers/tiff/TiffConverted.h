@@ -7,8 +7,7 @@
 #include <memory>
 #include <vector>
 
-/// Rows of the rarer kinds of TIFF (YCbCr outside JPEG, L*a*b*, LogLuv, old-style JPEG), which libtiff
-/// converts to RGB as whole strips or rows of tiles.
+/// Rows of old-style JPEG, which libtiff converts to RGB as whole strips or rows of tiles.
 class TiffConverted {
 public:
     /// Throws ImageNotReadable when libtiff does not convert it, ImageTooLarge when one strip or row of tiles

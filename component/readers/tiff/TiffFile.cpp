@@ -12,9 +12,8 @@
 
 namespace {
 
-/// libtiff may ask for one piece of memory as large as the file, for no strip is longer; files smaller than
-/// this may still unpack into as much.
-constexpr std::int64_t AlwaysAllowedMemory = std::int64_t{256} << 20;
+/// The largest piece of memory that libtiff may ask for.
+constexpr std::int64_t MostPieceOfMemory = std::int64_t{448} << 20;
 
 struct FreeOptions {
     void operator()(TIFFOpenOptions* options) const { TIFFOpenOptionsFree(options); }
@@ -58,21 +57,29 @@ bool IsOfPassedOverTag(std::string_view text) {
 
 } // namespace
 
-TiffFile::TiffFile(const std::filesystem::path& path) : file_(path) {
+TiffFile::TiffFile(const std::filesystem::path& path)
+    : file_(std::make_shared<ImageFile>(path)), size_(file_->Size()) {
     Open();
-    if (!handle_)
-        ThrowComplaint();
+}
+
+TiffFile::TiffFile(const TiffFile& other, std::vector<std::uint8_t> head, std::int64_t begin,
+                   std::int64_t length)
+    : file_(other.file_), head_(std::move(head)), begin_(begin), size_(std::ssize(head_) + length),
+      pause_(other.pause_) {
+    Open();
 }
 
 void TiffFile::Open() {
     const std::unique_ptr<TIFFOpenOptions, FreeOptions> options(TIFFOpenOptionsAlloc());
     if (!options)
         throw std::bad_alloc();
-    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), std::max(AlwaysAllowedMemory, file_.Size()));
+    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), MostPieceOfMemory);
     TIFFOpenOptionsSetErrorHandlerExtR(options.get(), OnError, this);
     TIFFOpenOptionsSetWarningHandlerExtR(options.get(), OnWarning, this);
-    handle_.reset(TIFFClientOpenExt(file_.Path().filename().c_str(), "rm", this, OnRead, OnWrite, OnSeek,
-                                    OnClose, OnSize, OnMap, OnUnmap, options.get()));
+    handle_.reset(TIFFClientOpenExt(Path().filename().c_str(), "rm", this, OnRead, OnWrite, OnSeek, OnClose,
+                                    OnSize, OnMap, OnUnmap, options.get()));
+    if (!handle_)
+        ThrowComplaint();
 }
 
 std::uint16_t TiffFile::Tag16(std::uint32_t tag, std::uint16_t otherwise) const {
@@ -86,8 +93,15 @@ std::uint32_t TiffFile::Tag32(std::uint32_t tag, std::uint32_t otherwise) const 
 }
 
 std::size_t TiffFile::ReadAt(std::int64_t offset, std::span<std::uint8_t> bytes) {
-    file_.Seek(offset);
-    return file_.ReadSome(bytes);
+    const std::int64_t behindHead = offset - std::ssize(head_);
+    if (behindHead < 0) {
+        const auto count = std::min(static_cast<std::size_t>(-behindHead), bytes.size());
+        std::copy_n(head_.begin() + offset, count, bytes.begin());
+        return count;
+    }
+    file_->Seek(begin_ + behindHead);
+    const std::int64_t left = std::max<std::int64_t>(0, size_ - offset);
+    return file_->ReadSome(bytes.first(static_cast<std::size_t>(std::min(std::ssize(bytes), left))));
 }
 
 void TiffFile::Check(bool succeeded) const {
@@ -135,18 +149,17 @@ int TiffFile::OnWarning(::TIFF*, void* self, const char* module, const char* for
 /// A strip may be long: libtiff reads it in one go.
 std::size_t TiffFile::ReadOn(std::span<std::uint8_t> bytes) {
     constexpr std::size_t MostBetweenPauses = std::size_t{1} << 20;
-    file_.Seek(position_);
     std::size_t done = 0;
     while (done < bytes.size()) {
         if (pause_)
             pause_();
         const auto part = bytes.subspan(done).first(std::min(MostBetweenPauses, bytes.size() - done));
-        const std::size_t got = file_.ReadSome(part);
+        const std::size_t got = ReadAt(position_, part);
         done += got;
-        if (got < part.size())
+        position_ += static_cast<std::int64_t>(got);
+        if (got == 0)
             break;
     }
-    position_ += static_cast<std::int64_t>(done);
     return done;
 }
 
@@ -165,15 +178,15 @@ tmsize_t TiffFile::OnRead(thandle_t self, void* bytes, tmsize_t count) {
 
 toff_t TiffFile::OnSeek(thandle_t self, toff_t offset, int from) {
     auto* tiff = static_cast<TiffFile*>(self);
-    const std::int64_t base = from == SEEK_CUR ? tiff->position_ : from == SEEK_END ? tiff->file_.Size() : 0;
+    const std::int64_t base = from == SEEK_CUR ? tiff->position_ : from == SEEK_END ? tiff->Size() : 0;
     const std::int64_t target = base + static_cast<std::int64_t>(offset);
     // libtiff reads offsets from the file; one outside it is refused here, whatever libtiff makes of it.
-    if (target < 0 || target > tiff->file_.Size())
+    if (target < 0 || target > tiff->Size())
         return static_cast<toff_t>(-1);
     tiff->position_ = target;
     return static_cast<toff_t>(target);
 }
 
 toff_t TiffFile::OnSize(thandle_t self) {
-    return static_cast<toff_t>(static_cast<TiffFile*>(self)->file_.Size());
+    return static_cast<toff_t>(static_cast<TiffFile*>(self)->Size());
 }

@@ -13,6 +13,7 @@
 #include <span>
 #include <string>
 #include <utility>
+#include <vector>
 
 /// A TIFF file opened through libtiff at its first page. Bytes come from an ImageFile, never from a memory
 /// map: another program that shortens the file would end this one. libtiff's complaints stay with the object,
@@ -21,12 +22,14 @@ class TiffFile {
 public:
     /// Throws what ImageFile throws, ImageDamaged or ImageNotReadable.
     explicit TiffFile(const std::filesystem::path& path);
+    /// A file that is not on the disk: `head`, followed by a range of another file's bytes. Throws the same.
+    TiffFile(const TiffFile& other, std::vector<std::uint8_t> head, std::int64_t begin, std::int64_t length);
     TiffFile(const TiffFile&) = delete;
     TiffFile& operator=(const TiffFile&) = delete;
 
     ::TIFF* Handle() const { return handle_.get(); }
-    const std::filesystem::path& Path() const { return file_.Path(); }
-    std::int64_t Size() const { return file_.Size(); }
+    const std::filesystem::path& Path() const { return file_->Path(); }
+    std::int64_t Size() const { return size_; }
 
     /// Stored bytes from a place in the file, as many as there are. Throws FileNotReadable.
     std::size_t ReadAt(std::int64_t offset, std::span<std::uint8_t> bytes);
@@ -61,7 +64,10 @@ private:
     static toff_t OnSeek(thandle_t self, toff_t offset, int from);
     static toff_t OnSize(thandle_t self);
 
-    ImageFile file_;
+    std::shared_ptr<ImageFile> file_;
+    const std::vector<std::uint8_t> head_; ///< stands before the file's bytes from begin_ on
+    const std::int64_t begin_ = 0;
+    const std::int64_t size_;
     std::int64_t position_ = 0;
     std::string complaint_;
     std::string hint_; ///< the last thing that was said and is no complaint

@@ -19,10 +19,8 @@ bool IsFax(std::uint16_t compression) {
 /// plate with little on it may be very small.
 constexpr std::int64_t AlwaysAcceptedTiffPixels = std::int64_t{1} << 30;
 
-/// Coders whose samples only libtiff's own conversion makes sense of.
-bool HasOwnSamples(std::uint16_t compression) {
-    return compression == COMPRESSION_OJPEG || compression == COMPRESSION_PIXARLOG ||
-           compression == COMPRESSION_SGILOG || compression == COMPRESSION_SGILOG24;
+bool IsLogarithmic(std::uint16_t compression) {
+    return compression == COMPRESSION_SGILOG || compression == COMPRESSION_SGILOG24;
 }
 
 /// A file without the tag is taken as libtiff takes it.
@@ -35,9 +33,25 @@ std::uint16_t Photometric(const TiffFile& file, std::uint16_t compression, std::
     return IsFax(compression) ? PHOTOMETRIC_MINISWHITE : PHOTOMETRIC_MINISBLACK;
 }
 
+[[noreturn]] void ThrowPixelsNotReadable(const TiffFile& file) {
+    ThrowNotReadable(file.Path(), "its " + TiffPixelsText(file) + " are of a kind that is not read");
+}
+
+/// LogL and LogLuv, which their coder turns into greys and RGB.
+TiffColour LogarithmicColour(const TiffFile& file, const TiffLayout& layout, std::uint16_t compression) {
+    const std::uint16_t photometric = file.Tag16(TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
+    if (photometric == PHOTOMETRIC_LOGL && compression == COMPRESSION_SGILOG)
+        return TiffColour::Grey;
+    if (photometric == PHOTOMETRIC_LOGLUV && layout.samples == 3 && !layout.separatePlanes)
+        return TiffColour::Rgb;
+    ThrowPixelsNotReadable(file);
+}
+
 TiffColour ColourOf(const TiffFile& file, const TiffLayout& layout, std::uint16_t compression) {
-    if (HasOwnSamples(compression))
+    if (compression == COMPRESSION_OJPEG)
         return TiffColour::Converted;
+    if (IsLogarithmic(compression))
+        return LogarithmicColour(file, layout, compression);
     if (file.HasLostColourMap())
         ThrowDamaged(file.Path(), "its colour map cannot be read");
     const std::uint16_t photometric = Photometric(file, compression, layout.samples);
@@ -58,12 +72,12 @@ TiffColour ColourOf(const TiffFile& file, const TiffLayout& layout, std::uint16_
         // The JPEG library converts on its way; separate planes never meet there.
         if (compression == COMPRESSION_JPEG && !layout.separatePlanes)
             return TiffColour::Rgb;
-        return TiffColour::Converted;
+        return TiffColour::Ycbcr;
     case PHOTOMETRIC_CIELAB:
         return TiffColour::Lab;
     case PHOTOMETRIC_LOGL:
     case PHOTOMETRIC_LOGLUV:
-        return TiffColour::Converted;
+        ThrowPixelsNotReadable(file);
     default:
         ThrowNotReadable(file.Path(),
                          "its colours are of a kind (" + std::to_string(photometric) + ") that is not read");
@@ -115,6 +129,20 @@ void ReadAlpha(const TiffFile& file, TiffLayout& layout) {
     }
 }
 
+/// How many pixels share their colour.
+void ReadUnits(const TiffFile& file, TiffLayout& layout) {
+    std::uint16_t across = 2;
+    std::uint16_t down = 2;
+    TIFFGetFieldDefaulted(file.Handle(), TIFFTAG_YCBCRSUBSAMPLING, &across, &down);
+    const auto isPower = [](std::uint16_t count) { return count == 1 || count == 2 || count == 4; };
+    const bool isSubsampled = across != 1 || down != 1;
+    if (layout.samples != 3 || layout.bits != 8 || layout.number != TiffNumber::Unsigned ||
+        !isPower(across) || !isPower(down) || (isSubsampled && layout.separatePlanes))
+        ThrowPixelsNotReadable(file);
+    layout.unitWidth = across;
+    layout.unitHeight = down;
+}
+
 void ReadBlocks(const TiffFile& file, TiffLayout& layout) {
     layout.tiled = TIFFIsTiled(file.Handle()) != 0;
     if (layout.tiled) {
@@ -142,6 +170,13 @@ void CheckCompression(const TiffFile& file, std::uint16_t compression) {
 }
 
 } // namespace
+
+void AskTiffForBytes(const TiffFile& file, std::uint16_t compression) {
+    if (IsLogarithmic(compression))
+        TIFFSetField(file.Handle(), TIFFTAG_SGILOGDATAFMT, SGILOGDATAFMT_8BIT);
+    if (compression == COMPRESSION_PIXARLOG)
+        TIFFSetField(file.Handle(), TIFFTAG_PIXARLOGDATAFMT, PIXARLOGDATAFMT_8BIT);
+}
 
 int TiffLayout::ColourSamples() const {
     if (colour == TiffColour::Cmyk)
@@ -190,7 +225,10 @@ TiffLayout ReadTiffLayout(const TiffFile& file) {
         ThrowDamaged(file.Path(), "its pixels have too few samples");
     if (compression == COMPRESSION_JPEG && layout.colour == TiffColour::Rgb)
         TIFFSetField(file.Handle(), TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+    AskTiffForBytes(file, compression);
     ReadNumberKind(file, layout);
+    if (layout.colour == TiffColour::Ycbcr)
+        ReadUnits(file, layout);
     if (layout.colour != TiffColour::Converted) {
         CheckNumberKind(file, layout);
         ReadAlpha(file, layout);

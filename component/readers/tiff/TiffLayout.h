@@ -17,7 +17,8 @@ enum class TiffColour : std::uint8_t {
     Rgb,         ///< three samples
     Cmyk,        ///< four samples, 0 is no ink
     Lab,         ///< three samples of 8 or 16 bits: L* unsigned, a* and b* signed
-    Converted,   ///< of a kind that libtiff turns into RGB: YCbCr, LogL, LogLuv
+    Ycbcr,       ///< three samples of 8 bits, not in JPEG data; they may be subsampled
+    Converted,   ///< old-style JPEG, which only libtiff turns into RGB
 };
 
 enum class TiffAlpha : std::uint8_t {
@@ -41,6 +42,8 @@ struct TiffLayout {
     bool tiled = false;
     std::int64_t blockWidth = 0;  ///< of a tile or strip, in pixels
     std::int64_t blockHeight = 0; ///< likewise, at most the image's height for strips
+    std::int64_t unitWidth = 1;   ///< pixels that share one Cb and one Cr, of TiffColour::Ycbcr
+    std::int64_t unitHeight = 1;  ///< likewise
 
     int ColourSamples() const;
     /// Planes that are read: those up to the last sample that counts.
@@ -51,11 +54,15 @@ struct TiffLayout {
     /// floating-point ones, which are stretched.
     bool IsStretched() const;
     PixelFormat Format() const;
+    bool IsSubsampled() const { return unitWidth * unitHeight > 1; }
 };
 
-/// Reads and checks the tags, and switches JPEG data to RGB. Throws ImageDamaged, ImageNotReadable or
-/// ImageTooLarge.
+/// Reads and checks the tags, and switches JPEG data to RGB, logarithmic data to 8 bits. Throws ImageDamaged,
+/// ImageNotReadable or ImageTooLarge.
 TiffLayout ReadTiffLayout(const TiffFile& file);
+
+/// Coders of logarithms have several kinds of samples to give; these are to be bytes.
+void AskTiffForBytes(const TiffFile& file, std::uint16_t compression);
 
 /// The colour map as a palette of 2^bits entries. Old files have 8-bit values in the 16-bit map.
 Palette ReadTiffPalette(const TiffFile& file, std::uint16_t bits);

@@ -13,8 +13,12 @@ std::uint8_t Unmultiplied(std::uint8_t colour, std::uint8_t alpha) {
 
 } // namespace
 
-TiffPixels::TiffPixels(const TiffLayout& layout, Palette palette, std::optional<TiffLab> lab)
-    : layout_(layout), palette_(std::move(palette)), lab_(lab) {
+TiffPixels::TiffPixels(const TiffFile& file, const TiffLayout& layout, Palette palette)
+    : layout_(layout), palette_(std::move(palette)) {
+    if (layout.colour == TiffColour::Lab)
+        lab_.emplace(file);
+    if (layout.colour == TiffColour::Ycbcr)
+        ycbcr_.emplace(file);
     const auto width = static_cast<std::size_t>(layout.width);
     for (std::vector<std::uint8_t>& channel : channels_)
         channel.resize(width);
@@ -74,6 +78,8 @@ void TiffPixels::UnpackColours(const TiffRows& rows) {
         return ConvertLab(rows);
     for (int sample = 0; sample < layout_.ColourSamples(); ++sample)
         Unpack(rows, static_cast<std::size_t>(sample), sample);
+    if (ycbcr_)
+        ConvertYcbcr();
 }
 
 void TiffPixels::LookUpColours() {
@@ -107,6 +113,15 @@ void TiffPixels::ConvertLab(const TiffRows& rows) {
     }
 }
 
+void TiffPixels::ConvertYcbcr() {
+    std::array<std::uint8_t, 3> rgb{};
+    for (std::size_t i = 0; i < channels_[0].size(); ++i) {
+        ycbcr_->ToRgb(channels_[0][i], channels_[1][i], channels_[2][i], rgb.data());
+        for (std::size_t colour = 0; colour < rgb.size(); ++colour)
+            channels_[colour][i] = rgb[colour];
+    }
+}
+
 void TiffPixels::Unpack(const TiffRows& rows, std::size_t channel, int sample) {
     const TiffSampleRun run = SampleRunOf(layout_, rows, sample);
     const bool isAlpha = channel == AlphaChannel;
@@ -133,6 +148,7 @@ void TiffPixels::ToColours(std::size_t pixel, std::uint8_t* rgb) const {
     case TiffColour::Rgb:
     case TiffColour::Indexed:
     case TiffColour::Lab:
+    case TiffColour::Ycbcr:
     case TiffColour::Converted:
         for (std::size_t i = 0; i < 3; ++i)
             rgb[i] = channels_[i][pixel];

@@ -3,6 +3,7 @@
 #include "component/readers/tiff/TiffLab.h"
 #include "component/readers/tiff/TiffLayout.h"
 #include "component/readers/tiff/TiffStretch.h"
+#include "component/readers/tiff/TiffYcbcr.h"
 
 #include <array>
 #include <cstdint>
@@ -16,8 +17,9 @@
 /// most 255, and 0 where alpha is 0.
 class TiffPixels {
 public:
-    /// `palette` is needed for palette images that become RGB or RGBA, `lab` for L*a*b*.
-    TiffPixels(const TiffLayout& layout, Palette palette, std::optional<TiffLab> lab);
+    /// `palette` is needed for palette images that become RGB or RGBA. Throws what a colour's own tags ask
+    /// for.
+    TiffPixels(const TiffFile& file, const TiffLayout& layout, Palette palette);
 
     /// For layouts that are stretched, before the first row.
     void SetRanges(const TiffRanges& ranges) { ranges_ = ranges; }
@@ -31,6 +33,7 @@ private:
     void UnpackColours(const TiffRows& rows);
     void LookUpColours();
     void ConvertLab(const TiffRows& rows);
+    void ConvertYcbcr();
     void ToColours(std::size_t pixel, std::uint8_t* rgb) const;
     void PutGreys(std::uint8_t* out) const;
     void PutRgb(std::uint8_t* out) const;
@@ -40,7 +43,8 @@ private:
 
     const TiffLayout layout_;
     const Palette palette_;
-    const std::optional<TiffLab> lab_;
+    std::optional<TiffLab> lab_;
+    std::optional<TiffYcbcr> ycbcr_;
     std::array<std::vector<std::uint8_t>, 5> channels_; ///< up to four colours, and alpha
     TiffRanges ranges_;
     std::vector<double> values_;         ///< of one channel that is stretched

@@ -13,8 +13,9 @@ namespace {
 
 class TiffReader : public RowReader {
 public:
-    TiffReader(std::unique_ptr<TiffFile> file, const TiffLayout& layout)
-        : file_(std::move(file)), layout_(layout), isToStretch_(layout.IsStretched()) {
+    TiffReader(std::unique_ptr<TiffFile> file, const TiffLayout& layout, std::filesystem::path spoolFolder)
+        : file_(std::move(file)), layout_(layout), spoolFolder_(std::move(spoolFolder)),
+          isToStretch_(layout.IsStretched()) {
         info_.width = layout.width;
         info_.height = layout.height;
         info_.format = layout.Format();
@@ -28,11 +29,8 @@ public:
         if (layout.colour == TiffColour::Converted) {
             converted_ = std::make_unique<TiffConverted>(*file_, layout);
         } else {
-            rows_ = MakeTiffRows(*file_, layout);
-            std::optional<TiffLab> lab;
-            if (layout.colour == TiffColour::Lab)
-                lab.emplace(*file_);
-            pixels_ = std::make_unique<TiffPixels>(layout, std::move(palette), lab);
+            rows_ = MakeTiffRows(*file_, layout, spoolFolder_);
+            pixels_ = std::make_unique<TiffPixels>(*file_, layout, std::move(palette));
         }
     }
 
@@ -56,7 +54,7 @@ private:
         const TiffRanges ranges = FindTiffRanges(*file_, layout_, *rows_, pause);
         pixels_->SetRanges(ranges);
         rows_.reset(); // before the others take their memory
-        rows_ = MakeTiffRows(*file_, layout_);
+        rows_ = MakeTiffRows(*file_, layout_, spoolFolder_);
         isToStretch_ = false;
         const char* kind = layout_.number == TiffNumber::Float ? "floating-point" : "signed";
         Remark("The " + std::string(kind) + " samples of the image '" + file_->Path().string() + "' from " +
@@ -66,6 +64,7 @@ private:
 
     std::unique_ptr<TiffFile> file_;
     const TiffLayout layout_;
+    const std::filesystem::path spoolFolder_;
     bool isToStretch_;
     std::unique_ptr<TiffConverted> converted_; ///< this, or the two below
     std::unique_ptr<TiffRows> rows_;
@@ -78,6 +77,6 @@ std::unique_ptr<RowReader> OpenTiff(const std::filesystem::path& file,
                                     const std::filesystem::path& spoolFolder) {
     auto tiff = std::make_unique<TiffFile>(file);
     const TiffLayout layout = ReadTiffLayout(*tiff);
-    return ApplyOrientation(std::make_unique<TiffReader>(std::move(tiff), layout), layout.orientation,
-                            spoolFolder);
+    return ApplyOrientation(std::make_unique<TiffReader>(std::move(tiff), layout, spoolFolder),
+                            layout.orientation, spoolFolder);
 }

@@ -3,6 +3,7 @@
 #include "component/readers/tiff/TiffLayout.h"
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -32,10 +33,8 @@ TiffSampleRun SampleRunOf(const TiffLayout& layout, const TiffRows& rows, int sa
 /// Bytes of a row of one plane.
 std::int64_t TiffRowBytes(const TiffLayout& layout);
 
-/// Whether a writer has left the strip or tile out because nothing is in it; it reads as zeros.
-bool IsTiffBlockLeftOut(const TiffFile& file, std::uint32_t block);
-
-/// Picks what suits the layout: strips and tiles are unpacked as wholes, a row of tiles at a time; those too
-/// large for that row by row. Throws ImageTooLarge where the coder leaves no other way than to unpack whole
-/// tiles and a row of them would need more memory than is sensible.
-std::unique_ptr<TiffRows> MakeTiffRows(TiffFile& file, const TiffLayout& layout);
+/// Picks what suits the layout: small strips and tiles are unpacked as wholes, a row of tiles at a time,
+/// large ones row by row (see TiffLargeRows.h), subsampled YCbCr unit by unit. Throws ImageTooLarge where the
+/// coder leaves no other way than to unpack a whole block that would need more memory than is sensible.
+std::unique_ptr<TiffRows> MakeTiffRows(TiffFile& file, const TiffLayout& layout,
+                                       const std::filesystem::path& spoolFolder);

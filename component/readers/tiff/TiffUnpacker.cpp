@@ -3,6 +3,7 @@
 #include "component/readers/common/ImageError.h"
 #include "component/readers/tiff/TiffWords.h"
 
+#include <lzma.h>
 #include <zlib.h>
 #include <zstd.h>
 
@@ -206,6 +207,51 @@ private:
     ZSTD_inBuffer piece_{nullptr, 0, 0};
 };
 
+class Lzma : public TiffUnpacker {
+public:
+    explicit Lzma(TiffBytes bytes) : bytes_(std::move(bytes)) {
+        if (lzma_stream_decoder(&stream_, MostMemory, 0) != LZMA_OK)
+            throw std::bad_alloc();
+    }
+    ~Lzma() override { lzma_end(&stream_); }
+    Lzma(const Lzma&) = delete;
+    Lzma& operator=(const Lzma&) = delete;
+
+    void Read(std::span<std::uint8_t> out) override {
+        stream_.next_out = out.data();
+        stream_.avail_out = out.size();
+        while (stream_.avail_out > 0) {
+            if (stream_.avail_in == 0)
+                Feed();
+            Check(lzma_code(&stream_, LZMA_RUN));
+        }
+    }
+
+private:
+    /// The coder's own greatest level asks for 65 MB.
+    static constexpr std::uint64_t MostMemory = std::uint64_t{128} << 20;
+
+    void Feed() {
+        const std::span<const std::uint8_t> piece = bytes_.Next();
+        stream_.next_in = piece.data();
+        stream_.avail_in = piece.size();
+    }
+
+    void Check(lzma_ret result) const {
+        if (result == LZMA_MEM_ERROR)
+            throw std::bad_alloc();
+        if (result == LZMA_STREAM_END && stream_.avail_out == 0)
+            return;
+        if (result == LZMA_STREAM_END || result == LZMA_BUF_ERROR)
+            bytes_.ThrowDamaged(PixelsEnd);
+        if (result != LZMA_OK)
+            bytes_.ThrowDamaged("the LZMA data of one of its strips or tiles are broken");
+    }
+
+    TiffBytes bytes_;
+    lzma_stream stream_ = LZMA_STREAM_INIT;
+};
+
 /// An early form of LZW, whose codes begin at the other end of the bytes.
 bool IsOldLzw(TiffFile& file, std::uint32_t block) {
     TiffBytes bytes(file, block);
@@ -247,6 +293,8 @@ std::unique_ptr<TiffUnpacker> MakeTiffUnpacker(TiffFile& file, std::uint32_t blo
         return std::make_unique<Deflate>(TiffBytes(file, block));
     case COMPRESSION_ZSTD:
         return std::make_unique<Zstd>(TiffBytes(file, block));
+    case COMPRESSION_LZMA:
+        return std::make_unique<Lzma>(TiffBytes(file, block));
     default:
         return nullptr;
     }

@@ -34,5 +34,6 @@ public:
     virtual void Read(std::span<std::uint8_t> bytes) = 0;
 };
 
-/// Nothing where the coder is none of those that are unpacked here: stored, PackBits, LZW, Deflate and ZSTD.
+/// Nothing where the coder is none of those that are unpacked here: stored, PackBits, LZW, Deflate, ZSTD
+/// and LZMA.
 std::unique_ptr<TiffUnpacker> MakeTiffUnpacker(TiffFile& file, std::uint32_t block);
