@@ -75,7 +75,7 @@ void MapObject::SetZone(const std::string& zone) {
     WithPending([&](Georeference& pending) { pending.zone = zone; });
 }
 
-void MapObject::SetScaling(ScalingKind kind, const std::vector<ReferencePoint>& points) {
+void MapObject::SetScaling(ScalingKind kind, std::initializer_list<ReferencePoint> points) {
     WithPending([&](Georeference& pending) {
         Georeference whole = pending;
         if (!whole.grid) {

@@ -7,6 +7,8 @@
 #include "component/scaling/Scaling.h"
 #include "component/storage/TileDirectory.h"
 
+#include <initializer_list>
+
 /// A map of a library.
 class MapObject final : public MetadataObject<AtlavexMap, MapState, ErrorNumber::NoSuchMap> {
 public:
@@ -69,7 +71,7 @@ private:
     };
     template <typename Step>
     void WithPending(const Step& step);
-    void SetScaling(ScalingKind kind, const std::vector<ReferencePoint>& points);
+    void SetScaling(ScalingKind kind, std::initializer_list<ReferencePoint> points);
     Converters& WithScaling() const;
     Converters& WithDatum() const;
     TileReader NewReader() const;
