@@ -32,13 +32,6 @@ std::int64_t IdOf(char mark, const std::string& reference) {
     return isOne ? id : 0;
 }
 
-/// Objects stand in the order of their numbers: a library may hold very many.
-template <typename List>
-auto FindId(List& list, std::int64_t id) {
-    const auto found = std::ranges::lower_bound(list, id, {}, [](const auto& object) { return object->id; });
-    return found != list.end() && (*found)->id == id ? found : list.end();
-}
-
 /// Room for one more, so that nothing can fail any more once a new object is complete.
 template <typename List>
 void MakeRoom(List& list) {

@@ -7,9 +7,18 @@
 #include "component/storage/Sealing.h"
 #include "component/storage/files/Disposal.h"
 
+#include <algorithm>
 #include <map>
 
 class NewFileSave;
+
+/// The object of a number, or the list's end. Objects stand in the order of their numbers: a library may hold
+/// very many.
+template <typename List, typename Number>
+auto FindId(List& list, const Number& id) {
+    const auto found = std::ranges::lower_bound(list, id, {}, [](const auto& object) { return object->id; });
+    return found != list.end() && (*found)->id == id ? found : list.end();
+}
 
 /// A map library over its file: keeps the state in memory, the open file, and the scratch for what is not
 /// saved yet.

@@ -1,6 +1,9 @@
 // Icons: large ones, many of them, and damaged ones.
 
 #include "component/Bitmap.h"
+#include "component/library/IconObject.h"
+#include "component/readers/OpenImage.h"
+#include "component/storage/Scratch.h"
 #include "tests/component/LibraryFixture.h"
 #include "tests/support/RunProgram.h"
 
@@ -57,6 +60,40 @@ TEST_F(LibraryIcons, OfSixteenMegapixelsCanBeCancelledAtAnyMoment) {
         library->OnProgress = nullptr;
         AddIcon(*library, MakeSheet(PixelFormat::Grey, 9, 9));
         EXPECT_EQ(library->IconCount(), 1);
+    }
+}
+
+/// A reader of an image file during which the work is given up, and which counts what is read.
+class RowsUntilCancel : public RowReader {
+public:
+    RowsUntilCancel(std::unique_ptr<RowReader> image, std::int32_t cancelAt, Progress& progress)
+        : image_(std::move(image)), cancelAt_(cancelAt), progress_(progress) {
+        info_ = image_->Info();
+    }
+    void ReadRows(std::uint8_t* rows, std::ptrdiff_t stride, std::int32_t count) override {
+        image_->ReadRows(rows, stride, count);
+        read_ += count;
+        if (read_ >= cancelAt_)
+            progress_.Cancel();
+    }
+    std::int32_t Read() const { return read_; }
+
+private:
+    std::unique_ptr<RowReader> image_;
+    const std::int32_t cancelAt_;
+    Progress& progress_;
+    std::int32_t read_ = 0;
+};
+
+TEST_F(LibraryIcons, ThatAreCancelledWhileTheirRowsAreReadAreReadNoFurther) {
+    const std::string file = ImageOf(MakeBlankSheet(LargestSide, LargestSide));
+    const auto scratch = MakeScratch(SystemFiles(), PathOf(""), Envelope::Plain());
+    NumberSource numbers;
+    for (const std::int32_t cancelAt : {1, LargestSide / 2}) {
+        Progress progress;
+        RowsUntilCancel image(OpenIconImage(file, PathOf("")), cancelAt, progress);
+        EXPECT_ERROR(ImportIcon(image, "large", *scratch, numbers, progress), ErrorNumber::Cancelled);
+        EXPECT_LT(image.Read(), cancelAt + LargestSide / 16) << "a quarter of a megapixel, and one more";
     }
 }
 

@@ -1,8 +1,39 @@
 // References and the life of the objects that the library hands out.
 
+#include "component/library/LibraryObject.h"
 #include "tests/component/LibraryFixture.h"
 
+#include <compare>
+
 namespace {
+
+/// A number that counts how often it is compared.
+struct CountedNumber {
+    std::int64_t value;
+    int* comparisons;
+
+    std::strong_ordering operator<=>(const CountedNumber& other) const {
+        ++*comparisons;
+        return value <=> other.value;
+    }
+    bool operator==(const CountedNumber& other) const { return (*this <=> other) == 0; }
+};
+
+struct Numbered {
+    CountedNumber id;
+};
+
+/// How many comparisons it takes to look up each object of so many once.
+int ComparisonsForAll(std::int64_t count) {
+    int comparisons = 0;
+    std::vector<std::shared_ptr<Numbered>> objects;
+    for (std::int64_t number = 1; number <= count; ++number)
+        objects.push_back(std::make_shared<Numbered>(CountedNumber{3 * number, &comparisons}));
+    for (std::int64_t number = 1; number <= count; ++number)
+        EXPECT_EQ((*FindId(objects, CountedNumber{3 * number, &comparisons}))->id.value, 3 * number);
+    EXPECT_EQ(FindId(objects, CountedNumber{4, &comparisons}), objects.end());
+    return comparisons;
+}
 
 class LibraryReferences : public LibraryTest {
 protected:
@@ -238,4 +269,9 @@ TEST_F(LibraryReferences, ImagesHandedOutOutliveEverything) {
     library.reset();
     EXPECT_EQ(image->Width(), 32);
     EXPECT_EQ(view->Height(), 40);
+}
+
+TEST_F(LibraryReferences, AreLookedUpInFewComparisonsHoweverManyThereAre) {
+    EXPECT_LT(ComparisonsForAll(10000), 20 * ComparisonsForAll(1000)) << "no growth with the square";
+    EXPECT_LT(ComparisonsForAll(10000), 10000 * 20);
 }
