@@ -1,10 +1,12 @@
 #pragma once
 
+#include "component/readers/common/LzwWords.h"
+
 #include <array>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <span>
-#include <vector>
 
 /// Unpacks the pixels of one GIF frame: LZW codes of growing width in blocks of up to 255 bytes.
 ///
@@ -29,37 +31,18 @@ public:
     Outcome Read(std::span<std::uint8_t> indices);
 
 private:
-    static constexpr unsigned MostCodes = 4096;
-    static constexpr unsigned MostBits = 12;
-
-    /// A word of indices: that of another code and one index more.
-    struct Word {
-        std::uint16_t begin;
-        std::uint16_t length;
-        std::uint8_t first;
-        std::uint8_t last;
-    };
-
     void Clear();
     Outcome NextCode(unsigned& code);
     Outcome NextBlock();
-    bool Follow(unsigned code);
-    bool Learn(unsigned code);
-    std::size_t Put(unsigned code, std::span<std::uint8_t> indices);
-    void Spell(unsigned code, std::span<std::uint8_t> indices) const;
+    Outcome Follow(unsigned code);
 
     std::FILE* stream_;
     Outcome outcome_ = Outcome::Done; ///< of what was read so far
-    unsigned clearCode_ = 0;
-    unsigned width_ = 0; ///< of the codes at present, in bits
-    unsigned known_ = 0; ///< codes that mean something
-    int previous_ = -1;  ///< the code before, or -1 after a clear code
+    std::optional<LzwWords> words_;   ///< of indices; nothing when the codes have no width
+    unsigned width_ = 0;              ///< of the codes at present, in bits
     std::uint32_t bits_ = 0;
     unsigned bitCount_ = 0;
     std::array<std::uint8_t, 255> block_{};
     std::size_t blockAt_ = 0;
     std::size_t blockEnd_ = 0;
-    std::array<Word, MostCodes> words_{};
-    std::vector<std::uint8_t> rest_; ///< of a word that the last rows cut, and how much of it has been given
-    std::size_t restAt_ = 0;
 };

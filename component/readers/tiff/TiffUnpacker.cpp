@@ -1,7 +1,7 @@
 #include "component/readers/tiff/TiffUnpacker.h"
 
 #include "component/readers/common/ImageError.h"
-#include "component/readers/tiff/TiffWords.h"
+#include "component/readers/common/LzwWords.h"
 
 #include <lzma.h>
 #include <zlib.h>
@@ -88,16 +88,19 @@ public:
     explicit Lzw(TiffBytes bytes) : bytes_(std::move(bytes)) {}
 
     void Read(std::span<std::uint8_t> out) override {
+        out = out.subspan(words_.Take(out));
         while (!out.empty()) {
-            out = out.subspan(words_.TakeRest(out));
-            if (!out.empty())
-                Follow(NextCode());
+            Follow(NextCode());
+            out = out.subspan(words_.Take(out));
         }
     }
 
 private:
+    static constexpr unsigned ClearCode = 256;
+    static constexpr unsigned FirstBits = 9;
+
     unsigned NextCode() {
-        while (bitCount_ < words_.CodeBits()) {
+        while (bitCount_ < codeBits_) {
             if (piece_.empty())
                 piece_ = bytes_.Next();
             if (piece_.empty())
@@ -106,22 +109,31 @@ private:
             piece_ = piece_.subspan(1);
             bitCount_ += 8;
         }
-        bitCount_ -= words_.CodeBits();
-        return bits_ >> bitCount_ & ((1U << words_.CodeBits()) - 1);
+        bitCount_ -= codeBits_;
+        return bits_ >> bitCount_ & ((1U << codeBits_) - 1);
     }
 
     void Follow(unsigned code) {
-        if (code == TiffWords::EndCode)
+        if (code == words_.EndCode())
             bytes_.ThrowDamaged(PixelsEnd);
+        if (code == words_.ClearCode()) {
+            words_.Clear();
+            codeBits_ = FirstBits;
+            return;
+        }
         if (!words_.Follow(code))
             bytes_.ThrowDamaged("the codes of one of its strips or tiles contradict themselves");
+        // In this format codes grow one code before they have to.
+        if (words_.Known() + 1 == 1U << codeBits_ && codeBits_ < LzwWords::MostBits)
+            ++codeBits_;
     }
 
     TiffBytes bytes_;
     std::span<const std::uint8_t> piece_;
     std::uint32_t bits_ = 0;
     unsigned bitCount_ = 0;
-    TiffWords words_;
+    unsigned codeBits_ = FirstBits;
+    LzwWords words_{ClearCode};
 };
 
 class Deflate : public TiffUnpacker {
