@@ -1,7 +1,7 @@
 #include "component/library/PixelBands.h"
 
 #include "base/ComponentError.h"
-#include "component/render/ShortThreads.h"
+#include "base/Threads.h"
 
 #include <algorithm>
 #include <cstring>

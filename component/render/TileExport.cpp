@@ -1,11 +1,11 @@
 #include "component/render/TileExport.h"
 
 #include "base/ComponentError.h"
+#include "base/Threads.h"
 #include "component/render/ExportFolder.h"
 #include "component/render/ExportText.h"
 #include "component/render/MapDescription.h"
 #include "component/render/MosaicText.h"
-#include "component/render/ShortThreads.h"
 #include "component/render/TileWriters.h"
 #include "component/render/ViewerPage.h"
 #include "component/tiles/TileCodec.h"

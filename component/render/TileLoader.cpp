@@ -1,8 +1,8 @@
 #include "component/render/TileLoader.h"
 
 #include "base/ComponentError.h"
+#include "base/Threads.h"
 #include "component/render/Hatching.h"
-#include "component/render/ShortThreads.h"
 
 #include <algorithm>
 #include <atomic>

@@ -1,6 +1,6 @@
 #include "component/render/TileWriters.h"
 
-#include "component/render/ShortThreads.h"
+#include "base/Threads.h"
 
 #include <atomic>
 #include <condition_variable>

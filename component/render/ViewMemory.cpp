@@ -1,6 +1,6 @@
 #include "component/render/ViewMemory.h"
 
-#include "component/render/ShortThreads.h"
+#include "base/Threads.h"
 
 ViewMemory::ViewMemory(int threads, std::chrono::milliseconds patience, bool tiesUp)
     : threads_(static_cast<std::size_t>(ThreadCount(threads))), patience_(patience), tiesUp_(tiesUp) {}

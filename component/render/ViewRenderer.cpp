@@ -1,8 +1,8 @@
 #include "component/render/ViewRenderer.h"
 
 #include "base/ComponentError.h"
+#include "base/Threads.h"
 #include "component/render/ScreenPart.h"
-#include "component/render/ShortThreads.h"
 #include "component/render/ViewPainter.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "component/render/ShortThreads.h"
+#include "base/Threads.h"
 
 #include <algorithm>
 #include <atomic>
