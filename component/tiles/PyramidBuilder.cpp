@@ -1,15 +1,13 @@
 #include "component/tiles/PyramidBuilder.h"
 
 #include "base/ComponentError.h"
+#include "base/Threads.h"
 #include "component/tiles/StripAssembler.h"
 #include "component/tiles/TileCutter.h"
 #include "component/tiles/TileQueue.h"
 
 #include <algorithm>
 #include <new>
-#include <system_error>
-#include <thread>
-#include <vector>
 
 namespace {
 
@@ -46,17 +44,7 @@ private:
 };
 
 void Build::Run(int threads) {
-    std::vector<std::thread> others;
-    others.reserve(static_cast<std::size_t>(threads));
-    try {
-        while (std::ssize(others) + 1 < threads)
-            others.emplace_back([this] { Work(); });
-    } catch (const std::system_error&) {
-        // The system gives no more threads: those there are do the work.
-    }
-    Work();
-    for (std::thread& other : others)
-        other.join();
+    RunOnThreads(threads, [this](int) { Work(); });
     queue_.RethrowFailure();
 }
 
@@ -112,10 +100,8 @@ void Build::EncodeTile(TileCutter& cutter, const TileQueue::Tile& tile) {
 
 void BuildPyramid(RowReader& reader, const PyramidLayout& layout, TileSink& sink, Progress& progress,
                   int threads) {
-    if (threads <= 0)
-        threads = static_cast<int>(std::thread::hardware_concurrency());
     try {
-        Build(reader, layout, sink, progress).Run(std::clamp(threads, 1, MostThreads));
+        Build(reader, layout, sink, progress).Run(std::min(ThreadCount(threads), MostThreads));
     } catch (const std::bad_alloc&) {
         throw ComponentError(ErrorNumber::OutOfMemory,
                              "There is not enough memory to cut the image into tiles.");
