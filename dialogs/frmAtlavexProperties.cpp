@@ -4,8 +4,6 @@
 #include "platform/modMessages.h"
 #include "ui_frmAtlavexProperties.h"
 
-#include <QShowEvent>
-
 namespace {
 
 constexpr qsizetype LongestKey = 16;     ///< characters
@@ -19,12 +17,12 @@ qsizetype CharactersIn(const QString& text) {
 } // namespace
 
 frmAtlavexProperties::frmAtlavexProperties(QWidget* parent)
-    : QDialog(parent), ui_(std::make_unique<Ui::frmAtlavexProperties>()) {
+    : DialogForm(parent), ui_(std::make_unique<Ui::frmAtlavexProperties>()) {
     ui_->setupUi(this);
     connect(ui_->cbEncrypt, &QCheckBox::clicked, this, &frmAtlavexProperties::cbEncrypt_Click);
     connect(ui_->btnKeyGenerate, &QPushButton::clicked, this, &frmAtlavexProperties::btnKeyGenerate_Click);
     connect(ui_->btnOK, &QPushButton::clicked, this, &frmAtlavexProperties::btnOK_Click);
-    connect(ui_->btnCancel, &QPushButton::clicked, this, &frmAtlavexProperties::btnCancel_Click);
+    ConnectCancel(*ui_->btnCancel);
 }
 
 frmAtlavexProperties::~frmAtlavexProperties() = default;
@@ -37,14 +35,7 @@ QString frmAtlavexProperties::EncryptionKey() const {
     return ui_->tbEncryptionKey->text();
 }
 
-void frmAtlavexProperties::showEvent(QShowEvent* event) {
-    if (!event->spontaneous())
-        Load();
-    QDialog::showEvent(event);
-}
-
 void frmAtlavexProperties::Load() {
-    ok_ = false;
     ui_->cbEncrypt->setChecked(false);
     ui_->tbEncryptionKey->clear();
     cbEncrypt_Click();
@@ -69,29 +60,15 @@ void frmAtlavexProperties::btnOK_Click() {
     // Both checks always run, and the second says what it says: an accepted key of 5 to 16 characters is
     // followed by its sentence. Meant.
     if (length <= LongestKey)
-        TakeKey();
+        AcceptOK();
     else
         Refuse(QStringLiteral("Error: Encryption key can not be longer than 16 characters"));
     if (length <= LongestShortKey)
-        TakeKey();
+        AcceptOK();
     else
         Refuse(QStringLiteral("Error: Encryption key must be longer than 4 characters"));
 }
 
-void frmAtlavexProperties::TakeKey() {
-    ok_ = true;
-    accept();
-}
-
 void frmAtlavexProperties::Refuse(const QString& reason) {
     ShowMessage(isVisible() ? this : parentWidget(), reason);
-}
-
-void frmAtlavexProperties::btnCancel_Click() {
-    reject();
-}
-
-void frmAtlavexProperties::reject() {
-    ok_ = false;
-    QDialog::reject();
 }

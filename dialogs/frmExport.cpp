@@ -11,7 +11,6 @@
 #include "ui_frmExport.h"
 
 #include <QScopedValueRollback>
-#include <QShowEvent>
 
 #include <exception>
 
@@ -29,21 +28,15 @@ QString Remembered(const QString& valueName) {
 
 } // namespace
 
-frmExport::frmExport(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui::frmExport>()) {
+frmExport::frmExport(QWidget* parent) : DialogForm(parent), ui_(std::make_unique<Ui::frmExport>()) {
     ui_->setupUi(this);
     FillCombo(*ui_->cbImageFormat, QStringList{QStringLiteral("png")});
     connect(ui_->btnBrowse, &QPushButton::clicked, this, &frmExport::btnBrowse_Click);
     connect(ui_->btnExport, &QPushButton::clicked, this, &frmExport::btnExport_Click);
-    connect(ui_->btnCancel, &QPushButton::clicked, this, &frmExport::btnCancel_Click);
+    ConnectCancel(*ui_->btnCancel);
 }
 
 frmExport::~frmExport() = default;
-
-void frmExport::showEvent(QShowEvent* event) {
-    if (!event->spontaneous())
-        Load();
-    QDialog::showEvent(event);
-}
 
 void frmExport::Load() {
     ReadSettings();
@@ -98,7 +91,7 @@ void frmExport::btnExport_Click() {
     }
     ShowMessage(this, QStringLiteral("Tile Image Export completed!"));
     SaveSettings();
-    accept();
+    AcceptOK();
 }
 
 void frmExport::CompleteIdentifier() {
@@ -128,11 +121,7 @@ void frmExport::ExportTiles(const QString& folder) {
         work();
 }
 
-void frmExport::btnCancel_Click() {
-    reject();
-}
-
 void frmExport::reject() {
     if (!exporting_)
-        QDialog::reject();
+        DialogForm::reject();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QDialog>
+#include "dialogs/DialogForm.h"
 
 #include <cstdint>
 #include <functional>
@@ -14,7 +14,7 @@ class frmExport;
 
 /// Exports the tiles of a map into a folder. Remembers the output folder and the image format. While the
 /// export runs, the dialog takes no input and cannot be closed.
-class frmExport : public QDialog {
+class frmExport : public DialogForm {
     Q_OBJECT
 public:
     explicit frmExport(QWidget* parent = nullptr);
@@ -32,11 +32,8 @@ public:
 
     void reject() override;
 
-protected:
-    void showEvent(QShowEvent* event) override;
-
 private:
-    void Load();
+    void Load() override;
     void ReadSettings();
     void SaveSettings() const;
     void CompleteIdentifier();
@@ -44,7 +41,6 @@ private:
     void ExportTiles(const QString& folder);
     void btnBrowse_Click();
     void btnExport_Click();
-    void btnCancel_Click();
 
     std::unique_ptr<Ui::frmExport> ui_;
     bool exporting_ = false;

@@ -9,7 +9,6 @@
 #include "ui_frmMetadata.h"
 
 #include <QScopedValueRollback>
-#include <QShowEvent>
 
 #include <limits>
 
@@ -55,7 +54,7 @@ void PutBack(Metadata& object, const Pairs& pairs) {
 
 } // namespace
 
-frmMetadata::frmMetadata(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui::frmMetadata>()) {
+frmMetadata::frmMetadata(QWidget* parent) : DialogForm(parent), ui_(std::make_unique<Ui::frmMetadata>()) {
     ui_->setupUi(this);
     fixedFields_ = {{"name", ui_->tbMetaName, {}},   {"author", ui_->tbAuthor, {}},
                     {"version", ui_->tbVersion, {}}, {"lastchanged", ui_->tbLastChanged, {}},
@@ -74,7 +73,7 @@ frmMetadata::frmMetadata(QWidget* parent) : QDialog(parent), ui_(std::make_uniqu
     connect(ui_->btnAdd, &QPushButton::clicked, this, &frmMetadata::btnAdd_Click);
     connect(ui_->btnRemove, &QPushButton::clicked, this, &frmMetadata::btnRemove_Click);
     connect(ui_->btnOK, &QPushButton::clicked, this, &frmMetadata::btnOK_Click);
-    connect(ui_->btnCancel, &QPushButton::clicked, this, &frmMetadata::btnCancel_Click);
+    ConnectCancel(*ui_->btnCancel);
 }
 
 frmMetadata::~frmMetadata() = default;
@@ -137,14 +136,7 @@ void frmMetadata::FillCustomMetadata(const Metadata& object) {
     ui_->tbData->setEnabled(false);
 }
 
-void frmMetadata::showEvent(QShowEvent* event) {
-    if (!event->spontaneous())
-        Load();
-    QDialog::showEvent(event);
-}
-
 void frmMetadata::Load() {
-    ok_ = false;
     ui_->btnOK->setEnabled(false);
 }
 
@@ -245,15 +237,5 @@ void frmMetadata::btnOK_Click() {
         ShowMessage(this, QString::fromStdString(error.Description()));
         return;
     }
-    ok_ = true;
-    accept();
-}
-
-void frmMetadata::btnCancel_Click() {
-    reject();
-}
-
-void frmMetadata::reject() {
-    ok_ = false;
-    QDialog::reject();
+    AcceptOK();
 }

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "dialogs/DialogForm.h"
 #include "dialogs/MetadataEdits.h"
-
-#include <QDialog>
 
 #include <memory>
 #include <string>
@@ -18,7 +17,7 @@ class frmMetadata;
 }
 
 /// Shows and changes the metadata of one map or icon: the six fixed texts, and all others as a list.
-class frmMetadata : public QDialog {
+class frmMetadata : public DialogForm {
     Q_OBJECT
 public:
     explicit frmMetadata(QWidget* parent = nullptr);
@@ -34,15 +33,8 @@ public:
     /// Whether the name may stay as it is typed; if not, says why and gives its field the focus.
     bool check_name();
 
-    bool OK() const { return ok_; } ///< whether btnOK wrote the texts
-
-    void reject() override;
-
-protected:
-    void showEvent(QShowEvent* event) override;
-
 private:
-    void Load();
+    void Load() override;
     void Fill(const Metadata& object, const std::string& name);
     void FillCustomMetadata(const Metadata& object);
     Metadata& Object() const;
@@ -56,7 +48,6 @@ private:
     void btnAdd_Click();
     void btnRemove_Click();
     void btnOK_Click();
-    void btnCancel_Click();
 
     /// A fixed text, in the order in which they are read and written.
     struct FixedField {
@@ -73,5 +64,4 @@ private:
     MetadataEdits edits_;
     bool filling_ = false; ///< fields are being set by the dialog itself
     bool nameOnly_ = false;
-    bool ok_ = false;
 };

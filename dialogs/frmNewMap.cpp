@@ -3,8 +3,6 @@
 #include "platform/modFields.h"
 #include "ui_frmNewMap.h"
 
-#include <QShowEvent>
-
 #include <limits>
 
 namespace {
@@ -16,7 +14,7 @@ const QStringList TileSides{QStringLiteral("64"), QStringLiteral("128"), QString
 
 } // namespace
 
-frmNewMap::frmNewMap(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui::frmNewMap>()) {
+frmNewMap::frmNewMap(QWidget* parent) : DialogForm(parent), ui_(std::make_unique<Ui::frmNewMap>()) {
     ui_->setupUi(this);
     // A wrapped text's lines depend on its width, which a layout in a frame does not always take into
     // account.
@@ -26,7 +24,7 @@ frmNewMap::frmNewMap(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui
     FillCombo(*ui_->ddTileWidth, TileSides);
     FillCombo(*ui_->ddTileHeight, TileSides);
     connect(ui_->btnOK, &QPushButton::clicked, this, &frmNewMap::btnOK_Click);
-    connect(ui_->btnCancel, &QPushButton::clicked, this, &frmNewMap::btnCancel_Click);
+    ConnectCancel(*ui_->btnCancel);
 }
 
 frmNewMap::~frmNewMap() = default;
@@ -66,36 +64,14 @@ std::int32_t frmNewMap::TileHeight() const {
     return ComboText(*ui_->ddTileHeight).toInt();
 }
 
-void frmNewMap::showEvent(QShowEvent* event) {
-    if (!event->spontaneous()) {
-        Load();
-        Activate();
-    }
-    QDialog::showEvent(event);
-}
-
 void frmNewMap::Load() {
-    ok_ = false;
     for (QComboBox* const list : {ui_->ddTileWidth, ui_->ddTileHeight})
         if (list->currentIndex() == -1)
             list->setCurrentIndex(PresetTile);
-}
-
-void frmNewMap::Activate() {
     ui_->tbName->setFocus();
     ui_->tbName->selectAll();
 }
 
 void frmNewMap::btnOK_Click() {
-    ok_ = true;
-    accept();
-}
-
-void frmNewMap::btnCancel_Click() {
-    reject();
-}
-
-void frmNewMap::reject() {
-    ok_ = false;
-    QDialog::reject();
+    AcceptOK();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QDialog>
+#include "dialogs/DialogForm.h"
 
 #include <cstdint>
 #include <memory>
@@ -10,7 +10,7 @@ class frmNewMap;
 }
 
 /// Asks for the name, description and tile size of a map to be added; reduced, for those of an icon.
-class frmNewMap : public QDialog {
+class frmNewMap : public DialogForm {
     Q_OBJECT
 public:
     explicit frmNewMap(QWidget* parent = nullptr);
@@ -26,19 +26,10 @@ public:
     QString Description() const;
     std::int32_t TileWidth() const;  ///< pixels
     std::int32_t TileHeight() const; ///< pixels
-    bool OK() const { return ok_; }  ///< whether btnOK closed it
-
-    void reject() override;
-
-protected:
-    void showEvent(QShowEvent* event) override;
 
 private:
-    void Load();
-    void Activate();
+    void Load() override;
     void btnOK_Click();
-    void btnCancel_Click();
 
     std::unique_ptr<Ui::frmNewMap> ui_;
-    bool ok_ = false;
 };

@@ -4,8 +4,6 @@
 #include "platform/modMessages.h"
 #include "ui_frmOffset.h"
 
-#include <QShowEvent>
-
 namespace {
 
 // "arount" and "OffsetY" are meant.
@@ -32,10 +30,10 @@ std::optional<std::int32_t> ReadPixels(QWidget* parent, QLineEdit& field) {
 
 } // namespace
 
-frmOffset::frmOffset(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui::frmOffset>()) {
+frmOffset::frmOffset(QWidget* parent) : DialogForm(parent), ui_(std::make_unique<Ui::frmOffset>()) {
     ui_->setupUi(this);
     connect(ui_->bOK, &QPushButton::clicked, this, &frmOffset::bOK_Click);
-    connect(ui_->bCancel, &QPushButton::clicked, this, &frmOffset::bCancel_Click);
+    ConnectCancel(*ui_->bCancel);
 }
 
 frmOffset::~frmOffset() = default;
@@ -45,14 +43,7 @@ void frmOffset::SetOffset(std::int32_t x, std::int32_t y) {
     offsetY_ = y;
 }
 
-void frmOffset::showEvent(QShowEvent* event) {
-    if (!event->spontaneous())
-        Load();
-    QDialog::showEvent(event);
-}
-
 void frmOffset::Load() {
-    ok_ = false;
     ui_->txtX->setText(NumberText(offsetX_, 0));
     ui_->txtY->setText(NumberText(offsetY_, 0));
     ui_->txtHelp->setPlainText(HelpText);
@@ -68,15 +59,5 @@ void frmOffset::bOK_Click() {
     if (!y)
         return;
     SetOffset(*x, *y);
-    ok_ = true;
-    accept();
-}
-
-void frmOffset::bCancel_Click() {
-    reject();
-}
-
-void frmOffset::reject() {
-    ok_ = false;
-    QDialog::reject();
+    AcceptOK();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QDialog>
+#include "dialogs/DialogForm.h"
 
 #include <cstdint>
 #include <memory>
@@ -10,7 +10,7 @@ class frmOffset;
 }
 
 /// Asks for the displacement of an icon from its position, in pixels.
-class frmOffset : public QDialog {
+class frmOffset : public DialogForm {
     Q_OBJECT
 public:
     explicit frmOffset(QWidget* parent = nullptr);
@@ -20,20 +20,12 @@ public:
     void SetOffset(std::int32_t x, std::int32_t y);
     std::int32_t OffsetX() const { return offsetX_; } ///< positive: to the right
     std::int32_t OffsetY() const { return offsetY_; } ///< positive: downwards
-    bool OK() const { return ok_; }                   ///< whether bOK closed it
-
-    void reject() override;
-
-protected:
-    void showEvent(QShowEvent* event) override;
 
 private:
-    void Load();
+    void Load() override;
     void bOK_Click();
-    void bCancel_Click();
 
     std::unique_ptr<Ui::frmOffset> ui_;
     std::int32_t offsetX_ = 0;
     std::int32_t offsetY_ = 0;
-    bool ok_ = false;
 };

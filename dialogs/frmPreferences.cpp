@@ -3,8 +3,6 @@
 #include "platform/modFields.h"
 #include "ui_frmPreferences.h"
 
-#include <QShowEvent>
-
 #include <array>
 
 namespace {
@@ -20,21 +18,26 @@ void SelectUsual(QComboBox& sizes) {
 } // namespace
 
 frmPreferences::frmPreferences(QWidget* parent)
-    : QDialog(parent), ui_(std::make_unique<Ui::frmPreferences>()) {
+    : DialogForm(parent), ui_(std::make_unique<Ui::frmPreferences>()) {
     ui_->setupUi(this);
     FillCombo(*ui_->ddTileWidth, TileSizes);
     FillCombo(*ui_->ddTileHeight, TileSizes);
-    Load();
+    SelectUsualSizes();
     accepted_ = Chosen();
     connect(ui_->rbDegrees, &QRadioButton::clicked, this, &frmPreferences::rbDegrees_Click);
     connect(ui_->rbRadians, &QRadioButton::clicked, this, &frmPreferences::rbRadians_Click);
     connect(ui_->btnOK, &QPushButton::clicked, this, &frmPreferences::btnOK_Click);
-    connect(ui_->btnCancel, &QPushButton::clicked, this, &frmPreferences::btnCancel_Click);
+    ConnectCancel(*ui_->btnCancel);
 }
 
 frmPreferences::~frmPreferences() = default;
 
 void frmPreferences::Load() {
+    SelectUsualSizes();
+    ui_->ddTileWidth->setFocus();
+}
+
+void frmPreferences::SelectUsualSizes() {
     SelectUsual(*ui_->ddTileWidth);
     SelectUsual(*ui_->ddTileHeight);
 }
@@ -42,14 +45,6 @@ void frmPreferences::Load() {
 frmPreferences::Choices frmPreferences::Chosen() const {
     return {ComboText(*ui_->ddTileWidth), ComboText(*ui_->ddTileHeight), radiansChosen_,
             ui_->txtTempPath->text()};
-}
-
-void frmPreferences::showEvent(QShowEvent* event) {
-    if (!event->spontaneous()) {
-        Load();
-        ui_->ddTileWidth->setFocus();
-    }
-    QDialog::showEvent(event);
 }
 
 void frmPreferences::rbDegrees_Click() {
@@ -61,16 +56,6 @@ void frmPreferences::rbRadians_Click() {
 }
 
 void frmPreferences::btnOK_Click() {
-    ok_ = true;
     accepted_ = Chosen();
-    accept();
-}
-
-void frmPreferences::btnCancel_Click() {
-    reject();
-}
-
-void frmPreferences::reject() {
-    ok_ = false;
-    QDialog::reject();
+    AcceptOK();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QDialog>
+#include "dialogs/DialogForm.h"
 
 #include <memory>
 
@@ -10,15 +10,13 @@ class frmPreferences;
 
 /// The editor's preferences. One window for the program's life: it is hidden, not unloaded, and its controls
 /// keep what was chosen also after Cancel. What the rest of the program reads changes with OK alone.
-class frmPreferences : public QDialog {
+class frmPreferences : public DialogForm {
     Q_OBJECT
 
 public:
     explicit frmPreferences(QWidget* parent = nullptr);
     ~frmPreferences() override;
 
-    /// Whether btnOK closed the window; false after Cancel, Escape and the close button.
-    bool OK() const { return ok_; }
     /// The radians flag, which follows the option buttons at once.
     bool RadiansChosen() const { return radiansChosen_; }
 
@@ -30,11 +28,6 @@ public:
     /// As typed, without check; at first a text that names no folder.
     QString TemporaryFolder() const { return accepted_.temporaryFolder; }
 
-    void reject() override;
-
-protected:
-    void showEvent(QShowEvent* event) override;
-
 private:
     struct Choices {
         QString tileWidth;
@@ -43,15 +36,14 @@ private:
         QString temporaryFolder;
     };
 
-    void Load();
+    void Load() override;
+    void SelectUsualSizes();
     Choices Chosen() const;
     void rbDegrees_Click();
     void rbRadians_Click();
     void btnOK_Click();
-    void btnCancel_Click();
 
     std::unique_ptr<Ui::frmPreferences> ui_;
-    bool ok_ = false;
     bool radiansChosen_ = false;
     Choices accepted_;
 };
