@@ -1,6 +1,6 @@
 #include "dialogs/ExportNames.h"
 
-#include "platform/Blanks.h"
+#include "platform/modFields.h"
 
 #include <QDir>
 #include <QFileInfo>

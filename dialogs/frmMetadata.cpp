@@ -3,16 +3,25 @@
 #include "base/CheckedNumbers.h"
 #include "component/AtlavexIcon.h"
 #include "component/AtlavexMap.h"
-#include "dialogs/OneLineDelegate.h"
-#include "platform/Blanks.h"
+#include "platform/modFields.h"
 #include "platform/modMessages.h"
 #include "ui_frmMetadata.h"
 
 #include <QScopedValueRollback>
-
+#include <QStyledItemDelegate>
 #include <limits>
 
 namespace {
+
+/// Shows the beginning of each text as one line.
+class OneLineDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QString displayText(const QVariant& value, const QLocale& locale) const override {
+        return OneLine(QStyledItemDelegate::displayText(value, locale));
+    }
+};
 
 constexpr int KeyColumn = 0;
 constexpr int DataColumn = 1;

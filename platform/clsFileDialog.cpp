@@ -1,9 +1,8 @@
 #include "platform/clsFileDialog.h"
 
 #include "base/CheckedNumbers.h"
-#include "platform/FileDialogColumns.h"
+#include "platform/FileDialogLooks.h"
 #include "platform/FilterText.h"
-#include "platform/PlainFileIcons.h"
 #include "platform/modMessages.h"
 #include "platform/modRegistry.h"
 

@@ -1,6 +1,6 @@
 #include "platform/modBrowseFolder.h"
 
-#include "platform/PlainFileIcons.h"
+#include "platform/FileDialogLooks.h"
 
 #include <QDir>
 #include <QFileDialog>

@@ -1,13 +1,15 @@
 #include "platform/modFields.h"
 
 #include "base/CheckedNumbers.h"
-#include "platform/Blanks.h"
 
 #include <QComboBox>
+#include <QEvent>
 #include <QLineEdit>
 #include <QSignalBlocker>
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <optional>
 
 namespace {
@@ -32,6 +34,20 @@ std::optional<double> NumberIn(const QString& fieldText, QLocale locale) {
         return std::nullopt;
     return value;
 }
+
+class WheelGuard : public QObject {
+public:
+    using QObject::QObject;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        const auto* const control = qobject_cast<QWidget*>(watched);
+        if (event->type() != QEvent::Wheel || control == nullptr || control->hasFocus())
+            return false;
+        event->ignore();
+        return true;
+    }
+};
 
 template <typename Texts>
 QStringList StringList(const Texts& texts) {
@@ -85,6 +101,13 @@ QString NumberText(double value, int decimals, const QLocale& locale) {
     return text;
 }
 
+QString WithoutOuterBlanks(const QString& text) {
+    const auto isBlank = [](QChar character) { return character == u' '; };
+    const auto first = std::find_if_not(text.begin(), text.end(), isBlank);
+    const auto last = std::find_if_not(text.rbegin(), std::make_reverse_iterator(first), isBlank);
+    return QString(first, last.base() - first);
+}
+
 QString OneLine(const QString& text) {
     constexpr qsizetype Longest = 500; // wider than any screen
     QString line = text.left(Longest);
@@ -109,6 +132,10 @@ void SelectComboItem(QComboBox& combo, const QString& text, bool selectFirst) {
     // An empty list has no first entry; Qt would unselect instead, which is the same.
     if (selectFirst && combo.count() > 0)
         combo.setCurrentIndex(0);
+}
+
+void GuardFromWheel(QWidget& control) {
+    control.installEventFilter(new WheelGuard(&control));
 }
 
 void FillCombo(QComboBox& combo, const QStringList& entries) {

@@ -13,6 +13,7 @@
 
 class QComboBox;
 class QLineEdit;
+class QWidget;
 
 // Reading and filling the fields and lists of forms. Numbers are written as the user's system writes them;
 // the locale is an argument so that a test can be any user.
@@ -39,6 +40,10 @@ std::int32_t IntegerFrom(const QLineEdit& field, const QLocale& locale = QLocale
 /// exponent and group separators; never "-0". GetNumber reads it back.
 QString NumberText(double value, int decimals, const QLocale& locale = QLocale::system());
 
+/// The text without blanks at its ends. Blanks are spaces only: Qt's own trimming takes tabs and line ends
+/// along.
+QString WithoutOuterBlanks(const QString& text);
+
 /// The beginning of the text, 500 characters at most, in one line, for a list that shows what anybody may
 /// have written: line ends and other control characters become blanks. A list that laid out a text of a
 /// megabyte would stand still.
@@ -50,6 +55,10 @@ QString ComboText(const QComboBox& combo);
 /// Selects the first entry whose text is exactly this; without one the first of all if `selectFirst`, else
 /// the selection stays.
 void SelectComboItem(QComboBox& combo, const QString& text, bool selectFirst);
+
+/// Keeps the wheel from changing the control while it has not the focus: a scroll over a list must not
+/// choose.
+void GuardFromWheel(QWidget& control);
 
 /// Replaces the entries. Nothing is selected afterwards, and no signal is emitted. Texts are UTF-8.
 void FillCombo(QComboBox& combo, const QStringList& entries);

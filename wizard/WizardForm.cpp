@@ -2,11 +2,11 @@
 
 #include "base/ComponentError.h"
 #include "platform/LinkLabel.h"
+#include "platform/modFields.h"
 #include "platform/modHelp.h"
 #include "platform/modMessages.h"
 
 #include <QComboBox>
-#include <QEvent>
 #include <QFont>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -49,19 +49,7 @@ void WizardForm::ConnectCommonControls() {
     connect(findChild<LinkLabel*>(QStringLiteral("lURL")), &LinkLabel::Activated, this,
             &WizardForm::lURL_Click);
     for (QComboBox* const list : findChildren<QComboBox*>())
-        list->installEventFilter(this);
-}
-
-bool WizardForm::eventFilter(QObject* watched, QEvent* event) {
-    // A wheel turned over a list that is not in use must not change the choice in it.
-    if (event->type() == QEvent::Wheel) {
-        const auto* const list = qobject_cast<QComboBox*>(watched);
-        if (list != nullptr && !list->hasFocus()) {
-            event->ignore();
-            return true;
-        }
-    }
-    return QDialog::eventFilter(watched, event);
+        GuardFromWheel(*list);
 }
 
 void WizardForm::WriteHelp(QPlainTextEdit& txtHelp, const QString& text) {

@@ -16,8 +16,6 @@ public:
     /// Whether it was last closed by "Next ->".
     bool Confirmed() const { return confirmed_; }
 
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 protected:
     explicit WizardForm(QWidget* parent);
 
