@@ -2,9 +2,8 @@
 
 #include "component/Bitmap.h"
 #include "view/DevicePixels.h"
-#include "view/ViewerAccessible.h"
 
-#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QImage>
 #include <QMouseEvent>
 #include <QPainter>
@@ -16,6 +15,29 @@
 namespace {
 
 constexpr QSize UsualSize(640, 480);
+
+/// What a screen reader learns of a viewer: its own text as the value.
+class ViewerAccessible : public QAccessibleWidget {
+public:
+    explicit ViewerAccessible(KarvelViewer* viewer)
+        : QAccessibleWidget(viewer, QAccessible::Graphic), viewer_(*viewer) {}
+
+    QString text(QAccessible::Text kind) const override {
+        // Some desktops hand on no values that are texts, but every one the description.
+        if (kind == QAccessible::Value || kind == QAccessible::Description)
+            return viewer_.ValueText();
+        return QAccessibleWidget::text(kind);
+    }
+
+private:
+    const KarvelViewer& viewer_;
+};
+
+QAccessibleInterface* MakeAccessible(const QString&, QObject* object) {
+    auto* const viewer = qobject_cast<KarvelViewer*>(object);
+    // Qt owns what a factory makes.
+    return viewer != nullptr ? new ViewerAccessible(viewer) : nullptr;
+}
 
 /// The bitmap's pixels without a copy; valid as long as the bitmap.
 QImage ImageOf(const Bitmap& bitmap) {
@@ -44,7 +66,7 @@ void PaintBitmap(QPainter& painter, const Bitmap& bitmap, std::int32_t left, std
 } // namespace
 
 KarvelViewer::KarvelViewer(QWidget* parent) : QWidget(parent) {
-    MakeViewersAccessible();
+    QAccessible::installFactory(MakeAccessible);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
