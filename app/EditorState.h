@@ -15,11 +15,11 @@ struct EditorState {
     std::shared_ptr<AtlavexIcon> currentIcon;
     std::int16_t rememberedMap = -1;  ///< the entry of ddMaps last accepted
     std::int16_t rememberedIcon = -1; ///< the entry of ddIcons last accepted
-    bool mapScaled = false;      ///< whether the current map is georeferenced: the editor's own flag
-    bool modified = false;       ///< whether there is something to save
-    QString fileName;            ///< full path of the file last opened or saved; empty for a new library
-    QString encryptionKey;       ///< of the open library; empty: none
-    QString pendingWorldfile;    ///< a worldfile that the user accepted for the map just added
-    bool diagnosticMode = false; ///< extra counters in the progress dialog
+    bool mapScaled = false;           ///< whether the current map is georeferenced: the editor's own flag
+    bool modified = false;            ///< whether there is something to save
+    QString fileName;                 ///< full path of the file last opened or saved; empty for a new library
+    QString encryptionKey;            ///< of the open library; empty: none
+    QString pendingWorldfile;         ///< a worldfile that the user accepted for the map just added
+    bool diagnosticMode = false;      ///< extra counters in the progress dialog
     bool busy = false; ///< a call of the component is on the stack: no further command may start
 };

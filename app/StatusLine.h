@@ -18,8 +18,7 @@ struct ImagePixel;
 /// of a place that has been scrolled away.
 class StatusLine {
 public:
-    StatusLine(QLabel& line, EditorState& state, const clsBitmapView& view,
-               std::function<AngleUnit()> unit);
+    StatusLine(QLabel& line, EditorState& state, const clsBitmapView& view, std::function<AngleUnit()> unit);
 
     /// Says whether the current map is scaled: the editor's flag and the line together.
     void SetScaled(bool scaled);

@@ -1,6 +1,6 @@
 #include "app/TextLines.h"
 
-#include "app/PromptLabel.h"
+#include "app/WindowLabels.h"
 #include "view/clsBitmapView.h"
 
 #include <QTabWidget>
@@ -18,9 +18,8 @@ QString SizeText(const QString& what, const clsBitmapView& view) {
 
 void TextLines::SetTitle(const QString& name) {
     // "[*]" in a title stands for the mark of a changed document unless it is doubled.
-    controls_.window.setWindowTitle(
-        QStringLiteral("Quorvant Studio - ") +
-        QString(name).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")));
+    controls_.window.setWindowTitle(QStringLiteral("Quorvant Studio - ") +
+                                    QString(name).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")));
 }
 
 void TextLines::SetHeader(const QString& text) {

@@ -1,7 +1,7 @@
 #include "app/frmMain.h"
 
-#include "app/ArrowKeys.h"
 #include "app/EntryLists.h"
+#include "app/InputFilters.h"
 #include "app/LibraryCommands.h"
 #include "app/MapIconCommands.h"
 #include "app/MapZoom.h"
@@ -39,13 +39,13 @@ frmMain::frmMain(bool diagnosticMode, LibraryMaker makeLibrary)
     fileDialog_->setObjectName(QStringLiteral("FileDialog"));
     progress_ = std::make_unique<ProgressDisplay>(*this, state_);
     zoom_ = std::make_unique<MapZoom>(*ui_->sldZoom, *ui_->lbZoomPercentage, mapView_);
-    lines_ = std::make_unique<TextLines>(TextLines::Controls{*this, *ui_->lHeader, *ui_->lbSize,
-                                                             *ui_->tabAtlavex, mapView_, iconView_});
+    lines_ = std::make_unique<TextLines>(
+        TextLines::Controls{*this, *ui_->lHeader, *ui_->lbSize, *ui_->tabAtlavex, mapView_, iconView_});
     status_ = std::make_unique<StatusLine>(*ui_->lStatus, state_, mapView_, [this] {
         return preferences_->Radians() ? AngleUnit::Radians : AngleUnit::Degrees;
     });
-    maps_ = std::make_unique<MapList>(state_, MapList::Controls{*ui_->ddMaps, mapView_, *lines_, *this},
-                                      *zoom_);
+    maps_ =
+        std::make_unique<MapList>(state_, MapList::Controls{*ui_->ddMaps, mapView_, *lines_, *this}, *zoom_);
     icons_ = std::make_unique<IconList>(state_, IconList::Controls{*ui_->ddIcons, iconView_, *lines_, *this});
     MakeCommands();
 }

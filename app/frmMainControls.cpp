@@ -1,19 +1,17 @@
 // The controls of the main window: lists, pages, zoom, viewers, keys and dropped files.
 
-#include "app/ArrowKeys.h"
 #include "app/EntryLists.h"
+#include "app/InputFilters.h"
 #include "app/LibraryCommands.h"
 #include "app/MapIconCommands.h"
 #include "app/MapZoom.h"
-#include "app/MouseChoice.h"
-#include "app/ScrollKeys.h"
 #include "app/StatusLine.h"
 #include "app/TextLines.h"
-#include "app/WheelGuard.h"
 #include "app/WizardCommands.h"
 #include "app/frmMain.h"
 #include "base/ComponentError.h"
 #include "dialogs/frmPreferences.h"
+#include "platform/modFields.h"
 #include "platform/modMessages.h"
 #include "ui_frmMain.h"
 #include "view/KarvelViewer.h"
@@ -27,7 +25,7 @@
 namespace {
 
 /// Whatever the other program proposes: it would delete a file that it believes to be moved.
-void TakeAsCopy(QDropEvent& event) {
+void AcceptAsCopy(QDropEvent& event) {
     event.setDropAction(Qt::CopyAction);
     event.setAccepted(event.possibleActions().testFlag(Qt::CopyAction));
 }
@@ -60,9 +58,8 @@ void frmMain::ConnectControls() {
     };
     mapChoice_ = new MouseChoice(*ui_->ddMaps);
     iconChoice_ = new MouseChoice(*ui_->ddIcons);
-    auto* const guard = new WheelGuard(this);
     for (QWidget* const control : std::initializer_list<QWidget*>{ui_->ddMaps, ui_->ddIcons, ui_->sldZoom})
-        control->installEventFilter(guard);
+        GuardFromWheel(*control);
     arrowKeys_ = std::make_unique<ArrowKeys>(*this,
                                              std::vector<QWidget*>{ui_->viewerMap, ui_->hscrollMap,
                                                                    ui_->vscrollMap, ui_->viewerIcon,
@@ -230,15 +227,15 @@ void frmMain::CopyReadOut() {
 void frmMain::dragEnterEvent(QDragEnterEvent* event) {
     const QList<QUrl> urls = event->mimeData()->urls();
     if (TakesCommands() && urls.size() == 1 && urls.front().isLocalFile())
-        TakeAsCopy(*event);
+        AcceptAsCopy(*event);
 }
 
 void frmMain::dragMoveEvent(QDragMoveEvent* event) {
-    TakeAsCopy(*event);
+    AcceptAsCopy(*event);
 }
 
 void frmMain::dropEvent(QDropEvent* event) {
-    TakeAsCopy(*event);
+    AcceptAsCopy(*event);
     if (!event->isAccepted())
         return;
     const QString file = event->mimeData()->urls().front().toLocalFile();

@@ -1,16 +1,18 @@
-#include "app/modMain.h"
+// The program: what it does before there is a main window.
 
 #include "app/frmMain.h"
 #include "app/modResize.h"
 #include "catalogue/modConst.h"
 #include "catalogue/modCountryData.h"
 #include "catalogue/modGadgets.h"
+#include "platform/SessionBus.h"
 
 #include <QApplication>
 #include <QFileInfo>
 #include <QScreen>
 
 #include <iostream>
+#include <optional>
 #include <string_view>
 
 namespace {
@@ -37,8 +39,8 @@ void FillCatalogue() {
     FillZones();
 }
 
-} // namespace
-
+/// Answers an option that stands alone on the command line, --version or --help, on the standard output.
+/// False for anything else and where a file has that name: it is a library then.
 bool AnswerOption(const char* argument) {
     const std::string_view option = argument;
     if (QFileInfo::exists(QFile::decodeName(argument)))
@@ -52,6 +54,8 @@ bool AnswerOption(const char* argument) {
     return true;
 }
 
+/// Shows the main window, with the library file of the command line, if one is named, and runs until it is
+/// closed.
 int RunStudio(QApplication& application) {
     FillCatalogue();
     frmMain window(DiagnosticMode);
@@ -62,4 +66,16 @@ int RunStudio(QApplication& application) {
     window.Form_Load(QApplication::arguments().mid(1).join(QLatin1Char(' ')));
     window.show();
     return application.exec();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // Before there is a QApplication, which needs a display.
+    if (argc == 2 && AnswerOption(argv[1]))
+        return 0;
+    std::optional<SilentBusGuard> guard(std::in_place);
+    QApplication application(argc, argv);
+    guard.reset();
+    return RunStudio(application);
 }

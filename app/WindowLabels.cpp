@@ -1,7 +1,8 @@
-#include "app/PromptLabel.h"
+#include "app/WindowLabels.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QPainter>
 
 namespace {
 
@@ -39,4 +40,16 @@ void PromptLabel::Say(const QString& text) {
         QAccessibleEvent event(this, kind);
         QAccessible::updateAccessibility(&event);
     }
+}
+
+QSize YieldingLabel::minimumSizeHint() const {
+    return {0, QLabel::minimumSizeHint().height()};
+}
+
+void YieldingLabel::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QRect place = contentsRect();
+    painter.setPen(palette().color(foregroundRole()));
+    painter.drawText(place, Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine,
+                     fontMetrics().elidedText(text(), Qt::ElideRight, place.width()));
 }

@@ -13,3 +13,15 @@ public:
     /// Shows the text, and has it spoken unless it is empty or stands there already.
     void Say(const QString& text);
 };
+
+/// A line of text that gives its room to its neighbours: where it does not fit it is cut, with an ellipsis.
+class YieldingLabel : public QLabel {
+    Q_OBJECT
+public:
+    using QLabel::QLabel;
+
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
