@@ -5,7 +5,6 @@
 #include "coordinates/GridTable.h"
 #include "platform/modFields.h"
 #include "platform/modMessages.h"
-#include "wizard/GridDatumCombos.h"
 #include "wizard/NameList.h"
 
 #include <QComboBox>
@@ -81,4 +80,20 @@ std::optional<std::int16_t> GridChooser::TypedZone() const {
     } catch (const ComponentError&) {
         return std::nullopt;
     }
+}
+
+void FillGridDatumCombos(QComboBox& ddGrid, QComboBox* ddDatum, const QString& country) {
+    const std::string text = country.toStdString();
+    FillCombo(ddGrid, GridsOf(text));
+    if (ddDatum != nullptr)
+        FillCombo(*ddDatum, DatumsOf(text));
+}
+
+bool FillZoneCombo(QComboBox& ddZone, const QString& grid) {
+    const std::vector<std::string> zones = ZonesOf(grid.toStdString());
+    ddZone.setVisible(!zones.empty());
+    if (zones.empty())
+        return false;
+    FillCombo(ddZone, zones);
+    return true;
 }

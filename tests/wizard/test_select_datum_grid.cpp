@@ -2,7 +2,7 @@
 #include "catalogue/modCountryGadgets.h"
 #include "tests/support/desktop/ModalScript.h"
 #include "tests/wizard/FormDriver.h"
-#include "wizard/GridDatumCombos.h"
+#include "wizard/GridChooser.h"
 #include "wizard/frmSelectDatumGrid.h"
 
 #include <QAbstractItemView>
