@@ -9,7 +9,7 @@ int MetadataEdits::Append(Entry entry) {
     return static_cast<int>(entries_.size()) - 1;
 }
 
-int MetadataEdits::Take(std::string key, std::string value) {
+int MetadataEdits::AddRead(std::string key, std::string value) {
     std::string read = value;
     return Append({std::move(key), std::move(value), std::move(read)});
 }

@@ -10,7 +10,7 @@ class Metadata;
 class MetadataEdits {
 public:
     /// An entry that the object has.
-    int Take(std::string key, std::string value);
+    int AddRead(std::string key, std::string value);
     /// An entry that the user adds, with an empty value.
     int Add(std::string key);
     void Change(int entry, std::string value);

@@ -137,7 +137,7 @@ void frmMetadata::FillCustomMetadata(const Metadata& object) {
         if (std::ranges::any_of(fixedFields_, [&key](const FixedField& fixed) { return key == fixed.key; }))
             continue;
         const std::string value = object.MetadataValueAt(position);
-        items.append(MakeItem(edits_.Take(key, value), key, value));
+        items.append(MakeItem(edits_.AddRead(key, value), key, value));
     }
     ui_->lvCustomMeta->addTopLevelItems(items);
     ui_->btnRemove->setEnabled(!items.isEmpty());

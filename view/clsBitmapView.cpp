@@ -106,7 +106,7 @@ void clsBitmapView::BringTo(const QPointF& place, const QPointF& viewerPosition)
     vertical_.MoveTo(place.y() * zoom_ - viewerPosition.y());
 }
 
-void clsBitmapView::TakeZoom(std::int32_t sliderPosition) {
+void clsBitmapView::ApplyZoom(std::int32_t sliderPosition) {
     const double zoom = ZoomAtSliderPosition(sliderPosition);
     if (map_)
         map_->SetZoom(zoom);
@@ -121,7 +121,7 @@ void clsBitmapView::SetZoom(std::int32_t sliderPosition) {
         return QPointF(part.width(), part.height()) / 2;
     };
     const QPointF place = PlaceAt(middle());
-    TakeZoom(sliderPosition);
+    ApplyZoom(sliderPosition);
     LayOutAxes();
     BringTo(place, middle());
     ShowVisiblePart();
@@ -131,7 +131,7 @@ void clsBitmapView::ZoomAbout(std::int32_t sliderPosition, const QPoint& viewerP
     if (busy_)
         return;
     const QPointF place = PlaceAt(viewerPosition);
-    TakeZoom(sliderPosition);
+    ApplyZoom(sliderPosition);
     LayOutAxes();
     BringTo(place, viewerPosition);
     ShowVisiblePart();

@@ -115,7 +115,7 @@ private:
     std::int32_t ImageHeight() const;
     QSize ViewerSize() const;
     QSize ImagePartSize() const;
-    void TakeZoom(std::int32_t sliderPosition);
+    void ApplyZoom(std::int32_t sliderPosition);
     void KeepPlace();
     QPointF PlaceAt(const QPointF& viewerPosition) const;
     void BringTo(const QPointF& place, const QPointF& viewerPosition);

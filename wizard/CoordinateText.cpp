@@ -117,7 +117,7 @@ std::optional<Halves> Split(const QString& text, AtBlank rule) {
 }
 
 /// The half without its letter and without separators around what is left.
-std::optional<Lettered> TakeLetter(QString& half) {
+std::optional<Lettered> CutLetter(QString& half) {
     static const QRegularExpression around(QStringLiteral("^[ ,;]+|[ ,;]+$"));
     half.remove(around);
     Lettered result;
@@ -144,7 +144,7 @@ std::optional<Lettered> ReadAngle(QString half, const QLocale& locale) {
     static const QRegularExpression angle(
         QStringLiteral("^([+-]?)(\\d+(?:[.,]\\d*)?)(?: ?\u00B0?$|(?: ?\u00B0 ?| )"
                        "(\\d+(?:[.,]\\d*)?)(?: ?'?$|(?: ?' ?| )(\\d+(?:[.,]\\d*)?) ?\"?$))"));
-    std::optional<Lettered> result = TakeLetter(half);
+    std::optional<Lettered> result = CutLetter(half);
     const QRegularExpressionMatch match = angle.match(half);
     if (!result || !match.hasMatch())
         return std::nullopt;
@@ -173,7 +173,7 @@ std::optional<Lettered> ReadAngle(QString half, const QLocale& locale) {
 
 std::optional<Lettered> ReadLength(QString half, const QLocale& locale) {
     static const QRegularExpression length(QStringLiteral("^[+-]?\\d+(?:[.,]\\d*)?$"));
-    std::optional<Lettered> result = TakeLetter(half);
+    std::optional<Lettered> result = CutLetter(half);
     if (!result || !length.match(half).hasMatch())
         return std::nullopt;
     const std::optional<double> number = Number(half, locale);

@@ -35,8 +35,8 @@ QString InsertedPart(const QString& before, const QString& after) {
 
 FieldChecks::FieldChecks(QWidget& form) : form_(form) {}
 
-void FieldChecks::Watch(QLineEdit& field, Take take, Insert insert) {
-    fields_[&field] = State{std::move(take), std::move(insert), field.text(), field.text(), {}, false};
+void FieldChecks::Watch(QLineEdit& field, Store store, Insert insert) {
+    fields_[&field] = State{std::move(store), std::move(insert), field.text(), field.text(), {}, false};
     field.installEventFilter(this);
     connect(&field, &QLineEdit::textEdited, this,
             [this, &field](const QString& text) { Edited(field, text); });
@@ -110,7 +110,7 @@ bool FieldChecks::Check(QLineEdit& field) {
     if (field.text() == state.written)
         return true;
     try {
-        state.take();
+        state.store();
         state.written = field.text();
         state.refused.reset();
         return true;
@@ -146,10 +146,10 @@ void FieldChecks::Edited(QLineEdit& field, const QString& text) {
 bool FieldChecks::InsertInto(QLineEdit& field, const QString& text, const QString& before) {
     std::map<QLineEdit*, QString> texts = Texts();
     texts[&field] = before;
-    TakeBack takeBack = fields_.at(&field).insert(text);
-    if (!takeBack)
+    Restore restore = fields_.at(&field).insert(text);
+    if (!restore)
         return false;
-    insertion_ = Insertion{std::move(takeBack), std::move(texts), Texts()};
+    insertion_ = Insertion{std::move(restore), std::move(texts), Texts()};
     return true;
 }
 
@@ -158,7 +158,7 @@ bool FieldChecks::Undo(QLineEdit& field) {
     if (!insertion_ || field.isUndoAvailable() || insertion_->after != Texts())
         return false;
     const Insertion last = *std::exchange(insertion_, std::nullopt);
-    last.takeBack();
+    last.restore();
     // Of what was being typed the values know nothing yet.
     for (const auto& [box, text] : last.before) {
         if (box->text() == text)

@@ -18,15 +18,15 @@ class FieldChecks : public QObject {
 public:
     /// Reads the box and stores its value. NumberError: the sentence is shown and the text stays.
     /// ComponentError, for a value that cannot be: the former text comes back, without a word.
-    using Take = std::function<void()>;
+    using Store = std::function<void()>;
     /// Gives the values back that stood before an insertion, and writes them into the boxes.
-    using TakeBack = std::function<void()>;
+    using Restore = std::function<void()>;
     /// Tries to make something of a text that came in one piece, as by pasting; empty when it made nothing.
-    using Insert = std::function<TakeBack(const QString& text)>;
+    using Insert = std::function<Restore(const QString& text)>;
 
     explicit FieldChecks(QWidget& form);
 
-    void Watch(QLineEdit& field, Take take, Insert insert = {});
+    void Watch(QLineEdit& field, Store store, Insert insert = {});
     /// Puts a text into a watched box as the one that stands for the stored value.
     void Write(QLineEdit& field, const QString& text);
     /// Before the form is confirmed: takes over what has not been taken yet, the focused box included, and
@@ -37,7 +37,7 @@ public:
 
 private:
     struct State {
-        Take take;
+        Store store;
         Insert insert;
         QString written;                ///< stands for the stored value
         QString known;                  ///< the text before the last edit
@@ -45,9 +45,9 @@ private:
         bool entered = false;           ///< the next release of the mouse still belongs to entering it
     };
 
-    /// What an insertion changed in several boxes at once, which no box can take back by itself.
+    /// What an insertion changed in several boxes at once, which no box can undo by itself.
     struct Insertion {
-        TakeBack takeBack;
+        Restore restore;
         std::map<QLineEdit*, QString> before;
         std::map<QLineEdit*, QString> after;
     };

@@ -20,7 +20,7 @@ bool clsScalingWizard::DoSelectDatumGrid() {
         ShowWizardCancelled(parent_);
         return false;
     }
-    TakeSystem(selection);
+    KeepSystem(selection);
     frmProjection projection(parent_);
     if (!projection.ShowModal()) {
         ShowWizardCancelled(parent_);
@@ -34,7 +34,7 @@ bool clsScalingWizard::DoSelectDatumGrid() {
     return true;
 }
 
-void clsScalingWizard::TakeSystem(const frmSelectDatumGrid& form) {
+void clsScalingWizard::KeepSystem(const frmSelectDatumGrid& form) {
     useLonLat_ = form.UseLonLat();
     useGrid_ = form.UseGrid();
     gridIdentifier_ = form.GridIdentifier();
@@ -62,7 +62,7 @@ bool clsScalingWizard::DoDefineCoordinate(std::int32_t pixelX, std::int32_t pixe
         ShowWizardCancelled(parent_);
         return false;
     }
-    TakePoint();
+    KeepPoint();
     if (coordinateIndex_ == coordinateCount_)
         finished_ = true;
     else
@@ -99,7 +99,7 @@ void clsScalingWizard::FillInCorner() {
     }
 }
 
-void clsScalingWizard::TakePoint() {
+void clsScalingWizard::KeepPoint() {
     const frmCoordinate& form = *coordinateForm_;
     const auto place = CheckedNarrow<std::size_t>(coordinateIndex_);
     points_.x.at(place) = useLonLat_ ? form.Longitude : form.Easting;

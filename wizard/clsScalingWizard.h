@@ -48,11 +48,11 @@ public:
     std::vector<ReferencePoint> GivenPoints() const;
 
 private:
-    void TakeSystem(const frmSelectDatumGrid& form);
+    void KeepSystem(const frmSelectDatumGrid& form);
     void PrepareCoordinateForm();
     void HandPointToForm(std::int32_t pixelX, std::int32_t pixelY);
     void FillInCorner();
-    void TakePoint();
+    void KeepPoint();
 
     QWidget* parent_;
     bool finished_ = false;

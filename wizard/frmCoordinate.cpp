@@ -98,7 +98,7 @@ void frmCoordinate::WatchParts(bool latitude) {
     const AngleFields fields = FieldsOf(*ui_, latitude);
     for (QLineEdit* const field : {&fields.degrees, &fields.minutes, &fields.seconds})
         checks_.Watch(
-            *field, [this, latitude] { TakeParts(latitude); },
+            *field, [this, latitude] { StoreParts(latitude); },
             [this](const QString& text) { return PasteLonLat(text, PastedInto::PartOfAngle); });
 }
 
@@ -246,7 +246,7 @@ void frmCoordinate::ddUnit_Click() {
     }
 }
 
-void frmCoordinate::TakeParts(bool latitude) {
+void frmCoordinate::StoreParts(bool latitude) {
     const AngleFields fields = FieldsOf(*ui_, latitude);
     const double degrees = GetNumber(fields.degrees);
     const double minutes = GetNumber(fields.minutes);
@@ -264,7 +264,7 @@ void frmCoordinate::TakeParts(bool latitude) {
     RefreshPosition();
 }
 
-FieldChecks::TakeBack frmCoordinate::PasteLonLat(const QString& text, PastedInto place) {
+FieldChecks::Restore frmCoordinate::PasteLonLat(const QString& text, PastedInto place) {
     const std::optional<LonLat> pasted = ParseLonLat(text, QLocale::system(), place);
     if (!pasted)
         return {};
@@ -280,7 +280,7 @@ FieldChecks::TakeBack frmCoordinate::PasteLonLat(const QString& text, PastedInto
     };
 }
 
-FieldChecks::TakeBack frmCoordinate::PasteEastNorth(const QString& text) {
+FieldChecks::Restore frmCoordinate::PasteEastNorth(const QString& text) {
     const std::optional<EastNorth> pasted = ParseEastNorth(text);
     if (!pasted)
         return {};

@@ -66,9 +66,9 @@ private:
     void ddLatHemi_Click();
     void ddLonHemi_Click();
     void ddUnit_Click();
-    void TakeParts(bool latitude);
-    FieldChecks::TakeBack PasteLonLat(const QString& text, PastedInto place);
-    FieldChecks::TakeBack PasteEastNorth(const QString& text);
+    void StoreParts(bool latitude);
+    FieldChecks::Restore PasteLonLat(const QString& text, PastedInto place);
+    FieldChecks::Restore PasteEastNorth(const QString& text);
     double Meters(const QLineEdit& field) const;
 
     std::unique_ptr<Ui::frmCoordinate> ui_;

@@ -88,14 +88,14 @@ void frmSelectDatumGrid::bNext_Click() {
     grid_.reset();
     gridIdentifier_ = 0;
     zone_ = 0;
-    if (!(IsCustom() ? TakeCustom() : ui_->rbShowDatum->isChecked() ? TakeDatum() : TakeGrid()))
+    if (!(IsCustom() ? AskForCustom() : ui_->rbShowDatum->isChecked() ? ReadDatum() : ReadGrid()))
         return;
     useLonLat_ = ui_->rbShowDatum->isChecked();
     useGrid_ = ui_->rdShowGrid->isChecked();
     Confirm();
 }
 
-bool frmSelectDatumGrid::TakeCustom() {
+bool frmSelectDatumGrid::AskForCustom() {
     // Whatever comes of it, the step is done: the map says later whether it can be scaled without.
     if (ui_->rbShowDatum->isChecked())
         datum_ = GetCustomDatum(*this);
@@ -105,7 +105,7 @@ bool frmSelectDatumGrid::TakeCustom() {
     return isVisible();
 }
 
-bool frmSelectDatumGrid::TakeDatum() {
+bool frmSelectDatumGrid::ReadDatum() {
     const std::int16_t identifier = DatumIdentifier(ComboText(*ui_->ddDatum).toStdString());
     if (identifier == 0) {
         ShowMessage(this, QStringLiteral("No datum selected!"));
@@ -115,7 +115,7 @@ bool frmSelectDatumGrid::TakeDatum() {
     return true;
 }
 
-bool frmSelectDatumGrid::TakeGrid() {
+bool frmSelectDatumGrid::ReadGrid() {
     const std::optional<GridChoice> chosen = chooser_->Choose(this);
     if (!chosen)
         return false;

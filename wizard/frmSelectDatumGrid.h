@@ -43,9 +43,9 @@ private:
     bool IsCustom() const;
     void ShowFrames();
 
-    bool TakeCustom();
-    bool TakeDatum();
-    bool TakeGrid();
+    bool AskForCustom();
+    bool ReadDatum();
+    bool ReadGrid();
 
     std::unique_ptr<Ui::frmSelectDatumGrid> ui_;
     std::optional<GridChooser> chooser_;

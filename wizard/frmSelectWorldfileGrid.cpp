@@ -60,13 +60,13 @@ void frmSelectWorldfileGrid::ddGrid_Click() {
 }
 
 void frmSelectWorldfileGrid::bNext_Click() {
-    if (!(IsCustom() ? TakeCustomGrid() : TakeListedGrid()))
+    if (!(IsCustom() ? ReadCustomGrid() : ReadListedGrid()))
         return;
     country_ = ComboText(*ui_->ddCountry);
     Confirm();
 }
 
-bool frmSelectWorldfileGrid::TakeCustomGrid() {
+bool frmSelectWorldfileGrid::ReadCustomGrid() {
     if (!customGrid_) {
         ShowMessage(this, QStringLiteral("No custom datum or grid is selected!"));
         return false;
@@ -77,7 +77,7 @@ bool frmSelectWorldfileGrid::TakeCustomGrid() {
     return true;
 }
 
-bool frmSelectWorldfileGrid::TakeListedGrid() {
+bool frmSelectWorldfileGrid::ReadListedGrid() {
     const std::optional<GridChoice> chosen = chooser_->Choose(this);
     if (!chosen)
         return false;

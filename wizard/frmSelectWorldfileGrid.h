@@ -37,8 +37,8 @@ private:
     void ddCountry_Changed();
     void ddGrid_Click();
     bool IsCustom() const;
-    bool TakeCustomGrid();
-    bool TakeListedGrid();
+    bool ReadCustomGrid();
+    bool ReadListedGrid();
 
     std::unique_ptr<Ui::frmSelectWorldfileGrid> ui_;
     std::optional<GridChooser> chooser_;
