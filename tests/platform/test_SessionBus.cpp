@@ -1,7 +1,7 @@
 #include "platform/SessionBus.h"
 
+#include "tests/support/desktop/PrivateBus.h"
 #include "tests/support/desktop/SilentBus.h"
-#include "tests/wizard/PrivateBus.h"
 
 #include <vector>
 

@@ -1,5 +1,5 @@
+#include "tests/support/desktop/PrivateBus.h"
 #include "tests/wizard/FormDriver.h"
-#include "tests/wizard/PrivateBus.h"
 #include "tests/wizard/WizardRun.h"
 
 #include <QImage>

@@ -1,4 +1,4 @@
-#include "tests/wizard/PrivateBus.h"
+#include "tests/support/desktop/PrivateBus.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tests/wizard/CoordinateFormTest.h"
+#include "tests/wizard/CoordinateFixture.h"
 
 #include <QLabel>
 #include <QPlainTextEdit>
