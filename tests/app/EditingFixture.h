@@ -2,6 +2,7 @@
 
 #include "tests/app/EditorFixture.h"
 #include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 /// The main window with what the tests of maps and icons share.
 class EditingTest : public EditorTest {
@@ -25,19 +26,6 @@ protected:
     void ExpectSettingsAccepted() {
         ExpectSettings([](QWidget& window) { Click(window, "btnOK"); });
     }
-    static QString WizardCanceled() {
-        return QStringLiteral(
-            "Wizard canceled! Select 'Bitmap -> Scaling Wizard...' from menu to restart the Wizard.");
-    }
-    /// The scaling wizard's first step, given up.
-    void ExpectWizardGivenUp() {
-        Expecting().Expect(QStringLiteral("frmSelectDatumGrid"), [this](QWidget& window) {
-            ++wizards_;
-            QTest::keyClick(&window, Qt::Key_Escape);
-        });
-        Expecting().ExpectBox(WizardCanceled());
-    }
-    int Wizards() const { return wizards_; }
 
     /// Adds the image through the menu with what is proposed, and gives up the wizard.
     void AddMapByMenu(const std::string& image) {
@@ -52,21 +40,19 @@ protected:
         Choose("mIconsNewIcon");
     }
 
+    /// Presses Cancel in the progress window, as soon as there is one.
+    static void CancelProgress() {
+        for (const QWidget* const window : QApplication::topLevelWidgets())
+            if (window->objectName() == QStringLiteral("frmProgress") && window->isVisible())
+                return Click(*window, "btnCancel");
+        QTimer::singleShot(0, &CancelProgress);
+    }
+
     /// Gives the window the keys: a menu that has just closed leaves them with the main window for a while.
     static void Activate(QWidget& window) {
         window.activateWindow();
         EXPECT_TRUE(QTest::qWaitFor([&window] { return window.isActiveWindow(); }));
     }
 
-    QStringList EntriesOf(const char* list) {
-        QStringList entries;
-        for (int position = 0; position < Find<QComboBox>(list).count(); ++position)
-            entries.append(Find<QComboBox>(list).itemText(position));
-        return entries;
-    }
-    int EntryOf(const char* list) { return Find<QComboBox>(list).currentIndex(); }
     int Page() { return Find<QTabWidget>("tabAtlavex").currentIndex(); }
-
-private:
-    int wizards_ = 0;
 };

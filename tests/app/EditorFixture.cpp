@@ -33,6 +33,13 @@ std::vector<std::string> EditorTest::EnabledEntries() {
     return names;
 }
 
+QStringList EditorTest::EntriesOf(const char* list) {
+    QStringList entries;
+    for (const std::string& entry : Entries(*window_, list))
+        entries.append(QString::fromStdString(entry));
+    return entries;
+}
+
 void EditorTest::Choose(const char* menuEntry) {
     auto& action = Find<QAction>(menuEntry);
     ASSERT_TRUE(action.isEnabled()) << menuEntry;
@@ -60,8 +67,7 @@ void EditorTest::Pick(const char* list, int entry) {
 }
 
 void AnswerFileDialog(QWidget& dialog, const std::optional<std::string>& path) {
-    auto* const field = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-    ASSERT_NE(field, nullptr);
+    auto* const field = &Control<QLineEdit>(dialog, "fileNameEdit");
     EXPECT_EQ(field->text().toStdString(), "") << "A dialog starts without a file name.";
     if (!path) {
         QTest::keyClick(&dialog, Qt::Key_Escape);
@@ -86,6 +92,14 @@ void EditorTest::ExpectFileDialog(const QString& title, const std::optional<std:
         EXPECT_EQ(dialog.windowTitle().toStdString(), title.toStdString());
         AnswerFileDialog(dialog, path);
     });
+}
+
+void EditorTest::ExpectWizardGivenUp() {
+    script_.Expect(QStringLiteral("frmSelectDatumGrid"), [this](QWidget& window) {
+        ++wizards_;
+        QTest::keyClick(&window, Qt::Key_Escape);
+    });
+    script_.ExpectBox(WizardCancelled);
 }
 
 void EditorTest::OpenByMenu(const std::string& file) {

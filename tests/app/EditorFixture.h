@@ -3,6 +3,8 @@
 #include "app/frmMain.h"
 #include "tests/app/RecordingLibrary.h"
 #include "tests/component/LibraryFixture.h"
+#include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/support/desktop/ModalScript.h"
 
 #include <QAction>
@@ -27,13 +29,13 @@ protected:
     ProgressProbe& Probe() { return probe_; }
 
     /// The control of this name in the main window.
-    template <typename Control>
-    Control& Find(const char* name) {
-        auto* const control = window_->findChild<Control*>(QLatin1String(name));
-        if (control == nullptr)
-            throw std::runtime_error(std::string("No control ") + name);
-        return *control;
+    template <typename Kind>
+    Kind& Find(const char* name) {
+        return Control<Kind>(*window_, name);
     }
+    /// The entries of a drop-down list, and which of them is selected.
+    QStringList EntriesOf(const char* list);
+    int EntryOf(const char* list) { return Find<QComboBox>(list).currentIndex(); }
     std::string TextOf(const char* label) { return Find<QLabel>(label).text().toStdString(); }
     std::string Title() const { return window_->windowTitle().toStdString(); }
     bool IsEnabled(const char* menuEntry) { return Find<QAction>(menuEntry).isEnabled(); }
@@ -48,6 +50,9 @@ protected:
     /// The next window is the file dialog: types the path and presses Enter, or Escape for nothing.
     void ExpectFileDialog(const QString& title, const std::optional<std::string>& path);
     ModalScript& Expecting() { return script_; }
+    /// The scaling wizard's first step, given up.
+    void ExpectWizardGivenUp();
+    int Wizards() const { return wizards_; } ///< so many were given up
     /// Opens the file through the menu; what else comes was to be expected before.
     void OpenByMenu(const std::string& file);
 
@@ -57,6 +62,7 @@ protected:
 
 private:
     ModalScript script_;
+    int wizards_ = 0;
     RecordingLibrary::Log calls_;
     ProgressProbe probe_;
     std::unique_ptr<frmMain> window_;

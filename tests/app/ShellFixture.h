@@ -2,6 +2,7 @@
 
 #include "tests/app/EditorFixture.h"
 #include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "view/KarvelViewer.h"
 
 #include <QTabBar>
@@ -12,23 +13,6 @@
 /// The main window with what the tests of its files, lists and views share.
 class ShellTest : public EditorTest {
 protected:
-    static QString KeyPrompt() {
-        return QStringLiteral("Atlavex is encrypted. Please enter the encryption key:");
-    }
-    static QString SaveQuestion() { return QStringLiteral("Do you want to save current Atlavex?"); }
-    static QString NothingLoaded() {
-        return QStringLiteral(
-            "No data was loaded. Possibly the file is encrypted and your key was incorrect?");
-    }
-    static QString ScaleBeforeSaving() {
-        return QStringLiteral("You must scale the map before you can save the Atlavex!");
-    }
-
-    static QString WizardCancelled() {
-        return QStringLiteral("Wizard canceled! Select 'Bitmap -> Scaling Wizard...' from menu to restart "
-                              "the Wizard.");
-    }
-
     /// A saved library whose maps of 50 × 40 pixels are scaled or not, in this order.
     std::string MakeMixedLibrary(const std::string& name, const std::vector<bool>& scaled) {
         const std::string file = MakeLibrary(name, std::vector<QSize>(scaled.size(), QSize(50, 40)));
@@ -61,21 +45,12 @@ protected:
         Choose("mIconsNewIcon");
         ASSERT_TRUE(State().modified);
     }
-    void ExpectSaveQuestion(QMessageBox::StandardButton press) {
-        Expecting().ExpectBox(SaveQuestion(), press);
-    }
+    void ExpectSaveQuestion(QMessageBox::StandardButton press) { Expecting().ExpectBox(SaveQuestion, press); }
     void ExpectSaveDialog(const std::optional<std::string>& path) {
         ExpectFileDialog(QStringLiteral("Save Atlavex As"), path);
     }
     void ExpectMergeDialog(const std::optional<std::string>& path) {
         ExpectFileDialog(QStringLiteral("Add Atlavex"), path);
-    }
-
-    /// The scaling wizard's first step, given up.
-    void ExpectWizardGivenUp() {
-        Expecting().Expect(QStringLiteral("frmSelectDatumGrid"),
-                           [](QWidget& window) { QTest::keyClick(&window, Qt::Key_Escape); });
-        Expecting().ExpectBox(WizardCancelled());
     }
 
     /// Gives the control the keyboard, once the window has it back from a dialog.
@@ -92,13 +67,6 @@ protected:
         QTest::keyClick(&Window(), key, Qt::ControlModifier);
     }
 
-    QStringList EntriesOf(const char* list) {
-        QStringList entries;
-        for (int entry = 0; entry < Find<QComboBox>(list).count(); ++entry)
-            entries.append(Find<QComboBox>(list).itemText(entry));
-        return entries;
-    }
-    int EntryOf(const char* list) { return Find<QComboBox>(list).currentIndex(); }
     QTabBar& Tabs() { return *Find<QTabWidget>("tabAtlavex").tabBar(); }
     void ClickTab(int page) { QTest::mouseClick(&Tabs(), Qt::LeftButton, {}, Tabs().tabRect(page).center()); }
 

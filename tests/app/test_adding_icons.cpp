@@ -1,5 +1,6 @@
 #include "platform/modRegistry.h"
 #include "tests/app/EditingFixture.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 namespace {
 
@@ -49,7 +50,7 @@ TEST_F(AddingIcons, NeedsNoScaledMapAndComesLast) {
     EXPECT_EQ(EntriesOf("ddIcons"), (QStringList{"icon1", "icon2", "third"}));
     EXPECT_EQ(EntryOf("ddIcons"), 2);
     EXPECT_EQ(State().currentIcon->Name(), "third");
-    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+    EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
 }
 
 TEST_F(AddingIcons, CancellingEitherDialogChangesNothing) {

@@ -1,22 +1,12 @@
 #include "platform/modGUID.h"
 #include "platform/modRegistry.h"
 #include "tests/app/EditingFixture.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 namespace {
 
-const auto Worldfile = QStringLiteral("Worldfile found. Do you want to use it?");
 const auto NotScaledYet = QStringLiteral("You must scale the current map before adding a new map");
 const QRegularExpression DateText(QStringLiteral("^\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d$"));
-
-/// Presses the progress dialog's Cancel as soon as there is one.
-void CancelProgress() {
-    for (QWidget* const window : QApplication::topLevelWidgets())
-        if (window->objectName() == QStringLiteral("frmProgress") && window->isVisible()) {
-            Click(*window, "btnCancel");
-            return;
-        }
-    QTimer::singleShot(0, CancelProgress);
-}
 
 class AddingMaps : public EditingTest {
 protected:
@@ -34,7 +24,7 @@ protected:
         Start();
         ExpectMapFile(ImageNamed(file));
         ExpectSettingsAccepted();
-        Expecting().ExpectBox(Worldfile, QMessageBox::No);
+        Expecting().ExpectBox(WorldfileFound, QMessageBox::No);
         ExpectWizardGivenUp();
         Choose("mBitmapNew");
         EXPECT_TRUE(Expecting().IsDone()) << file;
@@ -80,7 +70,7 @@ TEST_F(AddingMaps, AFirstMapMakesALibraryAndIsNotScaled) {
 
     EXPECT_EQ(EntriesOf("ddMaps"), QStringList{QStringLiteral("Norden æøå 北 <b>")});
     EXPECT_EQ(EntryOf("ddMaps"), 0);
-    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+    EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
     EXPECT_EQ(TextOf("lbSize"), "Bitmap size: (40, 30)");
     EXPECT_TRUE(State().modified);
     EXPECT_FALSE(State().mapScaled);
@@ -169,7 +159,7 @@ TEST_F(AddingMaps, ShowsTheHourglassAndTakesNoCommandWhileTheImageIsRead) {
 
 TEST_F(AddingMaps, ASecondMapComesLastAndIsCurrentAndTheMapsPageShows) {
     Start(QString::fromStdString(MakeLibrary("a.Atlavex", {{20, 20}, {30, 30}}, 1)));
-    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+    EXPECT_EQ(TextOf("lStatus"), ScaledStatus);
     Find<QTabWidget>("tabAtlavex").setCurrentIndex(1);
     AddMapByMenu(ImageNamed("third.png", 50, 60));
     EXPECT_EQ(EntriesOf("ddMaps"), (QStringList{"map1", "map2", "third"}));
@@ -178,7 +168,7 @@ TEST_F(AddingMaps, ASecondMapComesLastAndIsCurrentAndTheMapsPageShows) {
     EXPECT_EQ(State().rememberedMap, 2);
     EXPECT_EQ(Page(), 0);
     EXPECT_EQ(TextOf("lbSize"), "Bitmap size: (50, 60)");
-    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+    EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
 }
 
 TEST_F(AddingMaps, CancellingEitherDialogChangesNothing) {
@@ -221,7 +211,7 @@ TEST_F(AddingMaps, ACancelledImportIsAFailedOne) {
     ExpectMapFile(ImageNamed("big.png", 3000, 3000));
     ExpectSettings([this](QWidget& window) {
         Expecting().ExpectBox(QStringLiteral("10: The operation was cancelled."));
-        QTimer::singleShot(0, CancelProgress);
+        QTimer::singleShot(0, &EditingTest::CancelProgress);
         Click(window, "btnOK");
     });
     Choose("mBitmapNew");
@@ -257,9 +247,9 @@ TEST_F(AddingMaps, AnAcceptedWorldfileScalesTheMap) {
     Start();
     ExpectMapFile(ImageNamed("photo.tif"));
     ExpectSettingsAccepted();
-    Expecting().ExpectBox(Worldfile, QMessageBox::Yes);
+    Expecting().ExpectBox(WorldfileFound, QMessageBox::Yes);
     Expecting().Expect(QStringLiteral("frmSelectWorldfileGrid"), [this](QWidget& window) {
-        EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+        EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
         auto& countries = Control<QComboBox>(window, "ddCountry");
         countries.setCurrentIndex(countries.findText(QStringLiteral("International")));
         Q_EMIT countries.activated(countries.currentIndex());
@@ -269,7 +259,7 @@ TEST_F(AddingMaps, AnAcceptedWorldfileScalesTheMap) {
     Choose("mBitmapNew");
     EXPECT_TRUE(State().mapScaled);
     EXPECT_TRUE(State().currentMap->IsScaled());
-    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+    EXPECT_EQ(TextOf("lStatus"), ScaledStatus);
     EXPECT_EQ(State().pendingWorldfile, QString());
     EXPECT_EQ(Wizards(), 0);
 }
@@ -279,13 +269,13 @@ TEST_F(AddingMaps, AWorldfileGivenUpStaysWithNoLaterMap) {
     Start();
     ExpectMapFile(ImageNamed("photo.tif"));
     ExpectSettingsAccepted();
-    Expecting().ExpectBox(Worldfile, QMessageBox::Yes);
+    Expecting().ExpectBox(WorldfileFound, QMessageBox::Yes);
     Expecting().Expect(QStringLiteral("frmSelectWorldfileGrid"),
                        [](QWidget& window) { QTest::keyClick(&window, Qt::Key_Escape); });
-    Expecting().ExpectBox(WizardCanceled());
+    Expecting().ExpectBox(WizardCancelled);
     Choose("mBitmapNew");
     EXPECT_FALSE(State().mapScaled);
-    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+    EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
     EXPECT_EQ(State().pendingWorldfile, QString());
 }
 

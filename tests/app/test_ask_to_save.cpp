@@ -1,4 +1,5 @@
 #include "tests/app/UnsavedFixture.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 namespace {
 
@@ -11,7 +12,7 @@ TEST_F(AskToSave, HasThreeButtonsYesTheDefaultEscapeCancels) {
     StartWithEdit();
     Expecting().Expect(QStringLiteral("MessageBox"), [](QWidget& window) {
         auto& box = dynamic_cast<QMessageBox&>(window);
-        EXPECT_EQ(box.text(), SaveQuestion());
+        EXPECT_EQ(box.text(), SaveQuestion);
         EXPECT_EQ(box.windowTitle(), QStringLiteral("Quorvant Studio"));
         EXPECT_EQ(box.standardButtons(), QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
         EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::Yes));
@@ -43,7 +44,7 @@ TEST_F(AskToSave, NewAndNoForgetsTheEdits) {
     EXPECT_EQ(Title(), "Quorvant Studio - ");
     EXPECT_TRUE(EntriesOf("ddMaps").empty());
     EXPECT_TRUE(EntriesOf("ddIcons").empty());
-    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+    EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
 }
 
 TEST_F(AskToSave, CancelKeepsLibraryAndFlagButEmptiesTheView) {
@@ -114,7 +115,7 @@ TEST_F(AskToSave, YesWithAnUnscaledMapSavesNothingAndStays) {
     Choose("mBitmapRename");
     ASSERT_TRUE(State().modified);
     ExpectSaveQuestion(QMessageBox::Yes);
-    Expecting().ExpectBox(ScaleBeforeSaving());
+    Expecting().ExpectBox(ScaleBeforeSaving);
     Choose("mFileNewAtlavex");
     EXPECT_NE(State().objAtlavex, nullptr);
     EXPECT_TRUE(State().modified);

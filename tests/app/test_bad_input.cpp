@@ -2,6 +2,7 @@
 
 #include "platform/modFields.h"
 #include "tests/app/EditingFixture.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 namespace {
 
@@ -81,7 +82,7 @@ protected:
         WriteWholeFile(PathOf("photo.tfw"), "2\n0\n0\n-2\n500000\n6000000\n");
         ExpectMapFile(ImageNamed("photo.tif"));
         ExpectSettings(describe);
-        Expecting().ExpectBox(QStringLiteral("Worldfile found. Do you want to use it?"), QMessageBox::Yes);
+        Expecting().ExpectBox(WorldfileFound, QMessageBox::Yes);
         Expecting().Expect(QStringLiteral("frmSelectWorldfileGrid"), [](QWidget& window) {
             auto& countries = Control<QComboBox>(window, "ddCountry");
             countries.setCurrentIndex(countries.findText(QStringLiteral("International")));
@@ -107,7 +108,7 @@ protected:
     void ExpectExportInto(const std::string& folderName) {
         Expecting().Expect(QStringLiteral("frmExport"), [this](QWidget& window) {
             TypeInto(window, "tbExportTo", QString::fromStdString(PathOf("tiles")));
-            Expecting().ExpectBox(QStringLiteral("Tile Image Export completed!"));
+            Expecting().ExpectBox(ExportCompleted);
             Click(window, "btnExport");
         });
         Choose("mnuTileExport");

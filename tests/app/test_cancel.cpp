@@ -1,4 +1,5 @@
 #include "tests/app/ProgressFixture.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 namespace {
 
@@ -29,7 +30,7 @@ TEST_F(Cancelling, ACancelledLoadIsALoadOfNothing) {
     OpenSmallLibrary();
     AtFirstProgress([&] { QTest::mouseClick(&CancelButton(), Qt::LeftButton); });
     ExpectFileDialog(QStringLiteral("Open Atlavex"), file);
-    Expecting().ExpectBox(NothingLoaded());
+    Expecting().ExpectBox(NothingLoaded);
     Choose("mFileOpenAtlavex");
     ExpectRestored();
     EXPECT_EQ(Title(), "Quorvant Studio - " + PathOf("a.Atlavex"));
@@ -41,8 +42,7 @@ TEST_F(Cancelling, ACancelledMergeChangesNothing) {
     OpenSmallLibrary();
     AtFirstProgress([&] { QTest::mouseClick(&CancelButton(), Qt::LeftButton); });
     ExpectMergeDialog(file);
-    Expecting().ExpectBox(QStringLiteral(
-        "No data was loaded/merged. Possibly the file is encrypted and your key was incorrect?"));
+    Expecting().ExpectBox(NothingMerged);
     Choose("mnuMerge");
     ExpectRestored();
     EXPECT_EQ(EntriesOf("ddMaps").size(), 1);

@@ -1,4 +1,5 @@
 #include "tests/app/EditingFixture.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 namespace {
 
@@ -105,7 +106,7 @@ TEST_F(EditingCommands, DeletingAsksFirstAndNoIsTheDefault) {
     Expecting().Expect(QStringLiteral("MessageBox"), [](QWidget& window) {
         auto& box = dynamic_cast<QMessageBox&>(window);
         Activate(box);
-        EXPECT_EQ(box.text(), QStringLiteral("Are you sure you want to delete 'map1' map?"));
+        EXPECT_EQ(box.text(), DeleteMap1);
         EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::No));
         QTest::keyClick(&box, Qt::Key_Return);
     });
@@ -113,7 +114,7 @@ TEST_F(EditingCommands, DeletingAsksFirstAndNoIsTheDefault) {
     Expecting().Expect(QStringLiteral("MessageBox"), [](QWidget& window) {
         auto& box = dynamic_cast<QMessageBox&>(window);
         Activate(box);
-        EXPECT_EQ(box.text(), QStringLiteral("Are you sure you want to delete 'icon1' Icon?"));
+        EXPECT_EQ(box.text(), DeleteIcon1);
         EXPECT_EQ(box.defaultButton(), box.button(QMessageBox::No));
         QTest::keyClick(&box, Qt::Key_Escape);
     });
@@ -131,7 +132,7 @@ TEST_F(EditingCommands, DeletingAMapMakesTheFirstCurrent) {
     EXPECT_EQ(EntryOf("ddMaps"), 0);
     EXPECT_EQ(State().currentMap->Width(), 20);
     EXPECT_EQ(State().rememberedMap, 0);
-    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+    EXPECT_EQ(TextOf("lStatus"), ScaledStatus);
     EXPECT_EQ(TextOf("lbSize"), "");
     EXPECT_TRUE(State().modified);
     EXPECT_FALSE(IsEnabled("mnuTileExport"));
@@ -144,7 +145,7 @@ TEST_F(EditingCommands, DeletingAnUnscaledMapLeavesTheFlagToTheCount) {
     EXPECT_FALSE(State().mapScaled);
     DeleteMap("new");
     EXPECT_TRUE(State().mapScaled);
-    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+    EXPECT_EQ(TextOf("lStatus"), ScaledStatus);
 }
 
 TEST_F(EditingCommands, DeletingTheLastMapLeavesNothingShownAndNothingModified) {
@@ -158,7 +159,7 @@ TEST_F(EditingCommands, DeletingTheLastMapLeavesNothingShownAndNothingModified) 
     EXPECT_EQ(EntryOf("ddMaps"), -1);
     EXPECT_EQ(State().currentMap, nullptr);
     EXPECT_EQ(State().rememberedMap, -1);
-    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+    EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
     EXPECT_EQ(TextOf("lbSize"), "");
     EXPECT_FALSE(Find<QSlider>("sldZoom").isEnabled());
     EXPECT_FALSE(State().modified) << "a deletion that leaves no maps or no icons clears the flag";

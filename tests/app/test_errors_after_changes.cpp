@@ -2,6 +2,7 @@
 
 #include "tests/app/EditorFixture.h"
 #include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 #include <QDropEvent>
 #include <QMimeData>
@@ -13,8 +14,6 @@
 namespace {
 
 using testing::ElementsAre;
-
-const auto NoMemory = QStringLiteral("There is not enough memory.");
 
 /// Told of each call before it is passed on; what it throws fails the call.
 using Hook = std::function<void(const std::string& call)>;
@@ -149,14 +148,14 @@ protected:
 
     template <typename Type>
     Type& Find(const char* name) {
-        return *window_->findChild<Type*>(QLatin1String(name));
+        return Control<Type>(*window_, name);
     }
     const EditorState& State() const { return window_->State(); }
     ModalScript& Expecting() { return script_; }
     QStringList EntriesOf(const char* list) {
         QStringList entries;
-        for (int entry = 0; entry < Find<QComboBox>(list).count(); ++entry)
-            entries.append(Find<QComboBox>(list).itemText(entry));
+        for (const std::string& entry : Entries(*window_, list))
+            entries.append(QString::fromStdString(entry));
         return entries;
     }
     std::string TextOf(const char* label) { return Find<QLabel>(label).text().toStdString(); }
@@ -207,7 +206,7 @@ TEST_F(AfterChanges, AMapThatCannotBeListedIsAddedAndNoWizardRuns) {
     EXPECT_EQ(TextOf("lHeader"), "") << "no wizard asks for a point";
     Pick("ddMaps", 2);
     EXPECT_EQ(State().currentMap->Name(), "new");
-    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+    EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
 }
 
 TEST_F(AfterChanges, AMapThatCannotBeShownIsAddedAndNoWizardRuns) {
@@ -237,7 +236,7 @@ TEST_F(AfterChanges, AnIconThatCannotBeListedIsAddedAndDescribed) {
 TEST_F(AfterChanges, ADeletedMapStaysDeletedAndUnsaved) {
     StartWith(1);
     FailNext("GetMap", "RemoveMap");
-    Expecting().ExpectBox(QStringLiteral("Are you sure you want to delete 'map1' map?"), QMessageBox::Yes);
+    Expecting().ExpectBox(DeleteMap1, QMessageBox::Yes);
     Expecting().ExpectBox(NoMemory);
     Choose("mBitmapDelete");
     EXPECT_EQ(State().objAtlavex->MapCount(), 1);
@@ -250,7 +249,7 @@ TEST_F(AfterChanges, ADeletedMapStaysDeletedAndUnsaved) {
 TEST_F(AfterChanges, ADeletedIconStaysDeletedAndUnsaved) {
     StartWith(2);
     FailNext("GetIcon", "RemoveIcon");
-    Expecting().ExpectBox(QStringLiteral("Are you sure you want to delete 'icon1' Icon?"), QMessageBox::Yes);
+    Expecting().ExpectBox(DeleteIcon1, QMessageBox::Yes);
     Expecting().ExpectBox(NoMemory);
     Choose("mIconsDeleteIcon");
     EXPECT_TRUE(State().modified);

@@ -3,12 +3,12 @@
 #include "platform/modRegistry.h"
 #include "tests/app/EditingFixture.h"
 #include "tests/support/MountedDisk.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-const auto Completed = QStringLiteral("Tile Image Export completed!");
 const std::string ExportedName = "00000000-0000-0000-0000-000000000001_map1";
 
 void ForgetFolder() {
@@ -19,13 +19,6 @@ QString RememberedFolder() {
     return QueryValue(RootKey::CurrentUser, QStringLiteral("Software\\Kestova\\Brisquent\\Export"),
                       QStringLiteral("InitDir"))
         .toString();
-}
-
-/// Presses Cancel in the progress dialog, which is there.
-void CancelProgress() {
-    for (const QWidget* const window : QApplication::topLevelWidgets())
-        if (window->objectName() == QStringLiteral("frmProgress"))
-            Click(*window, "btnCancel");
 }
 
 class ExportFails : public EditingTest {
@@ -61,7 +54,7 @@ protected:
         Expecting().Expect(QStringLiteral("frmExport"), [&, this](QWidget& window) {
             ExpectFailure(window, folder, expected);
             Probe() = {};
-            Expecting().ExpectBox(Completed);
+            Expecting().ExpectBox(ExportCompleted);
             TypeInto(window, "tbExportTo", QString::fromStdString(PathOf("elsewhere")));
             Click(window, "btnExport");
         });
@@ -78,7 +71,7 @@ protected:
     void ExportTo(const std::string& folder) {
         Expecting().Expect(QStringLiteral("frmExport"), [&](QWidget& window) {
             TypeInto(window, "tbExportTo", QString::fromStdString(folder));
-            Expecting().ExpectBox(Completed);
+            Expecting().ExpectBox(ExportCompleted);
             Click(window, "btnExport");
         });
         Choose("mnuTileExport");

@@ -1,5 +1,6 @@
 #include "tests/app/ShellFixture.h"
 #include "tests/support/MountedDisk.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 namespace {
 
@@ -58,7 +59,7 @@ protected:
     void ExpectStill(const LibraryContent& content, const std::string& fileName) {
         EXPECT_TRUE(State().modified);
         EXPECT_EQ(State().fileName.toStdString(), fileName);
-        EXPECT_EQ(Title(), fileName.empty() ? "Quorvant Studio v2.31" : "Quorvant Studio - " + fileName);
+        EXPECT_EQ(Title(), fileName.empty() ? PlainTitle : "Quorvant Studio - " + fileName);
         EXPECT_EQ(QApplication::overrideCursor(), nullptr);
         EXPECT_TRUE(Window().isEnabled());
         EXPECT_FALSE(State().busy);

@@ -1,15 +1,12 @@
 #include "tests/app/ShellFixture.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/support/desktop/FakeBrowser.h"
 
 namespace {
 
 class GuideOfTheWindow : public ShellTest {
 protected:
-    void ExpectSentence() {
-        Expecting().ExpectBox(
-            QStringLiteral("Internet Explorer could not be launched. Please visit "
-                           "https://www.kestova.example/quorvant/guide.asp for the Developer's Guide"));
-    }
+    void ExpectSentence() { Expecting().ExpectBox(HelpNotStarted); }
     /// Until the box that was expected has come; the window answers meanwhile.
     bool SentenceCame() {
         return QTest::qWaitFor([this] { return Expecting().IsDone(); }, 60000);

@@ -1,5 +1,6 @@
 #include "app/ReadOut.h"
 #include "tests/app/ShellFixture.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 #include <QAccessible>
 #include <QFileDialog>
@@ -65,9 +66,9 @@ mHelp &Help
 
 TEST_F(MainWindow, StartsWithItsTextsAndOnTheMapPage) {
     Start();
-    EXPECT_EQ(Title(), "Quorvant Studio v2.31");
+    EXPECT_EQ(Title(), PlainTitle);
     EXPECT_EQ(TextOf("lHeader"), "Header");
-    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+    EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
     EXPECT_EQ(TextOf("lbZoom"), "Zoom:");
     EXPECT_EQ(TextOf("lbZoomPercentage"), "100%");
     EXPECT_EQ(TextOf("lbSize"), "");
@@ -190,8 +191,7 @@ TEST_F(MainWindow, EntriesOfMapsAndIconsOpenTheirDialogs) {
     ExpectWizardGivenUp();
     Choose("mBitmapScalingWizard");
     for (const auto& [entry, question] :
-         {std::pair("mBitmapDelete", "Are you sure you want to delete 'map1' map?"),
-          std::pair("mIconsDeleteIcon", "Are you sure you want to delete 'icon1' Icon?")}) {
+         {std::pair("mBitmapDelete", DeleteMap1), std::pair("mIconsDeleteIcon", DeleteIcon1)}) {
         Expecting().ExpectBox(QLatin1String(question), QMessageBox::No);
         Choose(entry);
     }

@@ -1,4 +1,5 @@
 #include "tests/app/ShellFixture.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 namespace {
 
@@ -89,7 +90,7 @@ TEST_F(MenuRule, AfterAFailedOpenOffersWhatNeedsAnEmptyLibrary) {
     Start();
     OpenByMenu(MakeLibrary("a.Atlavex", {{20, 20}}, 1));
     ExpectFileDialog(QStringLiteral("Open Atlavex"), sealed);
-    Expecting().ExpectInput(KeyPrompt(), QStringLiteral("wrong")).ExpectBox(NothingLoaded());
+    Expecting().ExpectInput(KeyPrompt, QStringLiteral("wrong")).ExpectBox(NothingLoaded);
     Choose("mFileOpenAtlavex");
     ExpectEnabled(All(OfLibrary(), Just("mnuTileExport")));
 }

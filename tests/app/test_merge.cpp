@@ -1,4 +1,5 @@
 #include "tests/app/ShellFixture.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 namespace {
 
@@ -8,10 +9,6 @@ protected:
     static QString Complete(const char* maps, const char* icons) {
         return QStringLiteral("Merge complete. \r\n%1 map(s) added.\r\n%2 icon(s) added.")
             .arg(QLatin1String(maps), QLatin1String(icons));
-    }
-    static QString NothingMerged() {
-        return QStringLiteral(
-            "No data was loaded/merged. Possibly the file is encrypted and your key was incorrect?");
     }
     void StartWith(const std::string& file) {
         Start();
@@ -65,12 +62,12 @@ TEST_F(Merging, SaysTheSizeOfWhatThePageShows) {
 TEST_F(Merging, SelectsTheFirstWhereNoneWas) {
     const std::string other = MakeLibrary("other.Atlavex", {{25, 35}});
     StartWith(MakeLibrary("icons.Atlavex", {}, 1));
-    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+    EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
     Merge(other, Box(Complete("1", "0")));
     EXPECT_EQ(EntryOf("ddMaps"), 0);
     EXPECT_EQ(TextOf("lbSize"), "Bitmap size: (25, 35)");
     EXPECT_TRUE(State().mapScaled);
-    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+    EXPECT_EQ(TextOf("lStatus"), ScaledStatus);
 }
 
 TEST_F(Merging, IconsAloneCount) {
@@ -111,7 +108,7 @@ TEST_F(Merging, ASealedFileAsksForItsKeyWhichIsNotKept) {
     const std::string file = MakeLibrary("a.Atlavex", {{20, 20}});
     StartWith(file);
     Merge(other, [this] {
-        Expecting().ExpectInput(KeyPrompt(), QStringLiteral("sesame")).ExpectBox(Complete("1", "0"));
+        Expecting().ExpectInput(KeyPrompt, QStringLiteral("sesame")).ExpectBox(Complete("1", "0"));
     });
     EXPECT_EQ(CountOf(TakeCalls(), "MergeFromFile key 'sesame'"), 1);
     EXPECT_EQ(State().encryptionKey, QString());
@@ -125,10 +122,10 @@ TEST_F(Merging, ASealedLibraryKeepsItsOwnKey) {
     const std::string other = MakeLibrary("other.Atlavex", {{25, 35}}, 0, "sesame");
     Start();
     ExpectFileDialog(QStringLiteral("Open Atlavex"), file);
-    Expecting().ExpectInput(KeyPrompt(), QStringLiteral("own"));
+    Expecting().ExpectInput(KeyPrompt, QStringLiteral("own"));
     Choose("mFileOpenAtlavex");
     Merge(other, [this] {
-        Expecting().ExpectInput(KeyPrompt(), QStringLiteral("sesame")).ExpectBox(Complete("1", "0"));
+        Expecting().ExpectInput(KeyPrompt, QStringLiteral("sesame")).ExpectBox(Complete("1", "0"));
     });
     EXPECT_EQ(State().encryptionKey, QStringLiteral("own"));
 }
@@ -136,9 +133,8 @@ TEST_F(Merging, ASealedLibraryKeepsItsOwnKey) {
 TEST_F(Merging, AWrongKeyAddsNothing) {
     const std::string other = MakeLibrary("other.Atlavex", {{25, 35}}, 0, "sesame");
     StartWith(MakeLibrary("a.Atlavex", {{20, 20}}, 1));
-    Merge(other, [this] {
-        Expecting().ExpectInput(KeyPrompt(), QStringLiteral("wrong")).ExpectBox(NothingMerged());
-    });
+    Merge(other,
+          [this] { Expecting().ExpectInput(KeyPrompt, QStringLiteral("wrong")).ExpectBox(NothingMerged); });
     EXPECT_EQ(EntriesOf("ddMaps").size(), 1);
     EXPECT_EQ(TextOf("lbSize"), "Bitmap size: (20, 20)");
     EXPECT_NE(State().currentIcon, nullptr);
@@ -148,7 +144,7 @@ TEST_F(Merging, AnEmptyOrCancelledKeyStopsSilently) {
     const std::string other = MakeLibrary("other.Atlavex", {{25, 35}}, 0, "sesame");
     StartWith(MakeLibrary("a.Atlavex", {{20, 20}}));
     for (const auto& key : {std::optional<QString>(), std::optional<QString>(QString())})
-        Merge(other, [&] { Expecting().ExpectInput(KeyPrompt(), key); });
+        Merge(other, [&] { Expecting().ExpectInput(KeyPrompt, key); });
     EXPECT_EQ(CountOf(TakeCalls(), "MergeFromFile key ''"), 0);
     EXPECT_EQ(EntriesOf("ddMaps").size(), 1);
 }
@@ -156,7 +152,7 @@ TEST_F(Merging, AnEmptyOrCancelledKeyStopsSilently) {
 TEST_F(Merging, AnEmptyLibraryAddsNothing) {
     const std::string other = MakeLibrary("empty.Atlavex", {});
     StartWith(MakeLibrary("a.Atlavex", {{20, 20}}));
-    Merge(other, Box(NothingMerged()));
+    Merge(other, Box(NothingMerged));
 }
 
 TEST_F(Merging, ACancelledDialogDoesNothing) {
@@ -182,8 +178,8 @@ TEST_F(Merging, AnUnscaledCurrentMapStaysSo) {
     StartWith(MakeMixedLibrary("a.Atlavex", {false}));
     Merge(other, Box(Complete("1", "0")));
     EXPECT_FALSE(State().mapScaled);
-    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
-    Expecting().ExpectBox(QStringLiteral("Current map must be scaled first!"));
+    EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
+    Expecting().ExpectBox(ScaleBeforeChoosing);
     Pick("ddMaps", 1);
     EXPECT_EQ(EntryOf("ddMaps"), 0);
 }

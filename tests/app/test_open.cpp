@@ -1,4 +1,5 @@
 #include "tests/app/ShellFixture.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 #include <QSlider>
 
@@ -38,7 +39,7 @@ protected:
         EXPECT_TRUE(EntriesOf("ddMaps").empty());
         EXPECT_TRUE(EntriesOf("ddIcons").empty());
         EXPECT_EQ(State().rememberedMap, -1);
-        EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+        EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
         EXPECT_FALSE(Find<QSlider>("sldZoom").isEnabled());
         EXPECT_EQ(Find<QSlider>("sldZoom").value(), 0);
         EXPECT_EQ(TextOf("lbZoomPercentage"), "100%");
@@ -59,7 +60,7 @@ TEST_F(Opening, ShowsTheFirstMapAndNamesTheFile) {
     EXPECT_EQ(EntryOf("ddMaps"), 0);
     EXPECT_EQ(EntryOf("ddIcons"), 0);
     EXPECT_EQ(TextOf("lbSize"), "Bitmap size: (200, 100)");
-    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+    EXPECT_EQ(TextOf("lStatus"), ScaledStatus);
     EXPECT_TRUE(State().mapScaled);
     EXPECT_FALSE(State().modified);
     EXPECT_EQ(State().rememberedMap, 0);
@@ -96,7 +97,7 @@ TEST_F(Opening, AsksTwiceWhetherItIsSealedAndCountsBeforeAndAfter) {
 TEST_F(Opening, ASealedFileAsksForItsKey) {
     const std::string file = MakeLibrary("a.Atlavex", {{20, 20}}, 0, "sesame");
     Start();
-    OpenExpecting(file, [this] { Expecting().ExpectInput(KeyPrompt(), QStringLiteral("sesame")); });
+    OpenExpecting(file, [this] { Expecting().ExpectInput(KeyPrompt, QStringLiteral("sesame")); });
     EXPECT_EQ(State().encryptionKey, QStringLiteral("sesame"));
     EXPECT_EQ(EntriesOf("ddMaps").size(), 1);
     const auto calls = TakeCalls();
@@ -122,7 +123,7 @@ TEST_F(Opening, AWrongKeyLoadsNothingAndKeepsTitleAndFlag) {
     const std::string old = StartWithEdit();
     ExpectSaveQuestion(QMessageBox::No);
     OpenExpecting(sealed, [this] {
-        Expecting().ExpectInput(KeyPrompt(), QStringLiteral("Sesame")).ExpectBox(NothingLoaded());
+        Expecting().ExpectInput(KeyPrompt, QStringLiteral("Sesame")).ExpectBox(NothingLoaded);
     });
     ExpectFailed(old, true);
 }
@@ -134,7 +135,7 @@ TEST_F(Opening, AnEmptyOrCancelledKeyStopsSilently) {
     for (const auto& key : {std::optional<QString>(), std::optional<QString>(QString())}) {
         OpenByMenu(old);
         TakeCalls();
-        OpenExpecting(sealed, [&] { Expecting().ExpectInput(KeyPrompt(), key); });
+        OpenExpecting(sealed, [&] { Expecting().ExpectInput(KeyPrompt, key); });
         ExpectFailed(old, false);
         EXPECT_EQ(CountOf(TakeCalls(), "LoadFromFile key ''"), 0);
     }
@@ -148,14 +149,14 @@ TEST_F(Opening, AnIconAloneIsDataToo) {
     EXPECT_EQ(EntriesOf("ddIcons"), QStringList(QStringLiteral("icon1")));
     EXPECT_EQ(State().currentMap, nullptr);
     EXPECT_NE(State().currentIcon, nullptr);
-    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+    EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
 }
 
 TEST_F(Opening, AnEmptyLibraryLoadsNothing) {
     const std::string file = MakeLibrary("empty.Atlavex", {});
     Start();
-    OpenExpecting(file, [this] { Expecting().ExpectBox(NothingLoaded()); });
-    EXPECT_EQ(Title(), "Quorvant Studio v2.31");
+    OpenExpecting(file, [this] { Expecting().ExpectBox(NothingLoaded); });
+    EXPECT_EQ(Title(), PlainTitle);
     EXPECT_TRUE(IsEnabled("mFileSaveAtlavex"));
 }
 
@@ -210,7 +211,7 @@ TEST_F(Opening, OpeningAPlainFileForgetsTheFormerKey) {
     const std::string sealed = MakeLibrary("sealed.Atlavex", {{20, 20}}, 0, "sesame");
     const std::string plain = MakeLibrary("plain.Atlavex", {{20, 20}});
     Start();
-    OpenExpecting(sealed, [this] { Expecting().ExpectInput(KeyPrompt(), QStringLiteral("sesame")); });
+    OpenExpecting(sealed, [this] { Expecting().ExpectInput(KeyPrompt, QStringLiteral("sesame")); });
     OpenByMenu(plain);
     EXPECT_EQ(State().encryptionKey, QString());
 }
@@ -219,7 +220,7 @@ TEST_F(Opening, AnUnscaledMapIsShownAsSuch) {
     Start();
     OpenByMenu(MakeMixedLibrary("a.Atlavex", {false, true}));
     EXPECT_FALSE(State().mapScaled);
-    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+    EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
 }
 
 TEST_F(Opening, TakesAFreshLibraryEachTime) {

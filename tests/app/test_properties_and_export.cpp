@@ -1,8 +1,7 @@
 #include "tests/app/EditingFixture.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 namespace {
-
-const auto TooShort = QStringLiteral("Error: Encryption key must be longer than 4 characters");
 
 class PropertiesAndExport : public EditingTest {
 protected:
@@ -11,7 +10,7 @@ protected:
             Click(window, "cbEncrypt");
             Control<QLineEdit>(window, "tbEncryptionKey").setText(key); // of any script
             if (key.size() > 4)
-                Expecting().ExpectBox(TooShort);
+                Expecting().ExpectBox(KeyTooShort);
             Click(window, "btnOK");
         });
         Choose("mnuAtlavexProperties");
@@ -55,7 +54,7 @@ TEST_F(PropertiesAndExport, AnExportNeedsASavedLibraryAndWritesTheMap) {
     Expecting().Expect(QStringLiteral("frmExport"), [&](QWidget& window) {
         EXPECT_EQ(Control<QLineEdit>(window, "tbName").text(), QStringLiteral("map1"));
         TypeInto(window, "tbExportTo", QString::fromStdString(folder));
-        Expecting().ExpectBox(QStringLiteral("Tile Image Export completed!"));
+        Expecting().ExpectBox(ExportCompleted);
         Click(window, "btnExport");
     });
     Choose("mnuTileExport");

@@ -1,5 +1,6 @@
 #include "app/ReadOut.h"
 #include "tests/app/ShellFixture.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 #include <QClipboard>
 #include <QMouseEvent>
@@ -60,7 +61,7 @@ protected:
 
 TEST_F(ReadingOut, LongitudeAndLatitude) {
     StartWithLonLat({200, 200});
-    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+    EXPECT_EQ(TextOf("lStatus"), ScaledStatus);
     EXPECT_EQ(At(0, 0), "Longitude: 4.0000000 W Latitude: 3.0000000 N");
     EXPECT_EQ(At(13, 0), "Longitude: 2.7000000 W Latitude: 3.0000000 N");
     EXPECT_EQ(At(100, 80), "Longitude: 6.0000000 E Latitude: 1.0000000 S");
@@ -148,12 +149,12 @@ TEST_F(ReadingOut, BesideTheMapNothingIsReadOut) {
 TEST_F(ReadingOut, AnUnscaledMapKeepsItsText) {
     Start();
     OpenByMenu(MakeMixedLibrary("a.Atlavex", {false}));
-    EXPECT_EQ(At(5, 5), "Not scaled");
+    EXPECT_EQ(At(5, 5), NotScaledStatus);
 }
 
 TEST_F(ReadingOut, WithoutAMapAMoveDoesNothing) {
     Start();
-    EXPECT_EQ(At(5, 5), "Not scaled");
+    EXPECT_EQ(At(5, 5), NotScaledStatus);
 }
 
 TEST_F(ReadingOut, WithoutAMapAClickStartsAddingOne) {
@@ -175,7 +176,7 @@ TEST_F(ReadingOut, BesideAnUnscaledMapAClickStartsNoWizard) {
     OpenByMenu(MakeMixedLibrary("a.Atlavex", {false})); // of 50 × 40 pixels
     for (const QPoint& beside : {QPoint(50, 5), QPoint(5, 40)})
         QTest::mouseClick(&Find<QWidget>("viewerMap"), Qt::LeftButton, {}, beside);
-    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+    EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
 }
 
 TEST_F(ReadingOut, IsCopied) {
@@ -210,7 +211,7 @@ TEST_F(ReadingOut, FollowsEveryChangeOfTheViewUnderAStillPointer) {
 
 TEST_F(ReadingOut, GivesWayToTheScalingWhereThePointerShowsNoMapAnyMore) {
     StartWithGrid({700, 400});
-    const std::string scaled = "Click on map to verify positions";
+    const std::string scaled = ScaledStatus;
     At(300, 200);
     Find<QSlider>("sldZoom").setValue(-10); // 257.5 × 147.2 on the screen
     EXPECT_EQ(TextOf("lStatus"), scaled);
@@ -229,9 +230,9 @@ TEST_F(ReadingOut, ComesNotBackByItselfOverWhatWasSaidSince) {
     StartWithGrid({2000, 1600});
     At(4, 8);
     Pick("ddMaps", 0);
-    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+    EXPECT_EQ(TextOf("lStatus"), ScaledStatus);
     Find<QScrollBar>("hscrollMap").setValue(100);
-    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+    EXPECT_EQ(TextOf("lStatus"), ScaledStatus);
 }
 
 TEST_F(ReadingOut, GoesWithTheMapThatTheSaveQuestionTakesAway) {
@@ -240,7 +241,7 @@ TEST_F(ReadingOut, GoesWithTheMapThatTheSaveQuestionTakesAway) {
     At(4, 8);
     ExpectSaveQuestion(QMessageBox::Cancel);
     Choose("mFileNewAtlavex");
-    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+    EXPECT_EQ(TextOf("lStatus"), ScaledStatus);
 }
 
 TEST_F(ReadingOut, BeyondTheCoordinatesIsQuiet) {
@@ -268,10 +269,10 @@ TEST_F(ReadingOut, WhileTheWizardRunsAMoveReadsNothingOut) {
         Click(window, "bNext");
     });
     Choose("mBitmapScalingWizard");
-    EXPECT_EQ(TextOf("lHeader"), "Wizard step 3: Click on a known coordinate");
-    EXPECT_EQ(At(4, 8), "Click on map to verify positions");
+    EXPECT_EQ(TextOf("lHeader"), PointPrompts[0]);
+    EXPECT_EQ(At(4, 8), ScaledStatus);
     // Choosing another map's entry, or New, gives it up.
     Choose("mFileNewAtlavex");
     EXPECT_EQ(TextOf("lHeader"), "");
-    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+    EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
 }

@@ -1,6 +1,7 @@
 // What is typed comes back after saving and opening again, through the same dialogs.
 
 #include "tests/app/EditingFixture.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 namespace {
 
@@ -41,7 +42,7 @@ protected:
     }
 
     void AddEntry(QWidget& window, const QString& key, const QString& value) {
-        ExpectTyping(QStringLiteral("Input name of new metadata"), key);
+        ExpectTyping(NewMetadataName, key);
         Click(window, "btnAdd");
         Control<QLineEdit>(window, "tbData").setText(value);
     }
@@ -79,7 +80,7 @@ protected:
         Expecting().Expect(QStringLiteral("frmAtlavexProperties"), [this, key](QWidget& window) {
             Click(window, "cbEncrypt");
             Control<QLineEdit>(window, "tbEncryptionKey").setText(key);
-            Expecting().ExpectBox(QStringLiteral("Error: Encryption key must be longer than 4 characters"));
+            Expecting().ExpectBox(KeyTooShort);
             Click(window, "btnOK");
         });
         Choose("mnuAtlavexProperties");
@@ -124,7 +125,7 @@ TEST_F(RoundTrip, BringsTextsOfEveryScriptOffsetsAndTheKeyBack) {
         Choose("mFileSaveAtlavex");
         EXPECT_FALSE(State().modified);
 
-        ExpectTyping(QStringLiteral("Atlavex is encrypted. Please enter the encryption key:"), Text(first));
+        ExpectTyping(KeyPrompt, Text(first));
         Start(QString::fromStdString(file));
         ASSERT_NE(State().currentMap, nullptr) << "the key does not open it";
         EXPECT_EQ(EntriesOf("ddMaps"), QStringList{Text(first)});

@@ -1,4 +1,5 @@
 #include "tests/app/ShellFixture.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 #include <QRegularExpression>
 #include <QWindow>
@@ -35,7 +36,7 @@ protected:
 TEST_F(Saving, AnUnscaledMapIsRefusedBySaveAndSaveAs) {
     StartWith(MakeMixedLibrary("a.Atlavex", {false}));
     for (const char* const entry : {"mFileSaveAtlavex", "mFileSaveAtlavexAs"}) {
-        Expecting().ExpectBox(ScaleBeforeSaving());
+        Expecting().ExpectBox(ScaleBeforeSaving);
         Choose(entry);
     }
     EXPECT_EQ(CountOf(TakeCalls(), "SaveToFile key ''"), 0);
@@ -61,7 +62,7 @@ TEST_F(Saving, GoesToTheOpenFileUnderItsKey) {
     const std::string file = MakeLibrary("a.Atlavex", {{20, 20}}, 1, "sesame");
     Start();
     ExpectFileDialog(QStringLiteral("Open Atlavex"), file);
-    Expecting().ExpectInput(KeyPrompt(), QStringLiteral("sesame"));
+    Expecting().ExpectInput(KeyPrompt, QStringLiteral("sesame"));
     Choose("mFileOpenAtlavex");
     Edit();
     TakeCalls();
@@ -139,7 +140,7 @@ TEST_F(Saving, DoesNotTouchTheScaledFlag) {
     StartWith(MakeMixedLibrary("a.Atlavex", {true, false}));
     Choose("mFileSaveAtlavex");
     EXPECT_TRUE(State().mapScaled);
-    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+    EXPECT_EQ(TextOf("lStatus"), ScaledStatus);
 }
 
 TEST_F(Saving, AsTakesTheNewNameCompletedByTheEndingOfTheFilter) {

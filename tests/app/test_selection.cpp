@@ -1,5 +1,6 @@
 #include "component/Bitmap.h"
 #include "tests/app/ShellFixture.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 #include <QAbstractItemView>
 #include <QScrollBar>
@@ -11,8 +12,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-const auto ScaleFirst = QStringLiteral("Current map must be scaled first!");
 
 /// Choosing maps and icons in the lists, and the two pages.
 class Selecting : public ShellTest {
@@ -108,7 +107,7 @@ TEST_F(Selecting, WithTheMouseGivesTheViewerTheFocus) {
 
 TEST_F(Selecting, AnUnscaledMapCannotBeLeft) {
     StartWith(MakeMixedLibrary("a.Atlavex", {false, true, false}));
-    Expecting().ExpectBox(ScaleFirst);
+    Expecting().ExpectBox(ScaleBeforeChoosing);
     Pick("ddMaps", 1);
     EXPECT_EQ(EntryOf("ddMaps"), 0);
     EXPECT_THAT(TakeCalls(), IsEmpty());
@@ -125,11 +124,11 @@ TEST_F(Selecting, AnUnscaledMapPickedAgainSaysNothing) {
 
 TEST_F(Selecting, AnUnscaledMapMayBeChosenAndThenCannotBeLeft) {
     StartWith(MakeMixedLibrary("a.Atlavex", {true, false}));
-    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+    EXPECT_EQ(TextOf("lStatus"), ScaledStatus);
     Pick("ddMaps", 1);
-    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+    EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
     EXPECT_FALSE(State().mapScaled);
-    Expecting().ExpectBox(ScaleFirst);
+    Expecting().ExpectBox(ScaleBeforeChoosing);
     Pick("ddMaps", 0);
     EXPECT_EQ(EntryOf("ddMaps"), 1);
 }

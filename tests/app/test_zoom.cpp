@@ -1,5 +1,6 @@
 #include "component/Bitmap.h"
 #include "tests/app/ShellFixture.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 #include <QScrollBar>
 #include <QWheelEvent>
@@ -246,7 +247,7 @@ TEST_F(Zooming, TheLastDeletedMapDisablesTheSliderAndTheNextEnablesIt) {
     const std::string file = MakeLibrary("b.Atlavex", {{20, 20}});
     Start();
     OpenByMenu(file);
-    Expecting().ExpectBox(QStringLiteral("Are you sure you want to delete 'map1' map?"), QMessageBox::Yes);
+    Expecting().ExpectBox(DeleteMap1, QMessageBox::Yes);
     Choose("mBitmapDelete");
     EXPECT_FALSE(Slider().isEnabled());
     OpenByMenu(file);

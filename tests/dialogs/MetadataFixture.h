@@ -3,13 +3,12 @@
 #include "dialogs/frmMetadata.h"
 #include "tests/component/LibraryFixture.h"
 #include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/support/desktop/ModalScript.h"
 
 // What the tests of the metadata dialog share.
 
 using Pairs = std::vector<std::pair<std::string, std::string>>;
-
-inline const auto NamePrompt = QStringLiteral("Input name of new metadata");
 
 inline QTreeWidget& List(const QWidget& window) {
     return Control<QTreeWidget>(window, "lvCustomMeta");
@@ -52,7 +51,7 @@ protected:
 
     /// Presses "+" and gives the name.
     void Add(const QWidget& window, const char* name) {
-        script_.ExpectInput(NamePrompt, QString::fromLatin1(name));
+        script_.ExpectInput(NewMetadataName, QString::fromLatin1(name));
         Click(window, "btnAdd");
     }
 

@@ -62,7 +62,7 @@ TEST_F(CustomMetadata, AddsAnEntryAndItsData) {
 TEST_F(CustomMetadata, AddsNothingForAnEmptyNameOrNone) {
     Run([this](QWidget& window) {
         ShowCustomMetadata(window);
-        script_.ExpectInput(NamePrompt, QString()).ExpectInput(NamePrompt, std::nullopt);
+        script_.ExpectInput(NewMetadataName, QString()).ExpectInput(NewMetadataName, std::nullopt);
         Click(window, "btnAdd");
         Click(window, "btnAdd");
         EXPECT_EQ(Shown(window), QStringList{});

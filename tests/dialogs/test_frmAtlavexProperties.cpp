@@ -1,12 +1,12 @@
 #include "dialogs/frmAtlavexProperties.h"
 
 #include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/support/desktop/ModalScript.h"
 
 namespace {
 
 const auto TooLong = QStringLiteral("Error: Encryption key can not be longer than 16 characters");
-const auto TooShort = QStringLiteral("Error: Encryption key must be longer than 4 characters");
 
 class Properties : public testing::Test {
 protected:
@@ -94,7 +94,7 @@ TEST_F(Properties, GeneratesAnotherKeyOfSixteenLettersAndDigitsEachTime) {
         EXPECT_TRUE(IsKeyOfLettersAndDigits(first)) << first.toStdString();
         EXPECT_TRUE(IsKeyOfLettersAndDigits(form_.EncryptionKey()));
         EXPECT_NE(form_.EncryptionKey(), first);
-        script_.ExpectBox(TooShort);
+        script_.ExpectBox(KeyTooShort);
         Click(window, "btnOK");
     });
     EXPECT_TRUE(form_.OK());
@@ -113,7 +113,7 @@ TEST_F(Properties, AcceptsALongerKeyAndThenSaysTheOpposite) {
     for (const char* const key : {"abcde", "0123456789abcdef"}) {
         script_.Expect(QStringLiteral("frmAtlavexProperties"), [this, key](QWidget& window) {
             script_.Expect(QStringLiteral("MessageBox"), [this](QWidget& box) {
-                EXPECT_EQ(dynamic_cast<QMessageBox&>(box).text(), TooShort);
+                EXPECT_EQ(dynamic_cast<QMessageBox&>(box).text(), KeyTooShort);
                 EXPECT_FALSE(form_.isVisible()) << "the dialog is hidden already";
                 EXPECT_EQ(box.parentWidget(), &main_);
                 QTest::keyClick(&box, Qt::Key_Return);
@@ -131,7 +131,7 @@ TEST_F(Properties, AcceptsALongerKeyAndThenSaysTheOpposite) {
 
 TEST_F(Properties, RefusesAKeyOfSeventeenCharactersTwiceAndStays) {
     Run([this](QWidget& window) {
-        script_.ExpectBox(TooLong).ExpectBox(TooShort);
+        script_.ExpectBox(TooLong).ExpectBox(KeyTooShort);
         Click(window, "cbEncrypt");
         TypeInto(window, "tbEncryptionKey", QStringLiteral("0123456789abcdefg"));
         Click(window, "btnOK");

@@ -4,6 +4,7 @@
 #include "platform/modRegistry.h"
 #include "tests/component/LibraryFixture.h"
 #include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/support/desktop/ModalScript.h"
 
 #include <sys/stat.h>
@@ -11,7 +12,6 @@
 namespace {
 
 const auto ExportKey = QStringLiteral("Software\\Kestova\\Brisquent\\Export");
-const auto Completed = QStringLiteral("Tile Image Export completed!");
 constexpr const char* Identifier = "01234567-89AB-CDEF-0123-456789ABCDEF";
 
 void Remember(const char* name, const QString& value) {
@@ -49,7 +49,7 @@ protected:
         Run([&](QWidget& window) {
             TypeInto(window, "tbName", name);
             TypeInto(window, "tbExportTo", folder);
-            script_.ExpectBox(Completed);
+            script_.ExpectBox(ExportCompleted);
             Click(window, "btnExport");
         });
     }

@@ -1,5 +1,6 @@
 #include "platform/modHelp.h"
 
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/support/desktop/FakeBrowser.h"
 #include "tests/support/desktop/ModalScript.h"
 
@@ -10,14 +11,9 @@
 
 namespace {
 
-const auto Sentence =
-    QStringLiteral("Internet Explorer could not be launched. Please visit "
-                   "https://www.kestova.example/quorvant/guide.asp for the Developer's Guide");
+const auto Sentence = HelpNotStarted;
 
 const QUrl Address(QStringLiteral("https://www.kestova.example/"));
-
-/// Longer than any of these tests.
-constexpr std::chrono::hours VeryLong(1);
 
 bool BrowsersAreGone() {
     return QCoreApplication::instance()->findChildren<QObject*>(QStringLiteral("Browser")).isEmpty();
@@ -71,7 +67,7 @@ TEST(Help, WaitsForNoBrowserAndTellsWhenItFailsAWhileLater) {
     const FakeBrowser browser("for i in $(seq 200); do [ -e '" + go +
                               "' ] && exit 4; sleep 0.1; done; touch '" + alone + "'; exit 4");
     ModalScript script;
-    ShowHelp(nullptr, OpenInBrowser(VeryLong));
+    ShowHelp(nullptr, OpenInBrowser(std::chrono::hours(1)));
     EXPECT_TRUE(QTest::qWaitFor([&] { return !browser.Opened().empty(); }, 60000));
     EXPECT_FALSE(BrowsersAreGone());
     script.ExpectBox(Sentence);

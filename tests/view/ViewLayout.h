@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/view/RecordingMap.h"
+#include "tests/support/desktop/RecordingMap.h"
 #include "tests/view/ViewWindow.h"
 
 #include <gtest/gtest.h>

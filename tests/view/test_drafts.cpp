@@ -17,13 +17,13 @@ void ServeQuietMoments() {
 TEST_F(ViewLayout, AsksAgainAfterADraftUntilTheViewIsFinal) {
     const auto map = Show(2000, 2000);
     ServeQuietMoments();
-    map->calls.clear();
+    map->views.clear();
     map->drafts = 3;
     View().ScrollBy({100, 50});
-    ASSERT_EQ(map->calls.size(), 1U) << "not before the draft could be painted";
+    ASSERT_EQ(map->views.size(), 1U) << "not before the draft could be painted";
     ServeQuietMoments();
-    ASSERT_EQ(map->calls.size(), 4U);
-    EXPECT_EQ(map->calls.back(), map->calls.front());
+    ASSERT_EQ(map->views.size(), 4U);
+    EXPECT_EQ(map->views.back(), map->views.front());
 }
 
 TEST_F(ViewLayout, ADraftThatCannotBeReadIsNotAskedForWithoutPause) {
@@ -33,9 +33,9 @@ TEST_F(ViewLayout, ADraftThatCannotBeReadIsNotAskedForWithoutPause) {
     View().ScrollBy({100, 50});
     ASSERT_TRUE(map->ViewIsDraft());
     map->fails = true;
-    map->calls.clear();
+    map->views.clear();
     ServeQuietMoments();
-    EXPECT_EQ(map->calls.size(), 1U);
+    EXPECT_EQ(map->views.size(), 1U);
     map->fails = false;
     EXPECT_TRUE(QTest::qWaitFor([&] { return !map->ViewIsDraft(); }, 30'000)) << "It is not given up.";
     EXPECT_EQ(window_.viewer.Image(), View().objBitmap());
@@ -48,9 +48,9 @@ TEST_F(ViewLayout, ADraftOfALockedFileIsNotAskedForWithoutPause) {
     map->obstructed = true;
     View().ScrollBy({100, 50});
     ASSERT_TRUE(map->ViewIsDraft());
-    map->calls.clear();
+    map->views.clear();
     ServeQuietMoments();
-    EXPECT_TRUE(map->calls.empty());
+    EXPECT_TRUE(map->views.empty());
     map->obstructed = false;
     EXPECT_TRUE(QTest::qWaitFor([&] { return !map->ViewIsDraft(); }, 30'000)) << "It is not given up.";
 }
@@ -61,9 +61,9 @@ TEST_F(ViewLayout, WhileBusyLeavesADraftAndFinishesItAfterwards) {
     map->drafts = 2;
     View().ScrollBy({100, 50});
     View().SetBusy(true);
-    map->calls.clear();
+    map->views.clear();
     ServeQuietMoments();
-    EXPECT_TRUE(map->calls.empty());
+    EXPECT_TRUE(map->views.empty());
     View().SetBusy(false);
     ServeQuietMoments();
     EXPECT_FALSE(map->ViewIsDraft());
@@ -74,7 +74,7 @@ TEST_F(ViewLayout, ForgetsADraftWithItsMap) {
     map->drafts = 2;
     View().ScrollBy({100, 50});
     View().Clear();
-    map->calls.clear();
+    map->views.clear();
     ServeQuietMoments();
-    EXPECT_TRUE(map->calls.empty());
+    EXPECT_TRUE(map->views.empty());
 }

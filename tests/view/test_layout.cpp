@@ -1,6 +1,7 @@
 // Scroll ranges, coarse bars, the slider's upper end, and how often a map is asked for its pixels.
 
 #include "base/ComponentError.h"
+#include "component/library/PixelImage.h"
 #include "tests/view/ViewLayout.h"
 #include "view/ZoomSlider.h"
 
@@ -8,44 +9,44 @@
 
 namespace {
 
-using Call = RecordingMap::Call;
+using Call = RecordingMap::View;
 
 } // namespace
 
 TEST_F(ViewLayout, AsksOnceForTheVisiblePart) {
     const auto map = Show(1000, 800);
-    EXPECT_EQ(map->calls, (std::vector<Call>{{0, 0, Width(), Height(), 1.0}}));
+    EXPECT_EQ(map->views, (std::vector<Call>{{0, 0, Width(), Height(), 1.0}}));
 }
 
 TEST_F(ViewLayout, AsksForThePartThatBothBarsSelect) {
     const auto map = Show(1000, 800);
     Horizontal().setValue(30);
     Vertical().setValue(40);
-    EXPECT_EQ(map->calls.at(1), (Call{30, 0, Width(), Height(), 1.0}));
-    EXPECT_EQ(map->calls.at(2), (Call{30, 40, Width(), Height(), 1.0}));
-    map->calls.clear();
+    EXPECT_EQ(map->views.at(1), (Call{30, 0, Width(), Height(), 1.0}));
+    EXPECT_EQ(map->views.at(2), (Call{30, 40, Width(), Height(), 1.0}));
+    map->views.clear();
     View().ChangeHScroll();
     View().ChangeVScroll();
     const Call both{30, 40, Width(), Height(), 1.0};
-    EXPECT_EQ(map->calls, (std::vector<Call>{both, both}));
+    EXPECT_EQ(map->views, (std::vector<Call>{both, both}));
 }
 
 TEST_F(ViewLayout, AsksOnceWhenANewRangeMovesBothBars) {
     const auto map = Show(1000, 800);
     Horizontal().setValue(Horizontal().maximum());
     Vertical().setValue(Vertical().maximum());
-    map->calls.clear();
+    map->views.clear();
     View().SetZoom(-5);
-    ASSERT_EQ(map->calls.size(), 1U);
-    EXPECT_EQ(map->calls[0].left, Horizontal().maximum());
-    EXPECT_EQ(map->calls[0].top, Vertical().maximum());
+    ASSERT_EQ(map->views.size(), 1U);
+    EXPECT_EQ(map->views[0].left, Horizontal().maximum());
+    EXPECT_EQ(map->views[0].top, Vertical().maximum());
 }
 
 TEST_F(ViewLayout, AsksOnceWhenTheViewerChangesItsSize) {
     const auto map = Show(1000, 800);
-    map->calls.clear();
+    map->views.clear();
     window_.ResizeViewer({222, 177});
-    EXPECT_EQ(map->calls, (std::vector<Call>{{0, 0, Width(), Height(), 1.0}}));
+    EXPECT_EQ(map->views, (std::vector<Call>{{0, 0, Width(), Height(), 1.0}}));
     EXPECT_EQ(Horizontal().maximum(), 1000 - Width());
     EXPECT_EQ(Vertical().maximum(), 800 - Height());
 }
@@ -65,7 +66,7 @@ TEST_F(ViewLayout, ShowsTheAnswerOnlyWhenItIsNew) {
 
 TEST_F(ViewLayout, AsksForNoMoreThanTheZoomedMap) {
     const auto map = Show(50, 30);
-    EXPECT_EQ(map->calls.back(), (Call{0, 0, 50, 30, 1.0}));
+    EXPECT_EQ(map->views.back(), (Call{0, 0, 50, 30, 1.0}));
     EXPECT_EQ(Horizontal().maximum(), 0);
     EXPECT_EQ(Vertical().maximum(), 0);
     const QImage screen = window_.Screen();
@@ -77,21 +78,21 @@ TEST_F(ViewLayout, AsksForNoMoreThanTheZoomedMap) {
 TEST_F(ViewLayout, RoundsTheVisibleSizeHalfToEven) {
     for (const auto& [size, zoomed] : {std::pair(21, 10), {23, 12}, {25, 12}, {27, 14}}) {
         const auto map = Show(size, 1000, 0.5);
-        EXPECT_EQ(map->calls.back().width, zoomed) << size;
-        EXPECT_EQ(map->calls.back().height, Height());
+        EXPECT_EQ(map->views.back().width, zoomed) << size;
+        EXPECT_EQ(map->views.back().height, Height());
     }
 }
 
 TEST_F(ViewLayout, ShowsATinyMapAsAtLeastOnePixel) {
     const auto map = Show(10, 10, 0.01);
-    EXPECT_EQ(map->calls.back(), (Call{0, 0, 1, 1, 0.01}));
+    EXPECT_EQ(map->views.back(), (Call{0, 0, 1, 1, 0.01}));
 }
 
 TEST_F(ViewLayout, AsksNothingWithoutAViewersSize) {
     const auto map = Show(1000, 800);
-    map->calls.clear();
+    map->views.clear();
     window_.ResizeViewer({0, 0});
-    EXPECT_EQ(map->calls.size(), 0U);
+    EXPECT_EQ(map->views.size(), 0U);
 }
 
 TEST_F(ViewLayout, SetsTheZoomOfViewAndMap) {
@@ -99,7 +100,7 @@ TEST_F(ViewLayout, SetsTheZoomOfViewAndMap) {
     View().SetZoom(10);
     EXPECT_EQ(View().Zoom(), std::exp(1.0));
     EXPECT_EQ(map->Zoom(), std::exp(1.0));
-    EXPECT_EQ(map->calls.back().zoom, std::exp(1.0));
+    EXPECT_EQ(map->views.back().zoom, std::exp(1.0));
 }
 
 TEST_F(ViewLayout, TakesTheZoomOfAMapAndDoesNotWriteIt) {
@@ -142,8 +143,8 @@ TEST_F(ViewLayout, ReachesTheLastPixelAndShowsNoStripBehindIt) {
         Horizontal().setValue(Horizontal().maximum());
         Vertical().setValue(Vertical().maximum());
         const auto zoomed = static_cast<std::int32_t>(std::ceil(size * zoom));
-        EXPECT_EQ(map->calls.back().left + Width(), zoomed) << size << " at " << zoom;
-        EXPECT_EQ(map->calls.back().top + Height(), zoomed);
+        EXPECT_EQ(map->views.back().left + Width(), zoomed) << size << " at " << zoom;
+        EXPECT_EQ(map->views.back().top + Height(), zoomed);
         const auto last = View().PixelAt({Width() - 1, Height() - 1});
         ASSERT_TRUE(last);
         EXPECT_GE(last->x, size - 1 - static_cast<int>(1 / zoom));
@@ -163,7 +164,7 @@ TEST_F(ViewLayout, IsCoarseAboveWhat16BitsHold) {
 TEST_F(ViewLayout, OfACoarseBarShowsThePartAtTenTimesItsValue) {
     const auto map = Show(40000, 200);
     Horizontal().setValue(150);
-    EXPECT_EQ(map->calls.back().left, 1500);
+    EXPECT_EQ(map->views.back().left, 1500);
     EXPECT_EQ(View().HorizontalOffset(), 1500);
     EXPECT_EQ(View().VerticalOffset(), 0);
     EXPECT_EQ(View().PixelAt({7, 3}), (ImagePixel{1507, 3}));
@@ -175,7 +176,7 @@ TEST_F(ViewLayout, KeepsItsPartWhenABarBecomesCoarseOrFine) {
     window_.ResizeViewer({100, 121});
     ASSERT_TRUE(View().HorizontalIsCoarse());
     EXPECT_EQ(Horizontal().value(), 800);
-    EXPECT_EQ(map->calls.back().left, 8000);
+    EXPECT_EQ(map->views.back().left, 8000);
     window_.ResizeViewer({161, 121});
     ASSERT_FALSE(View().HorizontalIsCoarse());
     EXPECT_EQ(Horizontal().value(), 8000);
@@ -229,7 +230,7 @@ TEST_F(ViewLayout, AtAnyOfferedPositionKeepsWithin16Bits) {
             }
         }
         Horizontal().setValue(Horizontal().maximum());
-        const Call& last = map->calls.back();
+        const Call& last = map->views.back();
         ASSERT_GE(last.left + last.width, std::nearbyint(map->Width() * map->Zoom()));
     }
 }
@@ -238,7 +239,7 @@ TEST_F(ViewLayout, AZoomBeyondTheSliderStaysWithin16Bits) {
     const auto map = Show(30000, 30000, 1e9);
     EXPECT_EQ(Horizontal().maximum(), 32767);
     Horizontal().setValue(32767);
-    EXPECT_EQ(map->calls.back().left, 327670);
+    EXPECT_EQ(map->views.back().left, 327670);
 }
 
 TEST_F(ViewLayout, SaysThatMarksHaveToBePlacedAnew) {

@@ -1,11 +1,12 @@
 // Fitting, zooming about a point, scrolling by pixels, from the image to the screen and back, and waiting
 // while the component is busy.
 
+#include "base/ComponentError.h"
 #include "tests/view/ViewLayout.h"
 
 namespace {
 
-using Call = RecordingMap::Call;
+using Call = RecordingMap::View;
 
 } // namespace
 
@@ -35,7 +36,7 @@ TEST_F(ViewLayout, ZoomsAboutThePointer) {
     Horizontal().setValue(300);
     Vertical().setValue(200);
     const QPoint pointer(60, 50);
-    map->calls.clear();
+    map->views.clear();
     for (std::int32_t position = 1; position <= 20; ++position) {
         View().ZoomAbout(position, pointer);
         const double x = (View().HorizontalOffset() + 60) / View().Zoom();
@@ -43,7 +44,7 @@ TEST_F(ViewLayout, ZoomsAboutThePointer) {
         // Each step may lose half a zoomed pixel.
         EXPECT_NEAR(x, 360, 0.5 * position);
         EXPECT_NEAR(y, 250, 0.5 * position);
-        EXPECT_EQ(map->calls.size(), static_cast<std::size_t>(position));
+        EXPECT_EQ(map->views.size(), static_cast<std::size_t>(position));
     }
     View().ZoomAbout(0, pointer);
     View().ZoomAbout(10, pointer);
@@ -97,14 +98,14 @@ TEST_F(ViewLayout, AMapStartsWhereItWasLastLookedAt) {
     Vertical().setValue(77);
     const std::int32_t end = View().HorizontalOffset();
     const auto second = Show(1000, 900, 2.0);
-    EXPECT_EQ(second->calls.back(), (Call{0, 0, Width(), Height(), 2.0})) << "at its upper left";
+    EXPECT_EQ(second->views.back(), (Call{0, 0, Width(), Height(), 2.0})) << "at its upper left";
     Horizontal().setValue(31);
     select(first);
     EXPECT_EQ(View().HorizontalOffset(), end);
     EXPECT_EQ(View().VerticalOffset(), 77);
     View().Clear();
     select(second);
-    EXPECT_EQ(second->calls.back().left, 31);
+    EXPECT_EQ(second->views.back().left, 31);
     select(second);
     EXPECT_EQ(View().HorizontalOffset(), 31);
     select(first);
@@ -113,11 +114,11 @@ TEST_F(ViewLayout, AMapStartsWhereItWasLastLookedAt) {
 
 TEST_F(ViewLayout, ScrollsByPixelsAndRendersOnce) {
     const auto map = Show(1000, 800);
-    map->calls.clear();
+    map->views.clear();
     View().ScrollBy({30, 40});
-    EXPECT_EQ(map->calls, (std::vector<Call>{{30, 40, Width(), Height(), 1.0}}));
+    EXPECT_EQ(map->views, (std::vector<Call>{{30, 40, Width(), Height(), 1.0}}));
     View().ScrollBy({-100, -10});
-    EXPECT_EQ(map->calls.back(), (Call{0, 30, Width(), Height(), 1.0}));
+    EXPECT_EQ(map->views.back(), (Call{0, 30, Width(), Height(), 1.0}));
     View().ScrollBy({100000, 100000});
     EXPECT_EQ(Horizontal().value(), Horizontal().maximum());
     EXPECT_EQ(Vertical().value(), Vertical().maximum());
@@ -198,7 +199,7 @@ TEST_F(ViewLayout, RaisesAnErrorWhenThePositionOverflows) {
 TEST_F(ViewLayout, WhileBusyAsksNothingAndLaysOutOnceAfterwards) {
     const auto map = Show(1000, 800);
     const auto shown = View().objBitmap();
-    map->calls.clear();
+    map->views.clear();
     View().SetBusy(true);
     EXPECT_TRUE(View().IsBusy());
     window_.ResizeViewer({222, 177});
@@ -209,12 +210,12 @@ TEST_F(ViewLayout, WhileBusyAsksNothingAndLaysOutOnceAfterwards) {
     View().ZoomAbout(3, {5, 5});
     View().AdjustSize();
     window_.Screen();
-    EXPECT_EQ(map->calls.size(), 0U);
+    EXPECT_EQ(map->views.size(), 0U);
     EXPECT_EQ(map->Zoom(), 1.0);
     EXPECT_EQ(window_.viewer.Image(), shown);
     View().SetBusy(false);
-    ASSERT_EQ(map->calls.size(), 1U);
-    EXPECT_EQ(map->calls[0].width, Width());
+    ASSERT_EQ(map->views.size(), 1U);
+    EXPECT_EQ(map->views[0].width, Width());
     View().SetBusy(false);
-    EXPECT_EQ(map->calls.size(), 1U);
+    EXPECT_EQ(map->views.size(), 1U);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "tests/support/desktop/Controls.h"
 #include "tests/support/desktop/ModalScript.h"
-#include "tests/wizard/FormDriver.h"
 #include "wizard/frmCoordinate.h"
 
 /// The form of a reference point, shown as often as a test likes.

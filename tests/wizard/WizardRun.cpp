@@ -1,6 +1,7 @@
 #include "tests/wizard/WizardRun.h"
 
-#include "tests/wizard/FormDriver.h"
+#include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 
 #include <cmath>
 
@@ -69,7 +70,7 @@ void WizardRun::ExpectPoint(const TypedPoint& point, const QString& unit) {
         const char* const xField = unit.isEmpty() ? "txtLonDecDeg" : "txtEasting";
         const char* const yField = unit.isEmpty() ? "txtLatDecDeg" : "txtNorthing";
         for (const auto& [field, value] : {std::pair{xField, point.x}, std::pair{yField, point.y}}) {
-            if (::Find<QWidget>(shown, field).isEnabled())
+            if (::Control<QWidget>(shown, field).isEnabled())
                 Type(shown, field, Digits(value));
             else
                 EXPECT_EQ(Text(shown, field), Digits(value).toStdString()) << "filled in: " << field;
@@ -85,7 +86,7 @@ void WizardRun::ExpectInvalidScaling() {
         EXPECT_TRUE(box.text().startsWith(start)) << box.text().toStdString();
         EXPECT_GT(box.text().size(), start.size() + 10) << "without a reason";
         EXPECT_EQ(box.icon(), QMessageBox::Critical);
-        EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+        EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
         QTest::keyClick(&shown, Qt::Key_Return);
     });
 }

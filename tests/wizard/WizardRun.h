@@ -18,13 +18,6 @@ struct TypedPoint {
 /// own arithmetic says that a pixel of the map is.
 class WizardRun : public EditorTest {
 protected:
-    static QString WizardCancelled() {
-        return QStringLiteral(
-            "Wizard canceled! Select 'Bitmap -> Scaling Wizard...' from menu to restart the Wizard.");
-    }
-    static QString ScalingCompleted() { return QStringLiteral("Scaling completed!"); }
-    static QString WorldfileFound() { return QStringLiteral("Worldfile found. Do you want to use it?"); }
-
     /// The window as small as it gets, so that maps have to be scrolled.
     void StartSmall();
     /// "New map" up to what follows its settings, which was to be expected before.

@@ -1,9 +1,10 @@
 #include "base/ComponentError.h"
 #include "component/AtlavexLibrary.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/support/desktop/ModalScript.h"
-#include "tests/wizard/FormDriver.h"
-#include "tests/wizard/RecordingMap.h"
+#include "tests/support/desktop/RecordingMap.h"
 #include "wizard/clsScalingWizard.h"
 
 #include <QImage>
@@ -15,9 +16,7 @@ const auto SelectForm = QStringLiteral("frmSelectDatumGrid");
 const auto ProjectionForm = QStringLiteral("frmProjection");
 const auto InfoForm = QStringLiteral("frmInfo");
 const auto PointForm = QStringLiteral("frmCoordinate");
-const auto Cancelled =
-    QStringLiteral("Wizard canceled! Select 'Bitmap -> Scaling Wizard...' from menu to restart the Wizard.");
-const char* const Wgs84 = "SetMapDatum 6378137 0.006694379990141 0 0 0 0 0 0 0";
+const auto Cancelled = WizardCancelled;
 
 const auto CancelForm = [](QWidget& shown) { Click(shown, "bCancel"); };
 
@@ -60,7 +59,7 @@ protected:
                      const char* yField, double y) {
         script.Expect(PointForm, [=](QWidget& shown) {
             for (const auto& [field, value] : {std::pair{xField, x}, std::pair{yField, y}}) {
-                if (Find<QWidget>(shown, field).isEnabled())
+                if (Control<QWidget>(shown, field).isEnabled())
                     Type(shown, field, QString::number(value, 'f', 9));
             }
             Click(shown, "bNext");
@@ -93,13 +92,13 @@ TEST_F(ScalingWizard, HandsADatumAndThreePointsToTheMap) {
     ASSERT_TRUE(wizard.DoSelectDatumGrid());
     EXPECT_EQ(wizard.Projection(), 1);
     EXPECT_EQ(wizard.CoordinateIndex(), 1);
-    EXPECT_EQ(wizard.Prompt().toStdString(), "Wizard step 3: Click on a known coordinate");
+    EXPECT_EQ(wizard.Prompt().toStdString(), PointPrompts[0]);
     DefineLonLat(10, 20, 12.5, 55.5);
     EXPECT_EQ(wizard.CoordinateIndex(), 2);
-    EXPECT_EQ(wizard.Prompt().toStdString(), "Wizard step 5: Click on a known coordinate");
+    EXPECT_EQ(wizard.Prompt().toStdString(), PointPrompts[1]);
     EXPECT_EQ(wizard.GivenPoints(), (std::vector<ReferencePoint>{{12.5, 55.5, 10, 20}}));
     DefineLonLat(300, 20, 13, 55.5);
-    EXPECT_EQ(wizard.Prompt().toStdString(), "Wizard step 7: Click on a known coordinate");
+    EXPECT_EQ(wizard.Prompt().toStdString(), PointPrompts[2]);
     EXPECT_FALSE(wizard.Finished());
     DefineLonLat(300, 250, 13, 55);
     EXPECT_TRUE(wizard.Finished());
@@ -121,7 +120,7 @@ TEST_F(ScalingWizard, HandsAGridWithItsDatumToTheMap) {
     DefineEastNorth(0, 100, 500000, 6199000);
     wizard.ScaleMap(&map);
     EXPECT_THAT(map.calls,
-                ::testing::ElementsAre("SetGridIdentifier 1", "SetZone 32", Wgs84,
+                ::testing::ElementsAre("SetGridIdentifier 1", "SetZone 32", Wgs84Datum,
                                        "SetMapGrid 1 32 0 9 0.9996 5e+05 0 0 0",
                                        "SetScalingThreePoints 500000.25 6200000 0 0, 501000 6200000 100 0, "
                                        "5e+05 6199000 0 100"));
@@ -132,34 +131,34 @@ TEST_F(ScalingWizard, TakesFourCornersAndFillsInWhatTheyShare) {
     ExpectProjection("rbPolar");
     ASSERT_TRUE(wizard.DoSelectDatumGrid());
     EXPECT_EQ(wizard.Projection(), 2);
-    EXPECT_EQ(wizard.Prompt().toStdString(), "Wizard step 3: Click on upper left coordinate");
+    EXPECT_EQ(wizard.Prompt().toStdString(), CornerPrompts[0]);
     DefineLonLat(50, 20, 10, 60);
-    EXPECT_EQ(wizard.Prompt().toStdString(), "Wizard step 5: Click on lower left coordinate");
+    EXPECT_EQ(wizard.Prompt().toStdString(), CornerPrompts[1]);
     script.Expect(PointForm, [](QWidget& shown) {
-        EXPECT_EQ(Find<QLabel>(shown, "lHeadline").text().toStdString(),
+        EXPECT_EQ(Control<QLabel>(shown, "lHeadline").text().toStdString(),
                   "Wizard step 6: Enter scaling coordinate 2 (of 4)");
         EXPECT_EQ(Text(shown, "txtLonDecDeg"), "10");
         EXPECT_EQ(Text(shown, "txtLatDecDeg"), "0");
-        EXPECT_FALSE(Find<QWidget>(shown, "txtLonDecDeg").isEnabled());
-        EXPECT_TRUE(Find<QWidget>(shown, "txtLatDecDeg").isEnabled());
+        EXPECT_FALSE(Control<QWidget>(shown, "txtLonDecDeg").isEnabled());
+        EXPECT_TRUE(Control<QWidget>(shown, "txtLatDecDeg").isEnabled());
         Type(shown, "txtLatDecDeg", QStringLiteral("50"));
         Click(shown, "bNext");
     });
     EXPECT_TRUE(wizard.DoDefineCoordinate(10, 280));
-    EXPECT_EQ(wizard.Prompt().toStdString(), "Wizard step 7: Click on upper right coordinate");
+    EXPECT_EQ(wizard.Prompt().toStdString(), CornerPrompts[2]);
     script.Expect(PointForm, [](QWidget& shown) {
         EXPECT_EQ(Text(shown, "txtLatDecDeg"), "60");
-        EXPECT_FALSE(Find<QWidget>(shown, "txtLatDecDeg").isEnabled());
+        EXPECT_FALSE(Control<QWidget>(shown, "txtLatDecDeg").isEnabled());
         Type(shown, "txtLonDecDeg", QStringLiteral("20"));
         Click(shown, "bNext");
     });
     EXPECT_TRUE(wizard.DoDefineCoordinate(350, 20));
-    EXPECT_EQ(wizard.Prompt().toStdString(), "Wizard step 9: Click on lower right coordinate");
+    EXPECT_EQ(wizard.Prompt().toStdString(), CornerPrompts[3]);
     script.Expect(PointForm, [](QWidget& shown) {
         EXPECT_EQ(Text(shown, "txtLonDecDeg"), "20");
         EXPECT_EQ(Text(shown, "txtLatDecDeg"), "50");
-        EXPECT_FALSE(Find<QWidget>(shown, "txtLonDecDeg").isEnabled());
-        EXPECT_FALSE(Find<QWidget>(shown, "txtLatDecDeg").isEnabled());
+        EXPECT_FALSE(Control<QWidget>(shown, "txtLonDecDeg").isEnabled());
+        EXPECT_FALSE(Control<QWidget>(shown, "txtLatDecDeg").isEnabled());
         Click(shown, "bNext");
     });
     EXPECT_TRUE(wizard.DoDefineCoordinate(390, 280));
@@ -167,7 +166,7 @@ TEST_F(ScalingWizard, TakesFourCornersAndFillsInWhatTheyShare) {
     wizard.ScaleMap(&map);
     EXPECT_THAT(map.calls,
                 ::testing::ElementsAre(
-                    Wgs84, "SetScalingCorners 10 60 50 20, 10 50 10 280, 20 60 350 20, 20 50 390 280"));
+                    Wgs84Datum, "SetScalingCorners 10 60 50 20, 10 50 10 280, 20 60 350 20, 20 50 390 280"));
 }
 
 TEST_F(ScalingWizard, FillsInEastingsAndNorthingsOfCornersToo) {
@@ -249,7 +248,7 @@ TEST_F(ScalingWizard, ReportsTheFirstFailureAndCallsNothingMore) {
 }
 
 TEST_F(ScalingWizard, ReportsEveryKindOfFailure) {
-    struct FailingMap : BlankMap {
+    struct FailingMap : RecordingMap {
         void SetMapDatum(const QuorvantDatum::Numbers&) override {
             if (lacksMemory)
                 throw std::bad_alloc();

@@ -1,8 +1,9 @@
 #include "component/AtlavexLibrary.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/support/desktop/ModalScript.h"
-#include "tests/wizard/FormDriver.h"
-#include "tests/wizard/RecordingMap.h"
+#include "tests/support/desktop/RecordingMap.h"
 #include "wizard/clsWorldfileWizard.h"
 
 #include <QImage>
@@ -11,8 +12,7 @@
 
 namespace {
 
-const auto Form = QStringLiteral("frmSelectWorldfileGrid");
-const char* const Wgs84 = "SetMapDatum 6378137 0.006694379990141 0 0 0 0 0 0 0";
+const auto WorldfileForm = QStringLiteral("frmSelectWorldfileGrid");
 
 class WorldfileWizard : public ::testing::Test {
 protected:
@@ -24,7 +24,7 @@ protected:
     }
 
     void ExpectUtm32() {
-        script.Expect(Form, [](QWidget& shown) {
+        script.Expect(WorldfileForm, [](QWidget& shown) {
             Pick(shown, "ddCountry", QStringLiteral("International"));
             Pick(shown, "ddGrid", QStringLiteral("UTM North (wgs84)"));
             Type(shown, "txtZone", QStringLiteral("32"));
@@ -45,7 +45,7 @@ TEST_F(WorldfileWizard, HandsTheGridAndThreePointsToTheMap) {
     EXPECT_TRUE(Run(map));
     EXPECT_THAT(map.calls,
                 ::testing::ElementsAre(
-                    "SetGridIdentifier 1", "SetZone 32", Wgs84, "SetMapGrid 1 32 0 9 0.9996 5e+05 0 0 0",
+                    "SetGridIdentifier 1", "SetZone 32", Wgs84Datum, "SetMapGrid 1 32 0 9 0.9996 5e+05 0 0 0",
                     "SetScalingThreePoints 1002 4998 1 1, 1002 4800 1 100, 1200 4800 100 100"));
 }
 
@@ -57,41 +57,40 @@ TEST_F(WorldfileWizard, TurnsTheNumbersWithTheImage) {
 }
 
 TEST_F(WorldfileWizard, OpensWithCustomAndTheGridDisabled) {
-    script.Expect(Form, [](QWidget& shown) {
+    script.Expect(WorldfileForm, [](QWidget& shown) {
         EXPECT_EQ(shown.windowTitle().toStdString(), "Worldfile Wizard");
-        EXPECT_EQ(Find<QLabel>(shown, "Label3").text().toStdString(), "Select Grid");
-        EXPECT_EQ(Find<QGroupBox>(shown, "frameCountry").title().toStdString(), "I. Country / Region");
-        EXPECT_EQ(Find<QGroupBox>(shown, "frameGrid").title().toStdString(), "II. Select grid");
-        EXPECT_EQ(Find<QComboBox>(shown, "ddCountry").currentText().toStdString(), "<Custom>");
+        EXPECT_EQ(Control<QLabel>(shown, "Label3").text().toStdString(), "Select Grid");
+        EXPECT_EQ(Control<QGroupBox>(shown, "frameCountry").title().toStdString(), "I. Country / Region");
+        EXPECT_EQ(Control<QGroupBox>(shown, "frameGrid").title().toStdString(), "II. Select grid");
+        EXPECT_EQ(Control<QComboBox>(shown, "ddCountry").currentText().toStdString(), "<Custom>");
         for (const char* const name : {"ddGrid", "ddZone", "frameGrid"})
-            EXPECT_FALSE(Find<QWidget>(shown, name).isEnabled()) << name;
+            EXPECT_FALSE(Control<QWidget>(shown, name).isEnabled()) << name;
         EXPECT_EQ(
-            Find<QPlainTextEdit>(shown, "txtHelp").toPlainText().toStdString(),
+            Control<QPlainTextEdit>(shown, "txtHelp").toPlainText().toStdString(),
             "In this step you need to specify which coordinate system your raster map is using (for map "
             "projection).\nI. Select a Country / Region.\nII. Select the grid. \n(The scale is extracted "
             "from "
             "the worldfile.)");
         Pick(shown, "ddCountry", QStringLiteral("Austria"));
         for (const char* const name : {"ddGrid", "ddZone", "frameGrid"})
-            EXPECT_TRUE(Find<QWidget>(shown, name).isEnabled()) << name;
-        EXPECT_EQ(Find<QComboBox>(shown, "ddGrid").currentText().toStdString(), "Bundesmeldenetz");
+            EXPECT_TRUE(Control<QWidget>(shown, name).isEnabled()) << name;
+        EXPECT_EQ(Control<QComboBox>(shown, "ddGrid").currentText().toStdString(), "Bundesmeldenetz");
         EXPECT_TRUE(IsShown(shown, "ddZone"));
         Click(shown, "bCancel");
     });
-    script.ExpectBox(QStringLiteral(
-        "Wizard canceled! Select 'Bitmap -> Scaling Wizard...' from menu to restart the Wizard."));
+    script.ExpectBox(WizardCancelled);
     EXPECT_FALSE(Run(map));
     EXPECT_TRUE(map.calls.empty());
 }
 
 TEST_F(WorldfileWizard, StaysOpenUntilThereIsAGrid) {
     script
-        .Expect(Form,
+        .Expect(WorldfileForm,
                 [](QWidget& shown) {
                     Click(shown, "bNext");
                     EXPECT_TRUE(shown.isVisible());
                     Pick(shown, "ddCountry", QStringLiteral("Italy"));
-                    Find<QComboBox>(shown, "ddGrid").setCurrentIndex(-1);
+                    Control<QComboBox>(shown, "ddGrid").setCurrentIndex(-1);
                     Click(shown, "bNext");
                     Pick(shown, "ddGrid", QStringLiteral("UTM (etrs89)"));
                     Type(shown, "txtZone", QStringLiteral("61"));
@@ -99,9 +98,9 @@ TEST_F(WorldfileWizard, StaysOpenUntilThereIsAGrid) {
                     Type(shown, "txtZone", QStringLiteral("33"));
                     Click(shown, "bNext");
                 })
-        .ExpectBox(QStringLiteral("No custom datum or grid is selected!"))
+        .ExpectBox(NoCustomSystem)
         .ExpectBox(QStringLiteral("No grid selected!"))
-        .ExpectBox(QStringLiteral("Invalid Zone. Should be between 1 and 60"));
+        .ExpectBox(InvalidZone);
     EXPECT_TRUE(Run(map));
     EXPECT_EQ(map.calls[0], "SetGridIdentifier 13");
     EXPECT_EQ(map.calls[1], "SetZone 33");
@@ -121,7 +120,7 @@ TEST_F(WorldfileWizard, TakesTheZoneWhereTheGridHasIt) {
           Row{"Finland", "Finnish Grid", "Zone 4", "9", "0"}}) {
         SCOPED_TRACE(row.grid);
         map.calls.clear();
-        script.Expect(Form, [&row](QWidget& shown) {
+        script.Expect(WorldfileForm, [&row](QWidget& shown) {
             Pick(shown, "ddCountry", QString::fromLatin1(row.country));
             Pick(shown, "ddGrid", QString::fromLatin1(row.grid));
             EXPECT_FALSE(IsShown(shown, "txtZone"));
@@ -200,7 +199,7 @@ TEST_F(WorldfileWizard, ThatFailsChangesNothing) {
 }
 
 TEST_F(WorldfileWizard, ReportsALackOfMemoryAsAnInvalidScaling) {
-    struct FullMap : BlankMap {
+    struct FullMap : RecordingMap {
         void SetScalingThreePoints(const ReferencePoint&, const ReferencePoint&,
                                    const ReferencePoint&) override {
             throw std::bad_alloc();

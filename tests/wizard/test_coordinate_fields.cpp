@@ -40,7 +40,7 @@ TEST_F(CoordinateFields, StaysOpenWhenNextIsClickedStraightFromABadField) {
                     Click(shown, "bNext");
                     Wait();
                     EXPECT_TRUE(shown.isVisible());
-                    EXPECT_FALSE(Find<QAbstractButton>(shown, "bNext").isDown());
+                    EXPECT_FALSE(Control<QAbstractButton>(shown, "bNext").isDown());
                     Click(shown, "bCancel");
                 })
         .ExpectBox(QStringLiteral("'<b>x</b>' is not a number!"));
@@ -53,7 +53,7 @@ TEST_F(CoordinateFields, StaysOpenWhenTheBoxComesWhileNextIsStillPressed) {
         .Expect(Name(),
                 [](QWidget& shown) {
                     Type(shown, "txtLonDecDeg", QStringLiteral("x"));
-                    auto& next = Find<QAbstractButton>(shown, "bNext");
+                    auto& next = Control<QAbstractButton>(shown, "bNext");
                     QTest::mousePress(&next, Qt::LeftButton);
                     Wait(); // the box comes and goes
                     QTest::mouseRelease(&next, Qt::LeftButton);
@@ -69,7 +69,7 @@ TEST_F(CoordinateFields, StaysOpenWhenNextIsHeldDownOnAValueThatCannotBe) {
     form.Latitude = 55;
     EXPECT_FALSE(Show([](QWidget& shown) {
         Type(shown, "txtLonDecDeg", QStringLiteral("361"));
-        auto& next = Find<QAbstractButton>(shown, "bNext");
+        auto& next = Control<QAbstractButton>(shown, "bNext");
         QTest::mousePress(&next, Qt::LeftButton);
         Wait();
         QTest::mouseRelease(&next, Qt::LeftButton);
@@ -84,11 +84,11 @@ TEST_F(CoordinateFields, ChecksTheFieldWhenEnterIsPressedInIt) {
         .Expect(Name(),
                 [](QWidget& shown) {
                     Type(shown, "txtLonDecDeg", QStringLiteral("1x"));
-                    QTest::keyClick(&Find<QLineEdit>(shown, "txtLonDecDeg"), Qt::Key_Return);
+                    QTest::keyClick(&Control<QLineEdit>(shown, "txtLonDecDeg"), Qt::Key_Return);
                     Wait();
                     EXPECT_TRUE(shown.isVisible());
                     Type(shown, "txtLonDecDeg", QStringLiteral("12"));
-                    QTest::keyClick(&Find<QLineEdit>(shown, "txtLonDecDeg"), Qt::Key_Return);
+                    QTest::keyClick(&Control<QLineEdit>(shown, "txtLonDecDeg"), Qt::Key_Return);
                 })
         .ExpectBox(QStringLiteral("'1x' is not a number!"));
     EXPECT_TRUE(form.ShowModal());
@@ -98,7 +98,7 @@ TEST_F(CoordinateFields, ChecksTheFieldWhenEnterIsPressedInIt) {
 TEST_F(CoordinateFields, LeavesWithoutAWordByEscapeFromABadField) {
     EXPECT_FALSE(Show([](QWidget& shown) {
         Type(shown, "txtLonDecDeg", QStringLiteral("1x"));
-        QTest::keyClick(&Find<QLineEdit>(shown, "txtLonDecDeg"), Qt::Key_Escape);
+        QTest::keyClick(&Control<QLineEdit>(shown, "txtLonDecDeg"), Qt::Key_Escape);
         Wait();
     }));
     EXPECT_TRUE(Show([](QWidget& shown) {
@@ -146,7 +146,7 @@ TEST_F(CoordinateFields, RoundsTypedPixelsDown) {
 TEST_F(CoordinateFields, IsLeftAloneWhileItsWindowOrAMenuHasTheFocus) {
     Show([](QWidget& shown) {
         Type(shown, "txtLonDecDeg", QStringLiteral("1x"));
-        auto& field = Find<QLineEdit>(shown, "txtLonDecDeg");
+        auto& field = Control<QLineEdit>(shown, "txtLonDecDeg");
         for (const Qt::FocusReason reason :
              {Qt::ActiveWindowFocusReason, Qt::PopupFocusReason, Qt::MenuBarFocusReason}) {
             QFocusEvent out(QEvent::FocusOut, reason);
@@ -186,7 +186,7 @@ TEST_F(CoordinateFields, HasTheFocusBackWithItsTextSelectedAfterARefusal) {
     form.Latitude = 55;
     const auto expectSelected = [](QWidget& shown, const char* name, const char* text) {
         Wait();
-        auto& field = Find<QLineEdit>(shown, name);
+        auto& field = Control<QLineEdit>(shown, name);
         EXPECT_EQ(shown.focusWidget(), &field) << name;
         EXPECT_EQ(field.selectedText().toStdString(), text);
     };
@@ -198,13 +198,13 @@ TEST_F(CoordinateFields, HasTheFocusBackWithItsTextSelectedAfterARefusal) {
                     // Left as it is, it is not said again; typed again, it is.
                     Click(shown, "txtX");
                     Wait();
-                    EXPECT_EQ(shown.focusWidget(), &Find<QLineEdit>(shown, "txtX"));
+                    EXPECT_EQ(shown.focusWidget(), &Control<QLineEdit>(shown, "txtX"));
                     TypeAndLeave(shown, "txtLonDecDeg", QStringLiteral("12a"));
                     expectSelected(shown, "txtLonDecDeg", "12a");
                     TypeAndLeave(shown, "txtLatDecDeg", QStringLiteral("91"));
                     expectSelected(shown, "txtLatDecDeg", "55");
                     Type(shown, "txtY", QStringLiteral("x"));
-                    QTest::keyClick(&Find<QLineEdit>(shown, "txtY"), Qt::Key_Return);
+                    QTest::keyClick(&Control<QLineEdit>(shown, "txtY"), Qt::Key_Return);
                     expectSelected(shown, "txtY", "x");
                     Type(shown, "txtY", QStringLiteral("y"));
                     Click(shown, "bNext");
@@ -222,7 +222,7 @@ TEST_F(CoordinateFields, SelectsTheWholeTextOfAFieldThatIsEntered) {
     form.PixelX = 1234;
     Show([](QWidget& shown) {
         for (const char* const name : {"txtX", "txtLatDecDeg"}) {
-            auto& field = Find<QLineEdit>(shown, name);
+            auto& field = Control<QLineEdit>(shown, name);
             Click(shown, name);
             EXPECT_EQ(field.selectedText(), field.text()) << name;
             QTest::keyClick(&field, Qt::Key_Tab);
@@ -332,7 +332,7 @@ TEST_F(CoordinateFields, LeaveANumberThatWasPastedToTheNumberCheck) {
 namespace {
 
 void TakeBack(QWidget& form, const char* field) {
-    QTest::keyClick(&Find<QLineEdit>(form, field), Qt::Key_Z, Qt::ControlModifier);
+    QTest::keyClick(&Control<QLineEdit>(form, field), Qt::Key_Z, Qt::ControlModifier);
 }
 
 } // namespace
@@ -347,7 +347,7 @@ TEST_F(CoordinateFields, TakeBackBothValuesOfAPasteAtOnce) {
         TakeBack(shown, "txtEasting");
         EXPECT_EQ(Text(shown, "txtEasting"), "1000.12");
         EXPECT_EQ(Text(shown, "txtNorthing"), "2000.46");
-        EXPECT_EQ(Find<QLineEdit>(shown, "txtEasting").selectedText().toStdString(), "1000.12");
+        EXPECT_EQ(Control<QLineEdit>(shown, "txtEasting").selectedText().toStdString(), "1000.12");
         Click(shown, "bNext");
     }));
     EXPECT_EQ(form.Easting, 1000.123); // with what the field does not show
@@ -361,7 +361,7 @@ TEST_F(CoordinateFields, TakeBackBothValuesOfAPasteAtOnce) {
         EXPECT_EQ(Text(shown, "txtLatDeg"), "55");
         TakeBack(shown, "txtLonSec");
         EXPECT_EQ(Text(shown, "txtLatDeg"), "33");
-        EXPECT_EQ(Find<QComboBox>(shown, "ddLatHemi").currentText().toStdString(), "South");
+        EXPECT_EQ(Control<QComboBox>(shown, "ddLatHemi").currentText().toStdString(), "South");
         EXPECT_EQ(Text(shown, "txtLonSec"), "0");
         Click(shown, "bNext");
     }));
@@ -374,7 +374,7 @@ TEST_F(CoordinateFields, TakeBackAPasteAlsoFromTheOtherFieldAndToWhatWasBeingTyp
     form.Northing = 5;
     EXPECT_TRUE(Show([](QWidget& shown) {
         Type(shown, "txtEasting", QStringLiteral("77"));
-        auto& easting = Find<QLineEdit>(shown, "txtEasting");
+        auto& easting = Control<QLineEdit>(shown, "txtEasting");
         easting.selectAll();
         QApplication::clipboard()->setText(QStringLiteral("32633 6173000"));
         QTest::keyClick(&easting, Qt::Key_V, Qt::ControlModifier);
@@ -424,7 +424,7 @@ TEST_F(CoordinateFields, TakeNoPairFromAnUndoneDeletion) {
         .Expect(Name(),
                 [](QWidget& shown) {
                     Type(shown, "txtLonDecDeg", QStringLiteral("44.5 1.5"));
-                    auto& field = Find<QLineEdit>(shown, "txtLonDecDeg");
+                    auto& field = Control<QLineEdit>(shown, "txtLonDecDeg");
                     field.selectAll();
                     QTest::keyClick(&field, Qt::Key_Delete);
                     TakeBack(shown, "txtLonDecDeg");

@@ -1,3 +1,4 @@
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/wizard/CoordinateFixture.h"
 
 #include <QLabel>
@@ -5,8 +6,6 @@
 #include <QRadioButton>
 
 namespace {
-
-const auto Nowhere = QStringLiteral("You must enter a geografic position!");
 
 using CoordinateForm = CoordinateFormTest;
 
@@ -23,10 +22,10 @@ TEST_F(CoordinateForm, NumbersItsStepsAndPoints) {
         form.CoordinateNumber = number;
         form.ProjectionType = projection;
         Show([headline = headline](QWidget& shown) {
-            EXPECT_EQ(Find<QLabel>(shown, "lHeadline").text().toStdString(), headline);
+            EXPECT_EQ(Control<QLabel>(shown, "lHeadline").text().toStdString(), headline);
             EXPECT_EQ(shown.windowTitle().toStdString(), headline.substr(0, headline.rfind(" (") - 2));
             EXPECT_EQ(
-                Find<QPlainTextEdit>(shown, "txtHelp").toPlainText().toStdString(),
+                Control<QPlainTextEdit>(shown, "txtHelp").toPlainText().toStdString(),
                 "In this step you must enter the geographic position which represtents the X, Y position on "
                 "the raster map.\nIn total you need to specify 3 coordinates.\nThe coordinates should be as "
                 "far apart as possible for the best results. Try to place them in opposite corners.");
@@ -43,12 +42,12 @@ TEST_F(CoordinateForm, HasEveryCaption) {
             {"lMinL", "Minutes"},    {"lSecL", "Seconds"},    {"Label16", "Easting"},
             {"Label15", "Northing"}, {"lURL", "Help"}};
         for (const auto& [name, caption] : labels)
-            EXPECT_EQ(Find<QLabel>(shown, name).text().toStdString(), caption);
-        EXPECT_EQ(Find<QGroupBox>(shown, "Frame1").title().toStdString(), "I. Bitmap X, Y");
-        EXPECT_EQ(Find<QGroupBox>(shown, "frameDatum").title().toStdString(), "II. Longitude / Latitude");
-        EXPECT_EQ(Find<QGroupBox>(shown, "frameGrid").title().toStdString(), "II. Easting / Northing");
-        EXPECT_EQ(Find<QRadioButton>(shown, "rbDecDeg").text().toStdString(), "Decimal degrees");
-        EXPECT_EQ(Find<QRadioButton>(shown, "rbDMS").text().toStdString(), "DMS");
+            EXPECT_EQ(Control<QLabel>(shown, name).text().toStdString(), caption);
+        EXPECT_EQ(Control<QGroupBox>(shown, "Frame1").title().toStdString(), "I. Bitmap X, Y");
+        EXPECT_EQ(Control<QGroupBox>(shown, "frameDatum").title().toStdString(), "II. Longitude / Latitude");
+        EXPECT_EQ(Control<QGroupBox>(shown, "frameGrid").title().toStdString(), "II. Easting / Northing");
+        EXPECT_EQ(Control<QRadioButton>(shown, "rbDecDeg").text().toStdString(), "Decimal degrees");
+        EXPECT_EQ(Control<QRadioButton>(shown, "rbDMS").text().toStdString(), "DMS");
         EXPECT_EQ(Entries(shown, "ddLatHemi"), (std::vector<std::string>{"North", "South"}));
         EXPECT_EQ(Entries(shown, "ddLonHemi"), (std::vector<std::string>{"East", "West"}));
         Click(shown, "bCancel");
@@ -74,7 +73,7 @@ TEST_F(CoordinateForm, ShowsOneEntryAndOneFormat) {
         EXPECT_TRUE(IsShown(shown, "frameGrid"));
         EXPECT_EQ(Entries(shown, "ddUnit"),
                   (std::vector<std::string>{"meters", "yards", "U.S. feet", "Int. feet"}));
-        EXPECT_EQ(Find<QComboBox>(shown, "ddUnit").currentText().toStdString(), "meters");
+        EXPECT_EQ(Control<QComboBox>(shown, "ddUnit").currentText().toStdString(), "meters");
         Click(shown, "bCancel");
     });
 }
@@ -90,7 +89,7 @@ TEST_F(CoordinateForm, ReadsDecimalDegrees) {
         EXPECT_EQ(Text(shown, "txtLatDeg"), "55");
         EXPECT_EQ(Text(shown, "txtLatMin"), "40");
         EXPECT_EQ(Text(shown, "txtLatSec"), "34.044");
-        EXPECT_EQ(Find<QComboBox>(shown, "ddLatHemi").currentIndex(), 1);
+        EXPECT_EQ(Control<QComboBox>(shown, "ddLatHemi").currentIndex(), 1);
         Type(shown, "txtLonDecDeg", QStringLiteral("12.5"));
         Click(shown, "bNext");
     }));
@@ -120,7 +119,7 @@ TEST_F(CoordinateForm, ReadsDegreesMinutesSecondsAndHemisphere) {
     EXPECT_NEAR(form.Longitude, -71.25, 1e-12);
     // The format is remembered for the next point.
     Show([](QWidget& shown) {
-        EXPECT_TRUE(Find<QRadioButton>(shown, "rbDMS").isChecked());
+        EXPECT_TRUE(Control<QRadioButton>(shown, "rbDMS").isChecked());
         EXPECT_TRUE(IsShown(shown, "txtLatSec"));
         Click(shown, "bCancel");
     });
@@ -136,8 +135,8 @@ TEST_F(CoordinateForm, KeepsTheHemisphereThatIsChosenBeforeTheAngleIsTyped) {
             Click(shown, "rbDMS");
             Pick(shown, "ddLatHemi", QStringLiteral("South"));
             Pick(shown, "ddLonHemi", QStringLiteral("West"));
-            EXPECT_EQ(Find<QComboBox>(shown, "ddLatHemi").currentText().toStdString(), "South");
-            EXPECT_EQ(Find<QComboBox>(shown, "ddLonHemi").currentText().toStdString(), "West");
+            EXPECT_EQ(Control<QComboBox>(shown, "ddLatHemi").currentText().toStdString(), "South");
+            EXPECT_EQ(Control<QComboBox>(shown, "ddLonHemi").currentText().toStdString(), "West");
             TypeAndLeave(shown, "txtLatDeg", QStringLiteral("33"));
             TypeAndLeave(shown, "txtLatMin", QStringLiteral("30"));
             TypeAndLeave(shown, "txtLonMin", QStringLiteral("15"));
@@ -173,7 +172,7 @@ TEST_F(CoordinateForm, TakesTheSignOfATypedZeroForTheHemisphere) {
         Click(shown, "rbDMS");
         TypeAndLeave(shown, "txtLatDeg", QStringLiteral("-0"));
         EXPECT_EQ(Text(shown, "txtLatDeg"), "0");
-        EXPECT_EQ(Find<QComboBox>(shown, "ddLatHemi").currentText().toStdString(), "South");
+        EXPECT_EQ(Control<QComboBox>(shown, "ddLatHemi").currentText().toStdString(), "South");
         Type(shown, "txtLatMin", QStringLiteral("30"));
         Click(shown, "bNext");
     }));
@@ -196,7 +195,7 @@ TEST_F(CoordinateForm, KeepsTheExactPositionWhenTheFormatIsSwitchedAndFieldsAreL
         Click(shown, "rbDMS");
         for (const char* const field : {"txtLatDeg", "txtLatMin", "txtLatSec", "txtLonSec"}) {
             Click(shown, field);
-            QTest::keyClick(&Find<QLineEdit>(shown, field), Qt::Key_Tab);
+            QTest::keyClick(&Control<QLineEdit>(shown, field), Qt::Key_Tab);
         }
         TypeAndLeave(shown, "txtLatMin", QStringLiteral("7.0"));
         EXPECT_EQ(Text(shown, "txtLatMin"), "7");
@@ -219,7 +218,7 @@ TEST_F(CoordinateForm, RefusesThePlaceWhereBothAreZero) {
                     Type(shown, "txtLonDecDeg", QStringLiteral("0.0000001"));
                     Click(shown, "bNext");
                 })
-        .ExpectBox(Nowhere);
+        .ExpectBox(NoPosition);
     EXPECT_TRUE(form.ShowModal());
     UseGrid();
     script
@@ -230,7 +229,7 @@ TEST_F(CoordinateForm, RefusesThePlaceWhereBothAreZero) {
                     Type(shown, "txtNorthing", QStringLiteral("-1"));
                     Click(shown, "bNext");
                 })
-        .ExpectBox(Nowhere);
+        .ExpectBox(NoPosition);
     EXPECT_TRUE(form.ShowModal());
     EXPECT_EQ(form.Easting, 0);
     EXPECT_EQ(form.Northing, -1);
@@ -248,14 +247,14 @@ TEST_F(CoordinateForm, ConvertsLengthsAndRemembersTheUnit) {
     EXPECT_NEAR(form.Easting, 30.480061, 1e-12);
     EXPECT_NEAR(form.Northing, 1000.5 * 0.30480061, 1e-9);
     Show([](QWidget& shown) {
-        EXPECT_EQ(Find<QComboBox>(shown, "ddUnit").currentText().toStdString(), "U.S. feet");
+        EXPECT_EQ(Control<QComboBox>(shown, "ddUnit").currentText().toStdString(), "U.S. feet");
         EXPECT_EQ(Text(shown, "txtNorthing"), "1000.5");
         Pick(shown, "ddUnit", QStringLiteral("yards"));
         Click(shown, "bCancel");
     });
     // A cancelled showing does not count.
     Show([](QWidget& shown) {
-        EXPECT_EQ(Find<QComboBox>(shown, "ddUnit").currentText().toStdString(), "U.S. feet");
+        EXPECT_EQ(Control<QComboBox>(shown, "ddUnit").currentText().toStdString(), "U.S. feet");
         Click(shown, "bCancel");
     });
 }
@@ -289,9 +288,9 @@ TEST_F(CoordinateForm, LocksWhatIsGiven) {
         form.LockY = lockY;
         EXPECT_TRUE(Show([&, lockX = lockX, lockY = lockY](QWidget& shown) {
             for (const char* const name : x)
-                EXPECT_EQ(Find<QWidget>(shown, name).isEnabled(), !lockX) << name;
+                EXPECT_EQ(Control<QWidget>(shown, name).isEnabled(), !lockX) << name;
             for (const char* const name : y)
-                EXPECT_EQ(Find<QWidget>(shown, name).isEnabled(), !lockY) << name;
+                EXPECT_EQ(Control<QWidget>(shown, name).isEnabled(), !lockY) << name;
             Click(shown, "bNext");
         }));
     }
@@ -307,7 +306,7 @@ TEST_F(CoordinateForm, RefusesTheLastCornerAtZeroThoughNothingCanBeEdited) {
                     EXPECT_TRUE(shown.isVisible());
                     Click(shown, "bCancel");
                 })
-        .ExpectBox(Nowhere);
+        .ExpectBox(NoPosition);
     EXPECT_FALSE(form.ShowModal());
     form.Longitude = 1e-9; // shown as 0, but it is not
     EXPECT_TRUE(Show([](QWidget& shown) { Click(shown, "bNext"); }));

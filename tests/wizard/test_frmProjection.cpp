@@ -1,5 +1,6 @@
+#include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/support/desktop/ModalScript.h"
-#include "tests/wizard/FormDriver.h"
 #include "wizard/frmInfo.h"
 #include "wizard/frmProjection.h"
 
@@ -35,7 +36,7 @@ std::vector<std::string> TextsDownIn(QWidget& frame) {
 void ExpectPictures(QWidget& shown, const std::vector<const char*>& names) {
     std::vector<QImage> pictures;
     for (const char* const name : names) {
-        const QImage picture = Find<QWidget>(shown, name).grab().toImage();
+        const QImage picture = Control<QWidget>(shown, name).grab().toImage();
         QImage plain = picture;
         plain.fill(picture.pixelColor(0, 0));
         EXPECT_NE(picture, plain) << name;
@@ -51,15 +52,15 @@ TEST(ProjectionForm, OpensWithNothingChosen) {
     ModalScript script;
     script.Expect(QStringLiteral("frmProjection"), [](QWidget& shown) {
         EXPECT_EQ(shown.windowTitle().toStdString(), "Wizard Step 2: Projection");
-        EXPECT_EQ(Find<QLabel>(shown, "Label3").text().toStdString(), "Wizard step 2: Projection");
-        EXPECT_EQ(Find<QGroupBox>(shown, "Frame1").title().toStdString(), "I. Projection");
-        EXPECT_EQ(Find<QRadioButton>(shown, "rbCartesian").text().toStdString(), "Linear");
-        EXPECT_EQ(Find<QRadioButton>(shown, "rbPolar").text().toStdString(), "Polar");
-        EXPECT_FALSE(Find<QRadioButton>(shown, "rbCartesian").isChecked());
-        EXPECT_FALSE(Find<QRadioButton>(shown, "rbPolar").isChecked());
+        EXPECT_EQ(Control<QLabel>(shown, "Label3").text().toStdString(), "Wizard step 2: Projection");
+        EXPECT_EQ(Control<QGroupBox>(shown, "Frame1").title().toStdString(), "I. Projection");
+        EXPECT_EQ(Control<QRadioButton>(shown, "rbCartesian").text().toStdString(), "Linear");
+        EXPECT_EQ(Control<QRadioButton>(shown, "rbPolar").text().toStdString(), "Polar");
+        EXPECT_FALSE(Control<QRadioButton>(shown, "rbCartesian").isChecked());
+        EXPECT_FALSE(Control<QRadioButton>(shown, "rbPolar").isChecked());
         ExpectPictures(shown, {"imgCartesian", "imgPolar"});
         EXPECT_EQ(
-            Find<QPlainTextEdit>(shown, "txtHelp").toPlainText().toStdString(),
+            Control<QPlainTextEdit>(shown, "txtHelp").toPlainText().toStdString(),
             "In this step you select how the longitude / latitude or easting / northing lines are drawn on "
             "the map. The most common case is Cartesian\"");
         Click(shown, "bCancel");
@@ -89,9 +90,9 @@ TEST(ProjectionForm, IsWorkedByTheKeyboardAlone) {
         EXPECT_TRUE(QTest::qWaitForWindowActive(&shown));
         EXPECT_EQ(shown.focusWidget()->objectName().toStdString(), "rbCartesian");
         QTest::keyClick(shown.focusWidget(), Qt::Key_Space);
-        EXPECT_TRUE(Find<QRadioButton>(shown, "rbCartesian").isChecked());
+        EXPECT_TRUE(Control<QRadioButton>(shown, "rbCartesian").isChecked());
         QTest::keyClick(shown.focusWidget(), Qt::Key_Right);
-        EXPECT_TRUE(Find<QRadioButton>(shown, "rbPolar").isChecked());
+        EXPECT_TRUE(Control<QRadioButton>(shown, "rbPolar").isChecked());
         QTest::keyClick(shown.focusWidget(), Qt::Key_Return);
     });
     EXPECT_TRUE(form.ShowModal());
@@ -108,7 +109,7 @@ TEST(ProjectionForm, StaysUntilAProjectionIsChosen) {
                     EXPECT_TRUE(shown.isVisible());
                     QTest::keyClick(&shown, Qt::Key_Escape);
                 })
-        .ExpectBox(QStringLiteral("You must select a projection type!"));
+        .ExpectBox(NoProjection);
     EXPECT_FALSE(form.ShowModal());
 }
 
@@ -117,10 +118,10 @@ TEST(InfoForm, TellsHowToClickTheCorners) {
     ModalScript script;
     script.Expect(QStringLiteral("frmInfo"), [](QWidget& shown) {
         EXPECT_EQ(shown.windowTitle().toStdString(), "Wizard: How to click");
-        EXPECT_EQ(Find<QLabel>(shown, "Label1").text().toStdString(),
+        EXPECT_EQ(Control<QLabel>(shown, "Label1").text().toStdString(),
                   "After this dialog you will be asked to calibrate the map using 4 coordinates");
         for (int number = 1; number <= 4; ++number) {
-            auto& frame = Find<QGroupBox>(shown, ("Frame" + std::to_string(number)).c_str());
+            auto& frame = Control<QGroupBox>(shown, ("Frame" + std::to_string(number)).c_str());
             EXPECT_EQ(frame.title().toStdString(), "Coordinate " + std::to_string(number));
             EXPECT_EQ(TextsDownIn(frame), CornerTexts.at(static_cast<std::size_t>(number - 1)));
         }

@@ -1,7 +1,8 @@
 #include "catalogue/modCountryData.h"
 #include "catalogue/modCountryGadgets.h"
+#include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/support/desktop/ModalScript.h"
-#include "tests/wizard/FormDriver.h"
 #include "wizard/GridChooser.h"
 #include "wizard/frmSelectDatumGrid.h"
 
@@ -12,8 +13,7 @@
 
 namespace {
 
-const auto Form = QStringLiteral("frmSelectDatumGrid");
-const auto InvalidZone = QStringLiteral("Invalid Zone. Should be between 1 and 60");
+const auto GridForm = QStringLiteral("frmSelectDatumGrid");
 
 std::vector<std::string> Texts(std::span<const std::string_view> texts) {
     return {texts.begin(), texts.end()};
@@ -22,7 +22,7 @@ std::vector<std::string> Texts(std::span<const std::string_view> texts) {
 /// Shows the form once; `act` has to end it.
 bool Show(frmSelectDatumGrid& form, const std::function<void(QWidget&)>& act) {
     ModalScript script;
-    script.Expect(Form, act);
+    script.Expect(GridForm, act);
     return form.ShowModal();
 }
 
@@ -39,10 +39,11 @@ TEST(SelectDatumGrid, OpensWithCustomAndBothChoicesHidden) {
     frmSelectDatumGrid form;
     EXPECT_FALSE(Show(form, [](QWidget& shown) {
         EXPECT_EQ(shown.windowTitle().toStdString(), "Wizard Step 1: Select Datum or Grid");
-        EXPECT_EQ(Find<QLabel>(shown, "Label3").text().toStdString(), "Wizard step 1: Select Datum or Grid");
+        EXPECT_EQ(Control<QLabel>(shown, "Label3").text().toStdString(),
+                  "Wizard step 1: Select Datum or Grid");
         EXPECT_EQ(Entries(shown, "ddCountry"), Texts(Countries));
-        EXPECT_EQ(Find<QComboBox>(shown, "ddCountry").currentText().toStdString(), "<Custom>");
-        EXPECT_TRUE(Find<QRadioButton>(shown, "rbShowDatum").isChecked());
+        EXPECT_EQ(Control<QComboBox>(shown, "ddCountry").currentText().toStdString(), "<Custom>");
+        EXPECT_TRUE(Control<QRadioButton>(shown, "rbShowDatum").isChecked());
         EXPECT_FALSE(IsShown(shown, "frameDatum"));
         EXPECT_FALSE(IsShown(shown, "frameGrid"));
         Click(shown, "bCancel");
@@ -53,7 +54,7 @@ TEST(SelectDatumGrid, OpensWithCustomAndBothChoicesHidden) {
 TEST(SelectDatumGrid, ExplainsItself) {
     frmSelectDatumGrid form;
     Show(form, [](QWidget& shown) {
-        const auto& help = Find<QPlainTextEdit>(shown, "txtHelp");
+        const auto& help = Control<QPlainTextEdit>(shown, "txtHelp");
         EXPECT_TRUE(help.isReadOnly());
         EXPECT_EQ(help.font().family().toStdString(), "Courier New");
         EXPECT_EQ(
@@ -77,16 +78,16 @@ TEST(SelectDatumGrid, HasEveryCaption) {
                                                                       {"frameDatum", "III. Select datum"},
                                                                       {"frameGrid", "III. Select grid"}};
         for (const auto& [name, caption] : frames)
-            EXPECT_EQ(Find<QGroupBox>(shown, name).title().toStdString(), caption);
+            EXPECT_EQ(Control<QGroupBox>(shown, name).title().toStdString(), caption);
         const std::vector<std::pair<const char*, const char*>> buttons{
             {"rbShowDatum", "Longitude / Latitude"},
             {"rdShowGrid", "Easting / Northing"},
             {"bCancel", "Cancel"},
             {"bNext", "Next ->"}};
         for (const auto& [name, caption] : buttons)
-            EXPECT_EQ(Find<QAbstractButton>(shown, name).text().toStdString(), caption);
-        EXPECT_EQ(Find<QLabel>(shown, "lZone").text().toStdString(), "Zone:");
-        EXPECT_EQ(Find<QLabel>(shown, "lURL").text().toStdString(), "Help");
+            EXPECT_EQ(Control<QAbstractButton>(shown, name).text().toStdString(), caption);
+        EXPECT_EQ(Control<QLabel>(shown, "lZone").text().toStdString(), "Zone:");
+        EXPECT_EQ(Control<QLabel>(shown, "lURL").text().toStdString(), "Help");
         Click(shown, "bCancel");
     });
 }
@@ -98,8 +99,8 @@ TEST(SelectDatumGrid, OffersWhatEachCountryHasAndSelectsTheFirst) {
             Pick(shown, "ddCountry", QString::fromLatin1(row.country.data(), qsizetype(row.country.size())));
             EXPECT_EQ(Entries(shown, "ddGrid"), Texts(row.grids));
             EXPECT_EQ(Entries(shown, "ddDatum"), Texts(row.datums));
-            EXPECT_EQ(Find<QComboBox>(shown, "ddGrid").currentIndex(), 0);
-            EXPECT_EQ(Find<QComboBox>(shown, "ddDatum").currentIndex(), 0);
+            EXPECT_EQ(Control<QComboBox>(shown, "ddGrid").currentIndex(), 0);
+            EXPECT_EQ(Control<QComboBox>(shown, "ddDatum").currentIndex(), 0);
             EXPECT_EQ(IsShown(shown, "txtZone"), GridHasNumericZone(row.grids.front())) << row.country;
         }
         Click(shown, "bCancel");
@@ -118,12 +119,12 @@ TEST(SelectDatumGrid, ShowsOneFrameAndKeepsTheListsWhenTheOptionChanges) {
         EXPECT_TRUE(IsShown(shown, "frameGrid"));
         Pick(shown, "ddGrid", QStringLiteral("System 45 (Bornholm)"));
         Click(shown, "rbShowDatum");
-        EXPECT_EQ(Find<QComboBox>(shown, "ddDatum").currentText().toStdString(), "ED50 Denmark");
-        EXPECT_EQ(Find<QComboBox>(shown, "ddGrid").currentText().toStdString(), "System 45 (Bornholm)");
+        EXPECT_EQ(Control<QComboBox>(shown, "ddDatum").currentText().toStdString(), "ED50 Denmark");
+        EXPECT_EQ(Control<QComboBox>(shown, "ddGrid").currentText().toStdString(), "System 45 (Bornholm)");
         Pick(shown, "ddCountry", QStringLiteral("<Custom>"));
         EXPECT_FALSE(IsShown(shown, "frameDatum"));
-        EXPECT_EQ(Find<QComboBox>(shown, "ddDatum").currentIndex(), -1);
-        EXPECT_EQ(Find<QComboBox>(shown, "ddGrid").currentIndex(), -1);
+        EXPECT_EQ(Control<QComboBox>(shown, "ddDatum").currentIndex(), -1);
+        EXPECT_EQ(Control<QComboBox>(shown, "ddGrid").currentIndex(), -1);
         Click(shown, "bCancel");
     });
 }
@@ -140,7 +141,7 @@ TEST(SelectDatumGrid, ShowsTheZoneFieldThatTheGridNeeds) {
         EXPECT_FALSE(IsShown(shown, "lZone"));
         EXPECT_TRUE(IsShown(shown, "ddZone"));
         EXPECT_EQ(Entries(shown, "ddZone"), ZonesOf("French Grid (ntf)"));
-        EXPECT_EQ(Find<QComboBox>(shown, "ddZone").currentIndex(), 0);
+        EXPECT_EQ(Control<QComboBox>(shown, "ddZone").currentIndex(), 0);
         Pick(shown, "ddGrid", QStringLiteral("French Grid (rgf93)"));
         EXPECT_FALSE(IsShown(shown, "txtZone"));
         EXPECT_FALSE(IsShown(shown, "ddZone"));
@@ -208,13 +209,13 @@ TEST(SelectDatumGrid, RefusesZonesThatAreNone) {
         frmSelectDatumGrid form;
         ModalScript script;
         script
-            .Expect(Form,
+            .Expect(GridForm,
                     [zone](QWidget& shown) {
                         ChooseGrid(shown, QStringLiteral("International"), QStringLiteral("UTM (ed50)"));
                         Type(shown, "txtZone", QString::fromLatin1(zone));
                         Click(shown, "bNext");
                         EXPECT_TRUE(shown.isVisible());
-                        EXPECT_EQ(shown.focusWidget(), &Find<QLineEdit>(shown, "txtZone"));
+                        EXPECT_EQ(shown.focusWidget(), &Control<QLineEdit>(shown, "txtZone"));
                         QTest::keyClick(&shown, Qt::Key_Escape);
                     })
             .ExpectBox(InvalidZone);
@@ -229,12 +230,12 @@ TEST(SelectDatumGrid, SaysWhenNothingIsSelected) {
         frmSelectDatumGrid form;
         ModalScript script;
         script
-            .Expect(Form,
+            .Expect(GridForm,
                     [list = list](QWidget& shown) {
                         Pick(shown, "ddCountry", QStringLiteral("Italy"));
                         if (std::string_view(list) == "ddGrid")
                             Click(shown, "rdShowGrid");
-                        Find<QComboBox>(shown, list).setCurrentIndex(-1);
+                        Control<QComboBox>(shown, list).setCurrentIndex(-1);
                         Click(shown, "bNext");
                         EXPECT_TRUE(shown.isVisible());
                         Click(shown, "bCancel");
@@ -249,7 +250,7 @@ TEST(SelectDatumGrid, IsLeftByEscapeAndByEnter) {
     EXPECT_FALSE(Show(form, [](QWidget& shown) { QTest::keyClick(&shown, Qt::Key_Escape); }));
     EXPECT_TRUE(Show(form, [](QWidget& shown) {
         Pick(shown, "ddCountry", QStringLiteral("Sweden"));
-        QTest::keyClick(&Find<QWidget>(shown, "rbShowDatum"), Qt::Key_Return);
+        QTest::keyClick(&Control<QWidget>(shown, "rbShowDatum"), Qt::Key_Return);
     }));
     EXPECT_EQ(form.Datum(), MakeDatum(1));
 }
@@ -258,8 +259,8 @@ TEST(SelectDatumGrid, IgnoresTheWheelOverAListThatIsNotInUse) {
     frmSelectDatumGrid form;
     Show(form, [](QWidget& shown) {
         Pick(shown, "ddCountry", QStringLiteral("Sweden"));
-        Find<QWidget>(shown, "bNext").setFocus();
-        auto& list = Find<QComboBox>(shown, "ddCountry");
+        Control<QWidget>(shown, "bNext").setFocus();
+        auto& list = Control<QComboBox>(shown, "ddCountry");
         QWheelEvent turn(QPointF(5, 5), list.mapToGlobal(QPointF(5, 5)), {}, {0, -120}, Qt::NoButton,
                          Qt::NoModifier, Qt::NoScrollPhase, false);
         QApplication::sendEvent(&list, &turn);
@@ -311,7 +312,7 @@ TEST(SelectDatumGrid, FindsAStatePlaneZoneByPartOfItsName) {
             frmSelectDatumGrid form;
             Show(form, [&row, isOpen](QWidget& shown) {
                 ChooseGrid(shown, QStringLiteral("United States"), QStringLiteral("State Plane (nad27)"));
-                auto& zones = Find<QComboBox>(shown, "ddZone");
+                auto& zones = Control<QComboBox>(shown, "ddZone");
                 zones.setFocus();
                 if (isOpen)
                     zones.showPopup();

@@ -1,6 +1,7 @@
 #include "app/ReadOut.h"
 #include "platform/modFields.h"
 #include "tests/coordinates/ReferenceProj.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/wizard/ReadOutTruth.h"
 #include "tests/wizard/WizardRun.h"
 
@@ -115,7 +116,7 @@ protected:
         for (const QPoint& crossing : Clicked) {
             ExpectPoint(Typed(crossing), text(GetParam().unit));
             if (crossing == Clicked.back())
-                Expecting().ExpectBox(ScalingCompleted());
+                Expecting().ExpectBox(ScalingCompleted);
             ClickPixel(crossing);
         }
         ASSERT_TRUE(State().mapScaled);
@@ -181,7 +182,7 @@ TEST_P(GridSheets, ReadOutTheirPrintedCrossingsAndDoSoWhenReopened) {
     EXPECT_GT(readOuts.size(), 20U);
     ReadGraticule();
     SaveAndReopen("sheet.Atlavex");
-    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+    EXPECT_EQ(TextOf("lStatus"), ScaledStatus);
     EXPECT_EQ(ReadFarCorners(), readOuts);
     ReadGraticule();
 }

@@ -1,9 +1,10 @@
 #include "platform/RemoteCoordinates.h"
+#include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/support/desktop/ModalScript.h"
 #include "tests/support/desktop/PrivateBus.h"
+#include "tests/support/desktop/RecordingMap.h"
 #include "tests/support/desktop/SilentBus.h"
-#include "tests/wizard/FormDriver.h"
-#include "tests/wizard/RecordingMap.h"
 #include "wizard/clsWorldfileWizard.h"
 #include "wizard/frmSelectDatumGrid.h"
 #include "wizard/frmSelectWorldfileGrid.h"
@@ -60,7 +61,7 @@ TEST(RemoteCoordinates, KeepTheFormDisabledUntilTheAnswer) {
     bool wasDisabled = false;
     script.Expect(QStringLiteral("frmSelectDatumGrid"), [&wasDisabled](QWidget& shown) {
         QTimer::singleShot(100, &shown, [&] {
-            wasDisabled = !Find<QWidget>(shown, "ddCountry").isEnabled();
+            wasDisabled = !Control<QWidget>(shown, "ddCountry").isEnabled();
             // Neither does Enter, pressed once too often, leave it.
             QTest::keyClick(shown.focusWidget() != nullptr ? shown.focusWidget() : &shown, Qt::Key_Return);
             EXPECT_TRUE(shown.isVisible());
@@ -92,7 +93,7 @@ void GiveUpTheWaiting() {
             Click(shown, "bNext");
         });
         EXPECT_FALSE(step1.ShowModal());
-        EXPECT_TRUE(Find<QWidget>(step1, "ddCountry").isEnabled());
+        EXPECT_TRUE(Control<QWidget>(step1, "ddCountry").isEnabled());
         frmSelectWorldfileGrid worldfile;
         script.Expect(QStringLiteral("frmSelectWorldfileGrid"), [leave](QWidget& shown) {
             QTimer::singleShot(50, &shown, [&shown, leave] { leave(shown); });
@@ -129,7 +130,7 @@ TEST(RemoteCoordinates, LeaveNoGridForAWorldfileWhenTheNewChoiceGaveNone) {
                     EXPECT_TRUE(shown.isVisible());
                     Click(shown, "bCancel");
                 })
-        .ExpectBox(QStringLiteral("No custom datum or grid is selected!"));
+        .ExpectBox(NoCustomSystem);
     EXPECT_FALSE(form.ShowModal());
 }
 

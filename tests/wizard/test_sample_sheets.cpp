@@ -1,6 +1,7 @@
 #include "tests/coordinates/ReferenceProj.h"
 #include "tests/support/RunProgram.h"
-#include "tests/wizard/FormDriver.h"
+#include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/wizard/ReadOutTruth.h"
 #include "tests/wizard/WizardRun.h"
 
@@ -100,7 +101,7 @@ protected:
 
     void AddBesideItsWorldfile() {
         ExpectMapAdded(PathOf("made/sheet-rgb.tif"));
-        Expecting().ExpectBox(WorldfileFound(), QMessageBox::Yes);
+        Expecting().ExpectBox(WorldfileFound, QMessageBox::Yes);
         Expecting().Expect(QStringLiteral("frmSelectWorldfileGrid"), [](QWidget& shown) {
             ::Pick(shown, "ddCountry", QStringLiteral("International"));
             ::Pick(shown, "ddGrid", QStringLiteral("UTM North (wgs84)"));
@@ -122,7 +123,7 @@ protected:
         ExpectPoint({{4500, 530}, 390000, 5158000}, QStringLiteral("meters"));
         ClickPixel({4500, 530});
         ExpectPoint({{4500, 3330}, 390000, 5151000}, QStringLiteral("meters"));
-        Expecting().ExpectBox(ScalingCompleted());
+        Expecting().ExpectBox(ScalingCompleted);
         ClickPixel({4500, 3330});
     }
 
@@ -138,7 +139,7 @@ protected:
         for (const TypedPoint& corner : corners) {
             ExpectPoint(corner);
             if (corner.pixel == corners.back().pixel)
-                Expecting().ExpectBox(ScalingCompleted());
+                Expecting().ExpectBox(ScalingCompleted);
             ClickPixel(corner.pixel);
         }
     }

@@ -1,7 +1,8 @@
 #include "platform/LinkLabel.h"
+#include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/support/desktop/FakeBrowser.h"
 #include "tests/support/desktop/ModalScript.h"
-#include "tests/wizard/FormDriver.h"
 #include "wizard/frmCoordinate.h"
 #include "wizard/frmInfo.h"
 #include "wizard/frmProjection.h"
@@ -59,11 +60,9 @@ std::vector<std::string> TabOrderOf(QWidget& shown) {
 
 TEST_P(WizardForms, HaveALinkToTheHelp) {
     const NoBrowser noBrowser;
-    const auto guide =
-        QStringLiteral("Internet Explorer could not be launched. Please visit "
-                       "https://www.kestova.example/quorvant/guide.asp for the Developer's Guide");
+    const auto guide = HelpNotStarted;
     script.Expect(QString::fromLatin1(GetParam().name), [](QWidget& shown) {
-        EXPECT_EQ(Find<LinkLabel>(shown, "lURL").text().toStdString(), "Help");
+        EXPECT_EQ(Control<LinkLabel>(shown, "lURL").text().toStdString(), "Help");
         Click(shown, "lURL");
         EXPECT_TRUE(shown.isVisible());
         QTest::keyClick(&shown, Qt::Key_Escape);
@@ -84,7 +83,7 @@ TEST_P(WizardForms, HaveNextAsTheirOnlyDefaultButton) {
             EXPECT_FALSE(button->autoDefault()) << button->objectName().toStdString();
             EXPECT_EQ(button->isDefault(), button->objectName() == QStringLiteral("bNext"));
         }
-        EXPECT_EQ(Find<QPushButton>(shown, "bNext").text().toStdString(), "Next ->");
+        EXPECT_EQ(Control<QPushButton>(shown, "bNext").text().toStdString(), "Next ->");
         QTest::keyClick(&shown, Qt::Key_Escape);
     });
 }

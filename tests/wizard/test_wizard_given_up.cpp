@@ -1,5 +1,6 @@
+#include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/support/desktop/PrivateBus.h"
-#include "tests/wizard/FormDriver.h"
 #include "tests/wizard/WizardRun.h"
 
 #include <QTimer>
@@ -21,7 +22,7 @@ protected:
         AddMap(*library, MakeSheet(PixelFormat::Grey, 300, 200), "sheet");
         library->SaveToFile(PathOf("unscaled.Atlavex"), "");
         Start(QString::fromStdString(PathOf("unscaled.Atlavex")));
-        ASSERT_EQ(TextOf("lStatus"), "Not scaled");
+        ASSERT_EQ(TextOf("lStatus"), NotScaledStatus);
     }
     void OpenScaled() { Start(QString::fromStdString(MakeLibrary("a.Atlavex", {{300, 200}, {310, 210}}))); }
 
@@ -49,7 +50,7 @@ protected:
     }
     void ExpectNothingHappened() {
         ExpectNoWizard();
-        EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+        EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
         EXPECT_FALSE(State().mapScaled);
         EXPECT_FALSE(State().modified);
         EXPECT_FALSE(State().currentMap->IsScaled());
@@ -75,7 +76,7 @@ TEST_F(GivingUp, AtEachStepTheMapStaysAsItWas) {
                          std::to_string(place.points));
             if (place.projection == nullptr) {
                 Expecting().Expect(QStringLiteral("frmSelectDatumGrid"), leave);
-                Expecting().ExpectBox(WizardCancelled());
+                Expecting().ExpectBox(WizardCancelled);
                 QTest::mouseClick(&Viewer(), Qt::LeftButton, {}, QPoint(5, 5));
             } else {
                 StartByClick(place.projection);
@@ -83,7 +84,7 @@ TEST_F(GivingUp, AtEachStepTheMapStaysAsItWas) {
                     GivePoint(point);
                 EXPECT_EQ(Viewer().Marks().size(), static_cast<std::size_t>(place.points));
                 Expecting().Expect(QStringLiteral("frmCoordinate"), leave);
-                Expecting().ExpectBox(WizardCancelled());
+                Expecting().ExpectBox(WizardCancelled);
                 ClickPixel({150, 100});
             }
             ExpectNothingHappened();
@@ -96,7 +97,7 @@ TEST_F(GivingUp, AtTheProjectionTheMapStaysAsItWas) {
     for (const Leave leave : WaysOut) {
         ExpectDatum(QStringLiteral("International"), QStringLiteral("WGS84"));
         Expecting().Expect(QStringLiteral("frmProjection"), leave);
-        Expecting().ExpectBox(WizardCancelled());
+        Expecting().ExpectBox(WizardCancelled);
         Choose("mBitmapScalingWizard");
         ExpectNothingHappened();
     }
@@ -109,7 +110,7 @@ TEST_F(GivingUp, AScaledMapKeepsItsScaling) {
     Choose("mBitmapScalingWizard");
     EXPECT_EQ(Viewer().Marks().size(), 3U) << "the earlier points";
     Expecting().Expect(QStringLiteral("frmCoordinate"), WaysOut[0]);
-    Expecting().ExpectBox(WizardCancelled());
+    Expecting().ExpectBox(WizardCancelled);
     ClickPixel({30, 30});
     EXPECT_TRUE(State().mapScaled);
     EXPECT_FALSE(State().modified);
@@ -124,13 +125,13 @@ TEST_F(GivingUp, StartingAnewForgetsThePointsAndTheFormsSettings) {
     GivePoint(2);
     ExpectSystem("rbCartesian");
     Choose("mBitmapScalingWizard");
-    EXPECT_EQ(TextOf("lHeader"), "Wizard step 3: Click on a known coordinate");
+    EXPECT_EQ(TextOf("lHeader"), PointPrompts[0]);
     EXPECT_TRUE(Viewer().Marks().empty());
     Expecting().Expect(QStringLiteral("frmCoordinate"), [](QWidget& shown) {
-        EXPECT_EQ(::Find<QLabel>(shown, "lHeadline").text().toStdString(),
+        EXPECT_EQ(::Control<QLabel>(shown, "lHeadline").text().toStdString(),
                   "Wizard step 4: Enter scaling coordinate 1 (of 3)");
         EXPECT_EQ(Text(shown, "txtLonDecDeg"), "0");
-        EXPECT_TRUE(::Find<QWidget>(shown, "txtLonDecDeg").isEnabled());
+        EXPECT_TRUE(::Control<QWidget>(shown, "txtLonDecDeg").isEnabled());
         Click(shown, "rbDMS");
         Type(shown, "txtLonDeg", QStringLiteral("1"));
         Click(shown, "bNext");
@@ -138,15 +139,15 @@ TEST_F(GivingUp, StartingAnewForgetsThePointsAndTheFormsSettings) {
     ClickPixel({20, 20});
     // Given up at once, without its own run: the one that was running is gone all the same.
     Expecting().Expect(QStringLiteral("frmSelectDatumGrid"), WaysOut[1]);
-    Expecting().ExpectBox(WizardCancelled());
+    Expecting().ExpectBox(WizardCancelled);
     Choose("mBitmapScalingWizard");
     ExpectNothingHappened();
     StartByClick("rbCartesian");
     Expecting().Expect(QStringLiteral("frmCoordinate"), [](QWidget& shown) {
-        EXPECT_TRUE(::Find<QRadioButton>(shown, "rbDecDeg").isChecked());
+        EXPECT_TRUE(::Control<QRadioButton>(shown, "rbDecDeg").isChecked());
         Click(shown, "bCancel");
     });
-    Expecting().ExpectBox(WizardCancelled());
+    Expecting().ExpectBox(WizardCancelled);
     ClickPixel({20, 20});
     ExpectNothingHappened();
 }
@@ -157,21 +158,21 @@ TEST_F(GivingUp, EachRefusedInputCanBeMended) {
         ::Pick(shown, "ddCountry", QStringLiteral("International"));
         Click(shown, "rdShowGrid");
         Click(shown, "bNext");
-        EXPECT_EQ(shown.focusWidget(), &::Find<QWidget>(shown, "txtZone"));
+        EXPECT_EQ(shown.focusWidget(), &::Control<QWidget>(shown, "txtZone"));
         Type(shown, "txtZone", QStringLiteral("61"));
         Click(shown, "bNext");
-        EXPECT_EQ(::Find<QLineEdit>(shown, "txtZone").selectedText().toStdString(), "61");
+        EXPECT_EQ(::Control<QLineEdit>(shown, "txtZone").selectedText().toStdString(), "61");
         Type(shown, "txtZone", QStringLiteral("60"));
         Click(shown, "bNext");
     });
     for (int time = 0; time < 2; ++time)
-        Expecting().ExpectBox(QStringLiteral("Invalid Zone. Should be between 1 and 60"));
+        Expecting().ExpectBox(InvalidZone);
     Expecting().Expect(QStringLiteral("frmProjection"), [](QWidget& shown) {
         Click(shown, "bNext");
         Click(shown, "imgCartesian");
         Click(shown, "bNext");
     });
-    Expecting().ExpectBox(QStringLiteral("You must select a projection type!"));
+    Expecting().ExpectBox(NoProjection);
     Choose("mBitmapScalingWizard");
     Expecting().Expect(QStringLiteral("frmCoordinate"), [](QWidget& shown) {
         Click(shown, "bNext");
@@ -183,10 +184,10 @@ TEST_F(GivingUp, EachRefusedInputCanBeMended) {
         Type(shown, "txtNorthing", QStringLiteral("6000000"));
         Click(shown, "bNext");
     });
-    Expecting().ExpectBox(QStringLiteral("You must enter a geografic position!"));
+    Expecting().ExpectBox(NoPosition);
     Expecting().ExpectBox(QStringLiteral("'5oo' is not a number!"));
     ClickPixel({20, 20});
-    EXPECT_EQ(TextOf("lHeader"), "Wizard step 5: Click on a known coordinate");
+    EXPECT_EQ(TextOf("lHeader"), PointPrompts[1]);
     EXPECT_TRUE(Expecting().IsDone());
 }
 
@@ -195,12 +196,12 @@ TEST_F(GivingUp, APointWhoseFormIsCancelledIsNotKept) {
     StartByClick("rbCartesian");
     GivePoint(1);
     Expecting().Expect(QStringLiteral("frmCoordinate"), WaysOut[0]);
-    Expecting().ExpectBox(WizardCancelled());
+    Expecting().ExpectBox(WizardCancelled);
     ClickPixel({150, 100});
     // The next click is a fresh start: at the first step, and then at the first point.
     StartByClick("rbPolar");
     GivePoint(1);
-    EXPECT_EQ(TextOf("lHeader"), "Wizard step 5: Click on lower left coordinate");
+    EXPECT_EQ(TextOf("lHeader"), CornerPrompts[1]);
 }
 
 TEST_F(GivingUp, AScalingThatIsInvalidIsSaidAndTheRunEndsAsAlways) {
@@ -218,16 +219,16 @@ TEST_F(GivingUp, AScalingThatIsInvalidIsSaidAndTheRunEndsAsAlways) {
             ExpectPoint(point);
             if (&point == &points.back()) {
                 ExpectInvalidScaling();
-                Expecting().ExpectBox(ScalingCompleted());
+                Expecting().ExpectBox(ScalingCompleted);
             }
             ClickPixel(point.pixel);
         }
-        EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+        EXPECT_EQ(TextOf("lStatus"), ScaledStatus);
         EXPECT_TRUE(State().mapScaled);
         EXPECT_TRUE(State().modified);
         ExpectNoWizard();
         EXPECT_FALSE(State().currentMap->IsScaled());
-        EXPECT_EQ(ReadOutAt({50, 50}), "Click on map to verify positions") << "there is nothing to read";
+        EXPECT_EQ(ReadOutAt({50, 50}), ScaledStatus) << "there is nothing to read";
     }
 }
 
@@ -251,7 +252,7 @@ TEST_F(GivingUp, AScalingThatIsInvalidLeavesTheFormerOneInTheSavedFile) {
                             ::testing::StartsWith("Invalid scaling: "));
                 QTest::keyClick(&shown, Qt::Key_Return);
             });
-            Expecting().ExpectBox(ScalingCompleted());
+            Expecting().ExpectBox(ScalingCompleted);
         }
         ClickPixel({20 * number, 20 * number});
     }
@@ -272,7 +273,7 @@ TEST_F(GivingUp, ACustomSystemThatNobodyGivesDoesNotKeepTheFormer) {
     for (int number = 1; number <= 3; ++number) {
         ExpectPoint(Corner(number));
         if (number == 3)
-            Expecting().ExpectBox(ScalingCompleted());
+            Expecting().ExpectBox(ScalingCompleted);
         ClickPixel(Corner(number).pixel);
     }
     EXPECT_FALSE(State().currentMap->MapGeoreference().datum.has_value());
@@ -294,7 +295,7 @@ TEST_F(GivingUp, AFailureThatEscapesTheScalingLeavesTheMapAsItWas) {
     Expecting().ExpectBox(QStringLiteral("There is no map to be scaled."));
     ClickPixel({280, 20});
     ExpectNoWizard();
-    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+    EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
     EXPECT_FALSE(State().mapScaled);
     EXPECT_FALSE(State().modified);
     EXPECT_FALSE(map->IsScaled());
@@ -308,11 +309,11 @@ TEST_F(GivingUp, ChoosingTheSameMapAgainOrSavingLeavesTheWizardAlone) {
     const std::size_t marks = Viewer().Marks().size();
     EditorTest::Pick("ddMaps", 0);
     Choose("mFileSaveAtlavex");
-    EXPECT_EQ(TextOf("lHeader"), "Wizard step 5: Click on a known coordinate");
+    EXPECT_EQ(TextOf("lHeader"), PointPrompts[1]);
     EXPECT_EQ(Viewer().Marks().size(), marks);
     GivePoint(2);
     ExpectPoint(Corner(3));
-    Expecting().ExpectBox(ScalingCompleted());
+    Expecting().ExpectBox(ScalingCompleted);
     ClickPixel(Corner(3).pixel);
     ExpectNoWizard();
     EXPECT_EQ(ReadOutAt({20, 20}), "Longitude: 10.0000000 E Latitude: 60.0000000 N");
@@ -325,7 +326,7 @@ TEST_F(GivingUp, ANewMapThatComesToNothingLeavesThePromptStanding) {
     ExpectSystem("rbCartesian");
     Choose("mBitmapScalingWizard");
     GivePoint(1);
-    const std::string prompt = "Wizard step 5: Click on a known coordinate";
+    const std::string prompt = PointPrompts[1];
     const std::vector<std::function<void()>> ends{
         [this] { ExpectFileDialog(QStringLiteral("Open new bitmap"), std::nullopt); },
         [this, &noImage] {
@@ -349,7 +350,7 @@ TEST_F(GivingUp, ANewMapThatComesToNothingLeavesThePromptStanding) {
     }
     GivePoint(2);
     ExpectPoint(Corner(3));
-    Expecting().ExpectBox(ScalingCompleted());
+    Expecting().ExpectBox(ScalingCompleted);
     ClickPixel(Corner(3).pixel);
     ExpectNoWizard();
     // Without a wizard there is no prompt that could come back.
@@ -367,13 +368,13 @@ TEST_F(GivingUp, ByEscapeWhileAClickIsAwaited) {
         QApplication::processEvents();
         QTest::keyClick(Window().windowHandle(), Qt::Key_Escape);
     };
-    Expecting().ExpectBox(WizardCancelled());
+    Expecting().ExpectBox(WizardCancelled);
     pressEscape();
     ExpectNothingHappened();
     pressEscape(); // nobody waits any more: there is nothing to be left
     ExpectNothingHappened();
     StartByClick("rbCartesian");
-    EXPECT_EQ(TextOf("lHeader"), "Wizard step 3: Click on a known coordinate");
+    EXPECT_EQ(TextOf("lHeader"), PointPrompts[0]);
 }
 
 TEST_F(GivingUp, ShowsACrossOnlyWhileAClickIsAwaited) {
@@ -396,7 +397,7 @@ TEST_F(GivingUp, ShowsACrossOnlyWhileAClickIsAwaited) {
     ClickPixel({20, 20});
     EXPECT_EQ(pointer(), Qt::CrossCursor);
     Expecting().Expect(QStringLiteral("frmCoordinate"), WaysOut[0]);
-    Expecting().ExpectBox(WizardCancelled());
+    Expecting().ExpectBox(WizardCancelled);
     ClickPixel({30, 30});
     EXPECT_EQ(pointer(), Qt::ArrowCursor);
 }
@@ -409,7 +410,7 @@ TEST_F(GivingUp, WhileAnotherProgramHangsTheWindowCanBeClosedAfterwards) {
         QTimer::singleShot(50, &shown, [&shown] { Click(shown, "bCancel"); });
         Click(shown, "bNext");
     });
-    Expecting().ExpectBox(WizardCancelled());
+    Expecting().ExpectBox(WizardCancelled);
     Choose("mBitmapScalingWizard");
     ExpectNothingHappened();
     EXPECT_TRUE(Window().close());
@@ -429,9 +430,9 @@ TEST_F(GivingUp, AnotherCommandThatTakesTheMapAwayEndsTheWizard) {
         [this] {
             ExpectMapAdded(ImageOf(MakeSheet(PixelFormat::Grey, 90, 80)));
             Expecting().Expect(QStringLiteral("frmSelectDatumGrid"), WaysOut[0]);
-            Expecting().ExpectBox(WizardCancelled());
+            Expecting().ExpectBox(WizardCancelled);
             Choose("mBitmapNew");
-            EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+            EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
             Expecting().ExpectBox(QStringLiteral("Are you sure you want to delete 'image4' map?"),
                                   QMessageBox::Yes);
             Choose("mBitmapDelete");

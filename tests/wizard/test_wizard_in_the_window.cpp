@@ -1,9 +1,10 @@
 #include "app/frmMain.h"
 #include "component/AtlavexLibrary.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/support/desktop/ModalScript.h"
 #include "tests/support/desktop/SilentBus.h"
-#include "tests/wizard/FormDriver.h"
 #include "view/KarvelViewer.h"
 
 #include <QAccessible>
@@ -37,9 +38,9 @@ protected:
         QApplication::processEvents();
     }
 
-    KarvelViewer& Viewer() { return Find<KarvelViewer>(window, "viewerMap"); }
-    std::string Header() { return Find<QLabel>(window, "lHeader").text().toStdString(); }
-    std::string Status() { return Find<QLabel>(window, "lStatus").text().toStdString(); }
+    KarvelViewer& Viewer() { return Control<KarvelViewer>(window, "viewerMap"); }
+    std::string Header() { return Control<QLabel>(window, "lHeader").text().toStdString(); }
+    std::string Status() { return Control<QLabel>(window, "lStatus").text().toStdString(); }
     void ClickMap(const QPoint& place) {
         QTest::mouseClick(&Viewer(), Qt::LeftButton, {}, place);
         QApplication::processEvents();
@@ -91,24 +92,24 @@ protected:
 } // namespace
 
 TEST_F(WizardInTheWindow, ScalesTheMapFromThreeClicks) {
-    EXPECT_EQ(Status(), "Not scaled");
+    EXPECT_EQ(Status(), NotScaledStatus);
     ExpectSteps("rbCartesian");
     ClickMap({30, 40});
-    EXPECT_EQ(Header(), "Wizard step 3: Click on a known coordinate");
+    EXPECT_EQ(Header(), PointPrompts[0]);
     ExpectPoint(10, 50);
     ClickMap({100, 100});
-    EXPECT_EQ(Header(), "Wizard step 5: Click on a known coordinate");
+    EXPECT_EQ(Header(), PointPrompts[1]);
     EXPECT_THAT(MarkStyles(), ::testing::ElementsAre(ViewerMarkStyle::ReferencePoint));
     EXPECT_EQ(Viewer().Marks().front().position, QPoint(100, 100));
     ExpectPoint(11, 50);
     ClickMap({200, 100});
-    EXPECT_EQ(Header(), "Wizard step 7: Click on a known coordinate");
+    EXPECT_EQ(Header(), PointPrompts[2]);
     EXPECT_FALSE(window.State().modified);
     ExpectPoint(10, 49);
-    script.ExpectBox(QStringLiteral("Scaling completed!"));
+    script.ExpectBox(ScalingCompleted);
     ClickMap({100, 200});
     EXPECT_EQ(Header(), "");
-    EXPECT_EQ(Status(), "Click on map to verify positions");
+    EXPECT_EQ(Status(), ScaledStatus);
     EXPECT_TRUE(window.State().mapScaled);
     EXPECT_TRUE(window.State().modified);
     EXPECT_TRUE(Viewer().Marks().empty());
@@ -122,9 +123,9 @@ TEST_F(WizardInTheWindow, KeepsMarksOnTheirPixelsWhenTheMapIsScrolled) {
     ClickMap({30, 40});
     ExpectPoint(10, 50);
     ClickMap({100, 100});
-    Find<QScrollBar>(window, "hscrollMap").setValue(60);
+    Control<QScrollBar>(window, "hscrollMap").setValue(60);
     EXPECT_EQ(Viewer().Marks().front().position, QPoint(40, 100));
-    Find<QSlider>(window, "sldZoom").setValue(-7);
+    Control<QSlider>(window, "sldZoom").setValue(-7);
     const double zoom = std::exp(-0.7);
     EXPECT_NEAR(Viewer().Marks().front().position.y(), 100 * zoom, 1);
     // The click counts the map's own pixels at every zoom.
@@ -132,11 +133,10 @@ TEST_F(WizardInTheWindow, KeepsMarksOnTheirPixelsWhenTheMapIsScrolled) {
         EXPECT_NEAR(std::stod(Text(shown, "txtY")), 50 / zoom, 1);
         Click(shown, "bCancel");
     });
-    script.ExpectBox(QStringLiteral(
-        "Wizard canceled! Select 'Bitmap -> Scaling Wizard...' from menu to restart the Wizard."));
+    script.ExpectBox(WizardCancelled);
     ClickMap({20, 50});
     EXPECT_EQ(Header(), "");
-    EXPECT_EQ(Status(), "Not scaled");
+    EXPECT_EQ(Status(), NotScaledStatus);
     EXPECT_TRUE(Viewer().Marks().empty());
 }
 
@@ -163,25 +163,25 @@ TEST_F(WizardInTheWindow, WaitsWhileTheUserPansScrollsAndZooms) {
     EXPECT_LT(mark().y(), 170);
     const QPoint before = mark();
     turn(Qt::ControlModifier);
-    EXPECT_EQ(Find<QSlider>(window, "sldZoom").value(), -1);
+    EXPECT_EQ(Control<QSlider>(window, "sldZoom").value(), -1);
     // What is under the pointer stays there.
     EXPECT_NEAR(mark().x(), 300 + (before.x() - 300) * std::exp(-0.1), 1);
     EXPECT_NEAR(mark().y(), 200 + (before.y() - 200) * std::exp(-0.1), 1);
     FocusMap();
-    const int scrolled = Find<QScrollBar>(window, "vscrollMap").value();
+    const int scrolled = Control<QScrollBar>(window, "vscrollMap").value();
     Press(Qt::Key_Down, Qt::ControlModifier);
-    EXPECT_GT(Find<QScrollBar>(window, "vscrollMap").value(), scrolled);
-    EXPECT_EQ(Header(), "Wizard step 5: Click on a known coordinate");
+    EXPECT_GT(Control<QScrollBar>(window, "vscrollMap").value(), scrolled);
+    EXPECT_EQ(Header(), PointPrompts[1]);
     EXPECT_EQ(Viewer().Marks().size(), 1U);
 }
 
 TEST_F(WizardInTheWindow, AClickBesideTheMapIsNone) {
     ExpectSteps("rbCartesian");
     ClickMap({30, 40});
-    Find<QSlider>(window, "sldZoom").setValue(-20); // 162.4 × 121.8 on the screen
+    Control<QSlider>(window, "sldZoom").setValue(-20); // 162.4 × 121.8 on the screen
     for (const QPoint& beside : {QPoint(163, 60), QPoint(80, 122), QPoint(400, 300)}) {
         ClickMap(beside);
-        EXPECT_EQ(Header(), "Wizard step 3: Click on a known coordinate");
+        EXPECT_EQ(Header(), PointPrompts[0]);
         EXPECT_TRUE(Viewer().Marks().empty());
     }
     script.Expect(QStringLiteral("frmCoordinate"), [](QWidget& shown) {
@@ -191,7 +191,7 @@ TEST_F(WizardInTheWindow, AClickBesideTheMapIsNone) {
         Click(shown, "bNext");
     });
     ClickMap({162, 121});
-    EXPECT_EQ(Header(), "Wizard step 5: Click on a known coordinate");
+    EXPECT_EQ(Header(), PointPrompts[1]);
 }
 
 TEST_F(WizardInTheWindow, StartsAnewFromTheMenuWhileItRuns) {
@@ -202,7 +202,7 @@ TEST_F(WizardInTheWindow, StartsAnewFromTheMenuWhileItRuns) {
     ExpectSteps("rbPolar");
     script.Expect(QStringLiteral("frmInfo"), [](QWidget& shown) { Click(shown, "bNext"); });
     window.findChild<QAction*>(QStringLiteral("mBitmapScalingWizard"))->trigger();
-    EXPECT_EQ(Header(), "Wizard step 3: Click on upper left coordinate");
+    EXPECT_EQ(Header(), CornerPrompts[0]);
     EXPECT_TRUE(Viewer().Marks().empty());
 }
 
@@ -227,9 +227,9 @@ TEST_F(WizardInTheWindow, TakesAPointFromTheKeyboardAlone) {
     const QPoint place = Viewer().Marks().front().position;
     EXPECT_EQ(place, first + QPoint(1, 10));
     EXPECT_EQ(Viewer().ValueText(), QStringLiteral("Pixel %1, %2").arg(place.x()).arg(place.y()));
-    EXPECT_EQ(Find<QScrollBar>(window, "vscrollMap").value(), 0);
+    EXPECT_EQ(Control<QScrollBar>(window, "vscrollMap").value(), 0);
     Press(Qt::Key_Down);
-    EXPECT_GT(Find<QScrollBar>(window, "vscrollMap").value(), 0);
+    EXPECT_GT(Control<QScrollBar>(window, "vscrollMap").value(), 0);
     EXPECT_EQ(Viewer().Marks().front().position.x(), place.x());
     script.Expect(QStringLiteral("frmCoordinate"), [place](QWidget& shown) {
         EXPECT_EQ(Text(shown, "txtX"), std::to_string(place.x()));
@@ -238,7 +238,7 @@ TEST_F(WizardInTheWindow, TakesAPointFromTheKeyboardAlone) {
         Click(shown, "bNext");
     });
     Press(Qt::Key_Return);
-    EXPECT_EQ(Header(), "Wizard step 5: Click on a known coordinate");
+    EXPECT_EQ(Header(), PointPrompts[1]);
     EXPECT_THAT(MarkStyles(), ::testing::ElementsAre(ViewerMarkStyle::ReferencePoint));
 }
 
@@ -272,7 +272,7 @@ TEST_F(WizardInTheWindow, KeepsTheCrosshairOnTheMapAndInSight) {
         Press(Qt::Key_Right, Qt::AltModifier | Qt::ShiftModifier);
     const QPoint place = Viewer().Marks().front().position;
     EXPECT_TRUE(QRect(0, 0, Viewer().PixelWidth(), Viewer().PixelHeight()).contains(place));
-    EXPECT_EQ(place.x() + Find<QScrollBar>(window, "hscrollMap").value(), SheetWidth - 1);
+    EXPECT_EQ(place.x() + Control<QScrollBar>(window, "hscrollMap").value(), SheetWidth - 1);
 }
 
 TEST_F(WizardInTheWindow, ShowsItsPromptToScreenReadersAsANotice) {
@@ -282,7 +282,7 @@ TEST_F(WizardInTheWindow, ShowsItsPromptToScreenReadersAsANotice) {
         QAccessible::queryAccessibleInterface(window.findChild<QLabel*>(QStringLiteral("lHeader")));
     ASSERT_NE(header, nullptr);
     EXPECT_EQ(header->role(), QAccessible::Notification);
-    EXPECT_EQ(header->text(QAccessible::Name).toStdString(), "Wizard step 3: Click on a known coordinate");
+    EXPECT_EQ(header->text(QAccessible::Name).toStdString(), PointPrompts[0]);
 }
 
 TEST_F(WizardInTheWindow, OpensTheCoordinateFormBesideThePixelThatWasClicked) {
@@ -304,8 +304,7 @@ TEST_F(WizardInTheWindow, OpensTheCoordinateFormBesideThePixelThatWasClicked) {
             EXPECT_FALSE(form.contains(clicked));
             Click(shown, "bCancel");
         });
-        script.ExpectBox(QStringLiteral(
-            "Wizard canceled! Select 'Bitmap -> Scaling Wizard...' from menu to restart the Wizard."));
+        script.ExpectBox(WizardCancelled);
         ClickMap(place);
     }
 }
@@ -320,8 +319,7 @@ TEST_F(WizardInTheWindow, LetsTheWindowBeClosedOnceTheOtherProgramWasGivenUp) {
         });
         Click(shown, "bNext"); // of a custom grid
     });
-    script.ExpectBox(QStringLiteral(
-        "Wizard canceled! Select 'Bitmap -> Scaling Wizard...' from menu to restart the Wizard."));
+    script.ExpectBox(WizardCancelled);
     ClickMap({30, 40});
     EXPECT_TRUE(script.IsDone());
     EXPECT_TRUE(window.close());

@@ -1,5 +1,6 @@
+#include "tests/support/desktop/Controls.h"
+#include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/support/desktop/PrivateBus.h"
-#include "tests/wizard/FormDriver.h"
 #include "tests/wizard/WizardRun.h"
 
 #include <QImage>
@@ -7,13 +8,6 @@
 // Whole runs of the wizards in the main window, from an image file to a scaled map.
 
 namespace {
-
-constexpr std::array<const char*, 3> LinearPrompts{"Wizard step 3: Click on a known coordinate",
-                                                   "Wizard step 5: Click on a known coordinate",
-                                                   "Wizard step 7: Click on a known coordinate"};
-constexpr std::array<const char*, 4> PolarPrompts{
-    "Wizard step 3: Click on upper left coordinate", "Wizard step 5: Click on lower left coordinate",
-    "Wizard step 7: Click on upper right coordinate", "Wizard step 9: Click on lower right coordinate"};
 
 class WholeRuns : public WizardRun {
 protected:
@@ -27,8 +21,8 @@ protected:
     /// When it is said that the scaling is complete, everything else has been done.
     void ExpectCompletion() {
         Expecting().Expect(QStringLiteral("MessageBox"), [this](QWidget& shown) {
-            EXPECT_EQ(dynamic_cast<QMessageBox&>(shown).text(), ScalingCompleted());
-            EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+            EXPECT_EQ(dynamic_cast<QMessageBox&>(shown).text(), ScalingCompleted);
+            EXPECT_EQ(TextOf("lStatus"), ScaledStatus);
             EXPECT_TRUE(State().mapScaled);
             EXPECT_TRUE(State().modified);
             ExpectNoWizard();
@@ -42,7 +36,7 @@ protected:
                     const std::array<TypedPoint, Count>& points, const QString& unit = {}) {
         for (std::size_t i = 0; i < Count; ++i) {
             EXPECT_EQ(TextOf("lHeader"), prompts.at(i));
-            EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+            EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
             EXPECT_EQ(Viewer().Marks().size(), i);
             ExpectPoint(points.at(i), unit);
             if (i + 1 == Count)
@@ -63,7 +57,7 @@ protected:
 
     void ExpectWorldfileGrid() {
         Expecting().Expect(QStringLiteral("frmSelectWorldfileGrid"), [this](QWidget& shown) {
-            EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+            EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
             EXPECT_EQ(TextOf("lHeader"), "");
             ::Pick(shown, "ddCountry", QStringLiteral("International"));
             Type(shown, "txtZone", QStringLiteral("32"));
@@ -73,7 +67,7 @@ protected:
     void AddBesideWorldfile(const std::string& content, QMessageBox::StandardButton answer) {
         WriteWholeFile(PathOf("sheet.tfw"), content);
         ExpectMapAdded(Image("sheet.tif"));
-        Expecting().ExpectBox(WorldfileFound(), answer);
+        Expecting().ExpectBox(WorldfileFound, answer);
     }
 };
 
@@ -91,8 +85,8 @@ TEST_F(WholeRuns, LinearInLongitudeAndLatitude) {
     ExpectDatum(QStringLiteral("Denmark"), QStringLiteral("ED50 Denmark"));
     ExpectProjection("rbCartesian");
     Choose("mBitmapNew");
-    GivePoints(LinearPrompts, {TypedPoint{{50, 40}, 8, 57}, TypedPoint{{1150, 40}, 10.2, 57},
-                               TypedPoint{{50, 840}, 8, 55.4}});
+    GivePoints(PointPrompts, {TypedPoint{{50, 40}, 8, 57}, TypedPoint{{1150, 40}, 10.2, 57},
+                              TypedPoint{{50, 840}, 8, 55.4}});
     EXPECT_EQ(ReadOutAt({550, 440}), "Longitude: 9.0000000 E Latitude: 56.2000000 N");
     EXPECT_FALSE(IsEnabled("mnuTileExport"));
     SaveAndReopen("a.Atlavex");
@@ -107,8 +101,8 @@ TEST_F(WholeRuns, PolarInLongitudeAndLatitudeOfTheSouthAndWest) {
     ExpectInfo();
     Choose("mBitmapNew");
     // Meridians that meet below the sheet, as they do in the south.
-    GivePoints(PolarPrompts, {TypedPoint{{100, 50}, -70, -50}, TypedPoint{{300, 850}, -70, -60},
-                              TypedPoint{{1100, 50}, -50, -50}, TypedPoint{{900, 850}, -50, -60}});
+    GivePoints(CornerPrompts, {TypedPoint{{100, 50}, -70, -50}, TypedPoint{{300, 850}, -70, -60},
+                               TypedPoint{{1100, 50}, -50, -50}, TypedPoint{{900, 850}, -50, -60}});
     EXPECT_EQ(ReadOutAt({300, 850}), "Longitude: 70.0000000 W Latitude: 60.0000000 S");
     // On the axis, where the parallel's arc about the meeting point (600, 2050) has not come down yet: 1200
     // pixels from there, the corners being 1236.93 and 2061.55 away.
@@ -126,7 +120,7 @@ TEST_F(WholeRuns, PolarInEastingAndNorthing) {
     Expecting().Expect(QStringLiteral("frmInfo"), [](QWidget& shown) { shown.close(); });
     Choose("mBitmapNew");
     // The form keeps the unit for the points that follow.
-    GivePoints(PolarPrompts,
+    GivePoints(CornerPrompts,
                {TypedPoint{{100, 50}, 600000, 210000}, TypedPoint{{100, 850}, 600000, 202000},
                 TypedPoint{{1100, 50}, 610000, 210000}, TypedPoint{{1100, 850}, 610000, 202000}},
                QStringLiteral("meters"));
@@ -139,7 +133,7 @@ TEST_F(WholeRuns, AWorldfileNeedsNoClick) {
     ExpectWorldfileGrid();
     Choose("mBitmapNew");
     ExpectNoWizard();
-    EXPECT_EQ(TextOf("lStatus"), "Click on map to verify positions");
+    EXPECT_EQ(TextOf("lStatus"), ScaledStatus);
     EXPECT_TRUE(State().modified);
     EXPECT_EQ(ReadOutAt({100, 200}), "(meters) Easting: 500250 Northing: 6199500");
     QTest::mouseClick(&Viewer(), Qt::LeftButton, {}, PlaceOf({1, 0}));
@@ -154,7 +148,7 @@ TEST_F(WholeRuns, AWorldfileThatIsNotWantedLeavesTheClicks) {
     ExpectGrid(QStringLiteral("International"), QStringLiteral("UTM (etrs89)"), QStringLiteral("32"));
     ExpectProjection("imgCartesian");
     Choose("mBitmapNew");
-    GivePoints(LinearPrompts, GridPoints, QStringLiteral("meters"));
+    GivePoints(PointPrompts, GridPoints, QStringLiteral("meters"));
     EXPECT_EQ(ReadOutAt({1, 2}), "(meters) Easting: 400001 Northing: 299998");
 }
 
@@ -164,7 +158,7 @@ TEST_F(WholeRuns, AWorldfileThatIsNoneLeavesTheMapUnscaled) {
     ExpectWorldfileGrid();
     ExpectInvalidScaling();
     Choose("mBitmapNew");
-    EXPECT_EQ(TextOf("lStatus"), "Not scaled");
+    EXPECT_EQ(TextOf("lStatus"), NotScaledStatus);
     EXPECT_FALSE(State().currentMap->IsScaled());
     ExpectNoWizard();
 }
@@ -177,7 +171,7 @@ TEST_F(WholeRuns, InAGridOfAnotherProgram) {
     ExpectCustomGrid();
     ExpectProjection("rbCartesian");
     Choose("mBitmapNew");
-    GivePoints(LinearPrompts, GridPoints, QStringLiteral("meters"));
+    GivePoints(PointPrompts, GridPoints, QStringLiteral("meters"));
     EXPECT_EQ(ReadOutAt({1, 2}), "(meters) Easting: 400001 Northing: 299998");
     // The false origin of its projection, whatever its name.
     const LonLat origin = State().currentMap->WorldToWgs84({400000, -100000});
@@ -201,7 +195,7 @@ TEST_F(WholeRuns, InAGridOfAnotherProgramThatIsNoneOrThatDoesNotAnswer) {
             if (&point == &GridPoints.back()) {
                 if (answers)
                     ExpectInvalidScaling();
-                Expecting().ExpectBox(ScalingCompleted());
+                Expecting().ExpectBox(ScalingCompleted);
             }
             ClickPixel(point.pixel);
         }

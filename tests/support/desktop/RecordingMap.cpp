@@ -1,7 +1,10 @@
-#include "tests/wizard/RecordingMap.h"
+#include "tests/support/desktop/RecordingMap.h"
 
 #include "base/ComponentError.h"
 #include "base/NumberText.h"
+#include "component/library/PixelImage.h"
+
+#include <stdexcept>
 
 namespace {
 
@@ -17,6 +20,34 @@ std::string JoinNumbers(std::span<const double> numbers) {
     for (const double number : numbers)
         text += (text.empty() ? "" : " ") + NumberToText(number);
     return text;
+}
+
+std::logic_error RecordingMap::Unexpected() {
+    return std::logic_error("a map of no content was asked for what it has not");
+}
+
+void RecordingMap::FailIfToldTo() const {
+    if (fails)
+        throw ComponentError(ErrorNumber::NoSuchMap, "The map has been removed.");
+}
+
+void RecordingMap::SetZoom(double zoom) {
+    FailIfToldTo();
+    ++zoomsWritten;
+    zoom_ = zoom;
+}
+
+bool RecordingMap::RenderView(std::int32_t left, std::int32_t top, std::int32_t width, std::int32_t height,
+                              std::shared_ptr<const AtlavexImage>& image) {
+    views.push_back({left, top, width, height, zoom_});
+    FailIfToldTo();
+    if (!changed || (obstructed && isDraft_))
+        return false;
+    Bitmap bitmap(width, height);
+    bitmap.pixels.assign(bitmap.pixels.size(), Colour);
+    image = std::make_shared<PixelImage>(std::move(bitmap));
+    isDraft_ = drafts > 0 && drafts-- > 0;
+    return true;
 }
 
 void RecordingMap::Note(const std::string& name, const std::string& arguments) {
