@@ -82,7 +82,7 @@ template <typename Object>
 void MapIconCommands::ShowDeletion(EntryList<Object>& list, Steps& steps) {
     steps.Do([&] { list.Clear(); });
     steps.Do([&] { list.Refill(0); });
-    // A deletion that leaves no maps or no icons clears the flag: meant.
+    // A deletion that leaves no maps or no icons clears the flag: meant, the guide tells users so.
     state_.modified =
         steps.HaveFailed() || (state_.objAtlavex->MapCount() > 0 && state_.objAtlavex->IconCount() > 0);
     if (steps.HaveFailed())

@@ -58,7 +58,7 @@ void frmAtlavexProperties::btnKeyGenerate_Click() {
 void frmAtlavexProperties::btnOK_Click() {
     const qsizetype length = CharactersIn(EncryptionKey());
     // Both checks always run, and the second says what it says: an accepted key of 5 to 16 characters is
-    // followed by its sentence. Meant.
+    // followed by its sentence. Meant: the guide tells users to go on.
     if (length <= LongestKey)
         AcceptOK();
     else

@@ -6,7 +6,7 @@
 
 namespace {
 
-// "arount" and "OffsetY" are meant.
+// "arount" and "OffsetY" are meant: the text is promised to the letter.
 const auto HelpText = QStringLiteral(
     "Offset X is measured in pixels. If set to 0 then the Icon will be horizontally centered arount the "
     "position. If set to a positive value the Icon will be displaced the corresponding number of pixels to "
