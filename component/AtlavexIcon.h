@@ -24,6 +24,7 @@ public:
     /// 0 centres it.
     virtual std::int32_t OffsetX() const = 0;
     virtual std::int32_t OffsetY() const = 0;
+    /// Any 32-bit number.
     virtual void SetOffsetX(std::int32_t pixels) = 0;
     virtual void SetOffsetY(std::int32_t pixels) = 0;
 };

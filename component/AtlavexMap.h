@@ -21,7 +21,7 @@ class AtlavexMap : public AtlavexImage, public Metadata {
 public:
     /// The "name" metadata; when that is empty, the name given when the map was added.
     virtual std::string Name() const = 0;
-    /// The map's own identifier, normally a GUID text.
+    /// The map's own identifier, normally a GUID text; any text is taken.
     virtual std::string Identifier() const = 0;
     virtual void SetIdentifier(const std::string& identifier) = 0;
 
@@ -67,7 +67,8 @@ public:
     virtual bool HasGrid() const = 0;
     virtual const Georeference& MapGeoreference() const = 0;
 
-    /// The coordinate of a pixel: easting/northing or longitude/latitude, see HasGrid. MapNotScaled.
+    /// The coordinate of a pixel, which may lie beside the map: easting/northing or longitude/latitude, see
+    /// HasGrid. Not finite where a polar map's scaling is not defined. MapNotScaled.
     virtual WorldPosition PixelToWorld(const PixelPosition& pixel) const = 0;
     /// The inverse. MapNotScaled, OutsideArea.
     virtual PixelPosition WorldToPixel(const WorldPosition& world) const = 0;
@@ -79,8 +80,9 @@ public:
     // Pixels. -------------------------------------------------------------------------------------------
 
     /// The part of the map that a viewer shows at the map's zoom. `left` and `top` count zoomed pixels from
-    /// the map's upper left corner, `width` and `height` are the viewer's size in screen pixels. The flag is
-    /// false, and `image` left alone, when nothing differs from the last answer. Damaged tiles are hatched.
+    /// the map's upper left corner and may lie beside the map, where the view stays transparent; `width` and
+    /// `height` are the viewer's size, 1 to 16384 screen pixels (else InvalidArgument). The flag is false,
+    /// and `image` left alone, when nothing differs from the last answer. Damaged tiles are hatched.
     virtual bool RenderView(std::int32_t left, std::int32_t top, std::int32_t width, std::int32_t height,
                             std::shared_ptr<const AtlavexImage>& image) = 0;
     /// The next view is an answer in any case: for a viewer that has shown something else since the last one.
@@ -101,6 +103,8 @@ public:
 
     /// Writes every tile of every level into the folder (which must exist): z/x/y.png with z = 0 the smallest
     /// level, tiles.json, map.vrt and index.html. `extension` must be ".png". Raises the library's progress
-    /// events. A folder that holds another map's tiles is left alone (InvalidArgument).
+    /// events. A folder that holds another map's tiles is left alone (InvalidArgument). FileNotWritable,
+    /// DiskFull, FileDamaged, Cancelled; what is written by then stays, and tiles.json says that it is not
+    /// all.
     virtual void ExportTiles(const std::string& folder, const std::string& extension) = 0;
 };

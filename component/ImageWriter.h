@@ -10,8 +10,8 @@
 
 /// What is known of a picture before its pixels come.
 struct PictureShape {
-    std::int32_t width = 0;
-    std::int32_t height = 0;
+    std::int32_t width = 0;  ///< pixels, at least 1
+    std::int32_t height = 0; ///< pixels, at least 1
     PixelFormat format = PixelFormat::Rgb;
     Palette palette; ///< for PixelFormat::Palette
 };
@@ -20,13 +20,17 @@ struct PictureShape {
 class ImageWriter {
 public:
     virtual ~ImageWriter() = default;
-    /// The next rows, width × BytesPerPixel bytes each, without gaps. Throws ComponentError.
+    /// The next `count` rows, width × BytesPerPixel bytes each, without gaps; over all calls as many as the
+    /// picture is high. DiskFull, FileNotWritable.
     virtual void WriteRows(std::span<const std::uint8_t> rows, std::int32_t count) = 0;
-    /// Completes the picture after the last row; the file is committed by its owner.
+    /// Completes the picture after the last row; the file is committed by its owner. Errors as WriteRows.
     virtual void Finish() = 0;
 };
 
-/// Writes PNG: samples as they are, palette and transparency kept. The file must outlive the writer.
+// The file must outlive the writer. Both throw what WriteRows throws.
+// ------------------------------------------
+
+/// Writes PNG: samples as they are, palette and transparency kept.
 std::unique_ptr<ImageWriter> MakePngWriter(NewFile& file, const PictureShape& shape);
 
 /// Writes TIFF, compressed without loss, as BigTIFF where 4 GiB may not suffice. The transparency of a
@@ -38,5 +42,5 @@ enum class PictureKind { None, Png, Tiff };
 PictureKind KindOfPicture(const std::filesystem::path& file);
 
 /// Writes the pixels of an icon or a rendered view as an RGBA PNG file, colours no longer multiplied by
-/// alpha. Throws ComponentError; also for an image whose pixels are not at hand.
+/// alpha. Failed for an image whose pixels are not at hand; errors of files as NewFile throws them.
 void WriteBitmapAsPng(const AtlavexImage* image, const std::filesystem::path& file);

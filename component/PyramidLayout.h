@@ -32,9 +32,11 @@ public:
     std::int32_t TileHeight() const { return tileHeight_; }
 
     int Levels() const { return static_cast<int>(levels_.size()); }
+    /// 0 to Levels() - 1; std::out_of_range for any other.
     const PyramidLevel& Level(int level) const { return levels_.at(static_cast<std::size_t>(level)); }
 
-    /// Position of a tile in the count over all levels.
+    /// Position of a tile in the count over all levels. Row and column from 0; InvalidArgument outside the
+    /// level.
     std::int64_t Entry(int level, std::int32_t row, std::int32_t column) const;
     /// Number of tiles of all levels together.
     std::int64_t Entries() const;

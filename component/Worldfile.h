@@ -17,5 +17,6 @@ Affine ParseWorldfile(std::string_view text, std::string_view fileName);
 /// the displayed image.
 Affine TurnWorldfile(const Affine& stored, Orientation orientation, std::int32_t width, std::int32_t height);
 
-/// Three reference points of the affine map at the pixels (1, 1), (1, 100) and (100, 100).
+/// Three reference points of the affine map at the pixels (1, 1), (1, 100) and (100, 100), whatever the
+/// image's size.
 std::array<ReferencePoint, 3> WorldfilePoints(const Affine& affine);
