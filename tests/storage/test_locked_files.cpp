@@ -2,6 +2,8 @@
 // its own flock in front of the system's, so that things happen at the worst moment and not by chance.
 
 #include "base/ComponentError.h"
+#include "base/NewFile.h"
+#include "base/TemporaryFile.h"
 #include "component/storage/files/FileReplacement.h"
 #include "tests/support/TempFolder.h"
 
@@ -130,6 +132,23 @@ TEST_F(LockedFiles, LeaveNothingBehindWhenTheyCannotBeLocked) {
     EXPECT_FALSE(fs::exists(path_));
     const fs::path target = folder_ / "lib.Atlavex";
     EXPECT_THROW(FileReplacement(files_, target), ComponentError);
+    EXPECT_TRUE(fs::is_empty(folder_.Path()));
+}
+
+TEST_F(LockedFiles, OfACommandAreMadeAgainOrLeaveNothingToo) {
+    const fs::path target = folder_ / "picture.png";
+    bool swept = false;
+    BeforeLocking() = [&] {
+        for (const auto& entry : fs::directory_iterator(folder_.Path()))
+            RemoveIfAbandoned(entry.path());
+        swept = fs::is_empty(folder_.Path());
+    };
+    NewFile(target).Commit();
+    EXPECT_TRUE(swept) << "nothing happened between making and locking";
+    EXPECT_TRUE(fs::exists(target));
+    fs::remove(target);
+    LockError() = ENOLCK;
+    EXPECT_THROW(NewFile{target}, ComponentError);
     EXPECT_TRUE(fs::is_empty(folder_.Path()));
 }
 
