@@ -3,7 +3,7 @@
 
 #include "base/StandardErrors.h"
 #include "component/render/Hatching.h"
-#include "component/tiles/LargePicture.h"
+#include "component/tiles/TileCodec.h"
 
 #include <algorithm>
 

@@ -2,14 +2,76 @@
 
 #include "base/ComponentError.h"
 #include "base/Threads.h"
+#include "component/tiles/ColourRows.h"
 #include "component/tiles/StripAssembler.h"
-#include "component/tiles/TileCutter.h"
+#include "component/tiles/StripPlan.h"
+#include "component/tiles/TileCodec.h"
 #include "component/tiles/TileQueue.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <new>
+#include <span>
+#include <vector>
 
 namespace {
+
+/// Cuts tiles out of strips and encodes them. One object a thread.
+class TileCutter {
+public:
+    /// The plan must outlive the object.
+    explicit TileCutter(const StripPlan& plan) : plan_(plan) {}
+
+    /// The tile as PNG, valid until the next call. A tile that reaches beyond the image becomes RGBA of full
+    /// size, 0, 0, 0, 0 outside.
+    std::span<const std::uint8_t> Encode(const Strip& strip, std::int32_t column);
+
+    /// How many pixels of the tile lie inside the image.
+    std::int64_t PixelsInside(const Strip& strip, std::int32_t column) const;
+
+private:
+    std::int32_t ColumnsInside(const Strip& strip, std::int32_t column) const;
+    PixelView EdgeView(const PixelView& inside);
+
+    const StripPlan& plan_;
+    TileEncoder encoder_;
+    std::vector<std::uint8_t> edge_;
+};
+
+std::int32_t TileCutter::ColumnsInside(const Strip& strip, std::int32_t column) const {
+    const PyramidLayout& layout = plan_.Layout();
+    const std::int64_t left = std::int64_t{column} * layout.TileWidth();
+    return static_cast<std::int32_t>(
+        std::min<std::int64_t>(layout.TileWidth(), layout.Level(strip.level).width - left));
+}
+
+std::int64_t TileCutter::PixelsInside(const Strip& strip, std::int32_t column) const {
+    return std::int64_t{ColumnsInside(strip, column)} * plan_.StripRows(strip.level, strip.row);
+}
+
+std::span<const std::uint8_t> TileCutter::Encode(const Strip& strip, std::int32_t column) {
+    const PyramidLayout& layout = plan_.Layout();
+    PixelView view;
+    view.format = plan_.Format(strip.level);
+    view.stride = static_cast<std::ptrdiff_t>(plan_.RowBytes(strip.level));
+    view.pixels =
+        strip.pixels.get() + std::ptrdiff_t{column} * layout.TileWidth() * BytesPerPixel(view.format);
+    view.width = ColumnsInside(strip, column);
+    view.height = plan_.StripRows(strip.level, strip.row);
+    view.palette = &plan_.Image().palette;
+    return encoder_.Encode(layout.IsEdgeTile(strip.level, strip.row, column) ? EdgeView(view) : view);
+}
+
+PixelView TileCutter::EdgeView(const PixelView& inside) {
+    constexpr std::ptrdiff_t PixelBytes = BytesPerPixel(PixelFormat::Rgba);
+    const PyramidLayout& layout = plan_.Layout();
+    const std::ptrdiff_t stride = layout.TileWidth() * PixelBytes;
+    edge_.assign(static_cast<std::size_t>(stride) * static_cast<std::size_t>(layout.TileHeight()), 0);
+    for (std::int32_t y = 0; y < inside.height; ++y)
+        RowToRgba(inside.pixels + y * inside.stride, inside.format, *inside.palette, inside.width,
+                  edge_.data() + y * stride);
+    return {edge_.data(), stride, layout.TileWidth(), layout.TileHeight(), PixelFormat::Rgba, nullptr};
+}
 
 /// Decoded at a time: little enough to be halved while it is in the cache and for a cancel to act at once.
 constexpr std::size_t BytesAtATime = std::size_t{512} * 1024;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Progress.h"
 #include "component/PixelFormat.h"
 
 #include <cstddef>
@@ -71,3 +72,7 @@ private:
     struct State;
     std::unique_ptr<State> state_;
 };
+
+/// The PNG file of a picture that may be much larger than a tile, as TileEncoder writes it. The bytes of its
+/// rows are added to the progress in steps, and a cancel is seen between them.
+std::vector<std::uint8_t> EncodeInSteps(const PixelView& view, Progress& progress);

@@ -1,4 +1,4 @@
-#include "component/tiles/LargePicture.h"
+#include "component/tiles/TileCodec.h"
 
 #include "base/ComponentError.h"
 #include "component/tiles/Deflater.h"

@@ -1,7 +1,6 @@
 #include "component/tiles/TileCodec.h"
 
 #include "base/ComponentError.h"
-#include "component/tiles/LargePicture.h"
 #include "component/tiles/PngChunks.h"
 #include "component/tiles/PngFilters.h"
 #include "component/tiles/ScreenPixels.h"
