@@ -1,9 +1,8 @@
 #pragma once
 
-#include "component/readers/tiff/TiffLab.h"
+#include "component/readers/tiff/TiffColours.h"
 #include "component/readers/tiff/TiffLayout.h"
 #include "component/readers/tiff/TiffStretch.h"
-#include "component/readers/tiff/TiffYcbcr.h"
 
 #include <array>
 #include <cstdint>

@@ -3,7 +3,7 @@
 #include "component/readers/common/ImageError.h"
 #include "component/readers/tiff/TiffBlock.h"
 #include "component/readers/tiff/TiffLargeRows.h"
-#include "component/readers/tiff/TiffYcbcr.h"
+#include "component/readers/tiff/TiffUnitRows.h"
 
 #include <algorithm>
 

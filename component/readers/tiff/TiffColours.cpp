@@ -1,4 +1,4 @@
-#include "component/readers/tiff/TiffYcbcr.h"
+#include "component/readers/tiff/TiffColours.h"
 
 #include "component/readers/common/ImageError.h"
 
@@ -8,6 +8,36 @@
 #include <span>
 
 namespace {
+
+/// A screen of the sRGB standard: its primaries, light and gamma, 8 bits a colour.
+TIFFDisplay StandardScreen() {
+    return {{{3.2410F, -1.5374F, -0.4986F}, {-0.9692F, 1.8760F, 0.0416F}, {0.0556F, -0.2040F, 1.0570F}},
+            100.0F,
+            100.0F,
+            100.0F,
+            255,
+            255,
+            255,
+            1.0F,
+            1.0F,
+            1.0F,
+            2.4F,
+            2.4F,
+            2.4F};
+}
+
+/// The white of the file, or the standard's default, as XYZ with a light of 100.
+std::array<float, 3> WhiteOf(const TiffFile& file) {
+    const float* point = nullptr;
+    if (TIFFGetFieldDefaulted(file.Handle(), TIFFTAG_WHITEPOINT, &point) != 1 || point == nullptr ||
+        !(point[1] > 0))
+        return {95.047F, 100.0F, 108.883F};
+    return {point[0] / point[1] * 100, 100, (1 - point[0] - point[1]) / point[1] * 100};
+}
+
+std::uint8_t Byte(std::uint32_t colour) {
+    return static_cast<std::uint8_t>(std::min(colour, 255U));
+}
 
 /// What libtiff asks for behind the head: a table of clamped values, and five of 256 numbers.
 constexpr std::size_t TableBytes = sizeof(TIFFYCbCrToRGB) + 4 * 256 * sizeof(TIFFRGBValue) +
@@ -33,11 +63,21 @@ bool AreFinite(std::span<const float> numbers) {
     return std::ranges::all_of(numbers, [](float number) { return std::isfinite(number); });
 }
 
-std::int64_t Units(std::int64_t pixels, std::int64_t unit) {
-    return (pixels + unit - 1) / unit;
+} // namespace
+
+TiffLab::TiffLab(const TiffFile& file) {
+    const TIFFDisplay screen = StandardScreen();
+    std::array<float, 3> white = WhiteOf(file);
+    TIFFCIELabToRGBInit(&conversion_, &screen, white.data());
 }
 
-} // namespace
+void TiffLab::ToRgb(std::uint8_t lightness, std::int8_t a, std::int8_t b, std::uint8_t* rgb) const {
+    std::array<float, 3> xyz{};
+    std::array<std::uint32_t, 3> colours{};
+    TIFFCIELabToXYZ(&conversion_, lightness, a, b, &xyz[0], &xyz[1], &xyz[2]);
+    TIFFXYZToRGB(&conversion_, xyz[0], xyz[1], xyz[2], &colours[0], &colours[1], &colours[2]);
+    std::ranges::transform(colours, rgb, Byte);
+}
 
 TiffYcbcr::TiffYcbcr(const TiffFile& file) : memory_(TableBytes / sizeof(std::uint64_t) + 1) {
     std::array<float, 3> factors = FactorsOf(file);
@@ -55,36 +95,4 @@ void TiffYcbcr::ToRgb(std::uint8_t luma, std::uint8_t cb, std::uint8_t cr, std::
     TIFFYCbCrtoRGB(tables, luma, cb, cr, &colours[0], &colours[1], &colours[2]);
     std::ranges::transform(colours, rgb,
                            [](std::uint32_t colour) { return static_cast<std::uint8_t>(colour); });
-}
-
-TiffUnitRows::TiffUnitRows(const TiffLayout& layout, std::unique_ptr<TiffRows> units)
-    : layout_(layout), units_(std::move(units)), row_(static_cast<std::size_t>(TiffRowBytes(layout))) {}
-
-TiffLayout TiffUnitRows::UnitLayout(const TiffLayout& layout) {
-    TiffLayout units = layout;
-    const std::int64_t whole = layout.height / layout.blockHeight, rest = layout.height % layout.blockHeight;
-    units.blockWidth = Units(layout.blockWidth, layout.unitWidth);
-    units.blockHeight = Units(layout.blockHeight, layout.unitHeight);
-    units.width = static_cast<std::int32_t>(Units(layout.width, layout.unitWidth));
-    units.height = static_cast<std::int32_t>(whole * units.blockHeight + Units(rest, layout.unitHeight));
-    units.samples = static_cast<std::uint16_t>(layout.unitWidth * layout.unitHeight + 2);
-    units.unitWidth = units.unitHeight = 1;
-    return units;
-}
-
-void TiffUnitRows::Next(const std::function<void()>& pause) {
-    const std::int64_t inUnit = next_++ % layout_.blockHeight % layout_.unitHeight;
-    if (inUnit == 0)
-        units_->Next(pause);
-    const std::int64_t lumas = layout_.unitWidth * layout_.unitHeight;
-    const std::uint8_t* unit = units_->Plane(0);
-    std::uint8_t* out = row_.data();
-    for (std::int64_t x = 0; x < layout_.width; ++x) {
-        const std::int64_t inRow = x % layout_.unitWidth;
-        if (x > 0 && inRow == 0)
-            unit += lumas + 2;
-        *out++ = unit[inUnit * layout_.unitWidth + inRow];
-        *out++ = unit[lumas];
-        *out++ = unit[lumas + 1];
-    }
 }

@@ -6,18 +6,6 @@
 #include <memory>
 #include <vector>
 
-/// The conversion of YCbCr to RGB, as libtiff does it, by the factors and the range that the file names.
-class TiffYcbcr {
-public:
-    /// Throws ImageDamaged when the factors are none.
-    explicit TiffYcbcr(const TiffFile& file);
-
-    void ToRgb(std::uint8_t luma, std::uint8_t cb, std::uint8_t cr, std::uint8_t* rgb) const;
-
-private:
-    std::vector<std::uint64_t> memory_; ///< of the tables, as libtiff lays them out behind their head
-};
-
 /// Rows of pixels of three samples from subsampled YCbCr. What is stored are units: the luma of the pixels
 /// that share a colour, and then Cb and Cr. A row of units holds the pixels of several rows.
 class TiffUnitRows : public TiffRows {
