@@ -5,6 +5,7 @@
 #include "tests/support/desktop/PrivateBus.h"
 #include "tests/support/desktop/RecordingMap.h"
 #include "tests/support/desktop/SilentBus.h"
+#include "tests/wizard/WaysOut.h"
 #include "wizard/clsWorldfileWizard.h"
 #include "wizard/frmSelectDatumGrid.h"
 #include "wizard/frmSelectWorldfileGrid.h"
@@ -77,15 +78,9 @@ TEST(RemoteCoordinates, KeepTheFormDisabledUntilTheAnswer) {
 
 namespace {
 
-using Leave = void (*)(QWidget& shown);
-constexpr std::array<Leave, 3> WaysOut{
-    [](QWidget& shown) { Click(shown, "bCancel"); },
-    [](QWidget& shown) { QTest::keyClick(shown.focusWidget(), Qt::Key_Escape); },
-    [](QWidget& shown) { shown.close(); }};
-
 /// Leaves both forms in each way while the other program is asked.
 void GiveUpTheWaiting() {
-    for (const Leave leave : WaysOut) {
+    for (const WayOut leave : WaysOut) {
         ModalScript script;
         frmSelectDatumGrid step1;
         script.Expect(QStringLiteral("frmSelectDatumGrid"), [leave](QWidget& shown) {

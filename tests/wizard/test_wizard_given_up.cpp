@@ -1,6 +1,7 @@
 #include "tests/support/desktop/Controls.h"
 #include "tests/support/desktop/ExpectedTexts.h"
 #include "tests/support/desktop/PrivateBus.h"
+#include "tests/wizard/WaysOut.h"
 #include "tests/wizard/WizardRun.h"
 
 #include <QTimer>
@@ -58,11 +59,6 @@ protected:
     }
 };
 
-using Leave = void (*)(QWidget& shown);
-constexpr std::array<Leave, 3> WaysOut{[](QWidget& shown) { Click(shown, "bCancel"); },
-                                       [](QWidget& shown) { QTest::keyClick(&shown, Qt::Key_Escape); },
-                                       [](QWidget& shown) { shown.close(); }};
-
 } // namespace
 
 TEST_F(GivingUp, AtEachStepTheMapStaysAsItWas) {
@@ -71,7 +67,7 @@ TEST_F(GivingUp, AtEachStepTheMapStaysAsItWas) {
                                       {"rbCartesian", 2}, {"rbPolar", 0},     {"rbPolar", 1},
                                       {"rbPolar", 2},     {"rbPolar", 3}};
     for (const GivenUp& place : places) {
-        for (const Leave leave : WaysOut) {
+        for (const WayOut leave : WaysOut) {
             SCOPED_TRACE(std::string(place.projection == nullptr ? "step 1" : place.projection) + " " +
                          std::to_string(place.points));
             if (place.projection == nullptr) {
@@ -94,7 +90,7 @@ TEST_F(GivingUp, AtEachStepTheMapStaysAsItWas) {
 
 TEST_F(GivingUp, AtTheProjectionTheMapStaysAsItWas) {
     OpenUnscaled();
-    for (const Leave leave : WaysOut) {
+    for (const WayOut leave : WaysOut) {
         ExpectDatum(QStringLiteral("International"), QStringLiteral("WGS84"));
         Expecting().Expect(QStringLiteral("frmProjection"), leave);
         Expecting().ExpectBox(WizardCancelled);
