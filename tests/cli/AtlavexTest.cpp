@@ -2,6 +2,8 @@
 
 #include "component/AtlavexLibrary.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>

@@ -4,7 +4,7 @@
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 #include <set>
 #include <string>

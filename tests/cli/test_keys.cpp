@@ -1,6 +1,7 @@
 #include "tests/cli/AtlavexTest.h"
 
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
 
 #include <cstdlib>
 #include <filesystem>
