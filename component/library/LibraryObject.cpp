@@ -324,7 +324,7 @@ std::vector<Damage> LibraryObject::Verify() {
     try {
         operations_->Run([&](Progress& progress) {
             progress.Expect(VerifyWork(state_));
-            VerifyTiles(state_, Depth::Decoded, progress, report);
+            VerifyTiles(state_, Depth::Decoded, progress, report, options_.threads);
             if (file_ && !direct_)
                 VerifyStructure(*file_, file_->ReadState(), report);
         });

@@ -1,8 +1,11 @@
 #include "component/storage/Verification.h"
 
+#include "base/Threads.h"
 #include "component/storage/Belonging.h"
 #include "component/storage/TileForm.h"
 
+#include <algorithm>
+#include <deque>
 #include <optional>
 #include <unordered_set>
 #include <utility>
@@ -37,48 +40,94 @@ void TellOfPicture(const DamageReport& report, const Database& file, const std::
     }
 }
 
-/// Reads a map's tiles one after the other.
+/// What is wrong with one tile, or with the page that should name it.
+struct Finding {
+    std::string object;
+    std::string reason;
+};
+
+/// Reads a map's tiles on several threads, so many entries at a time.
 class MapCheck {
 public:
-    MapCheck(const MapState& map, Depth depth, const DamageReport& report)
-        : map_(map), depth_(depth), report_(report),
-          reader_(map.container, map.record.Layout(), map.record.pages, map.Name()), form_(map.record) {}
+    static constexpr std::int64_t EntriesAtOnce = 256;
 
-    void CheckEntry(std::int64_t entry) {
-        const std::int64_t page = entry / EntriesPerPage;
-        if (page == damagedPage_)
-            return;
-        BlobRef ref;
-        if (!Tell(report_, "Map '" + map_.Name() + "'", [&] { ref = reader_.Entry(entry); }))
-            damagedPage_ = page; // told once, not for each of its tiles
-        else if (seen_.insert(ref.number).second)
-            CheckTile(entry);
+    MapCheck(const MapState& map, Depth depth, int threads)
+        : map_(map), depth_(depth), threads_(ThreadCount(threads)),
+          reader_(map.container, map.record.Layout(), map.record.pages, map.Name()) {
+        for (int thread = 0; thread < threads_; ++thread)
+            forms_.emplace_back(map.record);
+    }
+
+    /// Reports in the order of the entries, whichever thread has found it first.
+    void Check(std::int64_t first, std::int64_t count, Progress& progress, const DamageReport& report) {
+        findings_.assign(static_cast<std::size_t>(count), std::nullopt);
+        const std::vector<std::size_t> unseen = Unseen(first, progress);
+        ForEachOnThreads(unseen.size(), threads_, [&](int thread, std::size_t item) {
+            progress.ThrowIfCancelled();
+            CheckTile(first + static_cast<std::int64_t>(unseen[item]), findings_[unseen[item]],
+                      forms_[static_cast<std::size_t>(thread)]);
+            progress.Add(1);
+        });
+        for (const std::optional<Finding>& finding : findings_)
+            if (finding)
+                report(finding->object, finding->reason);
     }
 
 private:
-    void CheckTile(std::int64_t entry) {
+    /// Which of the entries name a blob that has not been looked at. The others are done.
+    std::vector<std::size_t> Unseen(std::int64_t first, Progress& progress) {
+        std::vector<std::size_t> unseen;
+        for (std::size_t i = 0; i < findings_.size(); ++i) {
+            progress.ThrowIfCancelled();
+            if (IsUnseen(first + static_cast<std::int64_t>(i), findings_[i]))
+                unseen.push_back(i);
+            else
+                progress.Add(1);
+        }
+        return unseen;
+    }
+
+    bool IsUnseen(std::int64_t entry, std::optional<Finding>& finding) {
+        const std::int64_t page = entry / EntriesPerPage;
+        if (page == damagedPage_)
+            return false;
+        BlobRef ref;
+        if (Tell(Into(finding), "Map '" + map_.Name() + "'", [&] { ref = reader_.Entry(entry); }))
+            return seen_.insert(ref.number).second;
+        damagedPage_ = page; // told once, not for each of its tiles
+        return false;
+    }
+
+    void CheckTile(std::int64_t entry, std::optional<Finding>& finding, TileForm& form) {
         const std::string place = reader_.Place(entry);
         Bytes png;
-        if (Tell(report_, place, [&] { png = reader_.ReadEntry(entry); }) && depth_ == Depth::Decoded)
-            TellOfPicture(report_, map_.container->GetDatabase(), place, [&] { form_.Check(png, entry); });
+        if (Tell(Into(finding), place, [&] { png = reader_.ReadEntry(entry); }) && depth_ == Depth::Decoded)
+            TellOfPicture(Into(finding), map_.container->GetDatabase(), place,
+                          [&] { form.Check(png, entry); });
+    }
+
+    static DamageReport Into(std::optional<Finding>& finding) {
+        return [&finding](const std::string& object, const std::string& reason) {
+            finding = Finding{object, reason};
+        };
     }
 
     const MapState& map_;
     Depth depth_;
-    const DamageReport& report_;
+    int threads_;
     TileReader reader_;
-    TileForm form_;
+    std::deque<TileForm> forms_; ///< one a thread
     std::unordered_set<std::int64_t> seen_;
     std::int64_t damagedPage_ = -1;
+    std::vector<std::optional<Finding>> findings_; ///< of the entries that are looked at
 };
 
-void VerifyMap(const MapState& map, Depth depth, Progress& progress, const DamageReport& report) {
-    MapCheck check(map, depth, report);
-    for (std::int64_t entry = 0; entry < map.record.Layout().Entries(); ++entry) {
-        progress.ThrowIfCancelled();
-        progress.Add(1);
-        check.CheckEntry(entry);
-    }
+void VerifyMap(const MapState& map, Depth depth, int threads, Progress& progress,
+               const DamageReport& report) {
+    MapCheck check(map, depth, threads);
+    const std::int64_t entries = map.record.Layout().Entries();
+    for (std::int64_t first = 0; first < entries; first += MapCheck::EntriesAtOnce)
+        check.Check(first, std::min(MapCheck::EntriesAtOnce, entries - first), progress, report);
 }
 
 void VerifyIcon(const IconState& icon, Depth depth, const DamageReport& report) {
@@ -158,9 +207,10 @@ std::int64_t VerifyWork(const LibraryState& state) {
     return work;
 }
 
-void VerifyTiles(const LibraryState& state, Depth depth, Progress& progress, const DamageReport& report) {
+void VerifyTiles(const LibraryState& state, Depth depth, Progress& progress, const DamageReport& report,
+                 int threads) {
     for (const auto& map : state.maps)
-        VerifyMap(*map, depth, progress, report);
+        VerifyMap(*map, depth, threads, progress, report);
     for (const auto& icon : state.icons) {
         progress.ThrowIfCancelled();
         VerifyIcon(*icon, depth, report);
@@ -178,7 +228,7 @@ std::vector<std::string> ObjectsWithoutPixels(const LibraryState& state, const C
     };
     for (const auto& map : state.maps) {
         if (map->container.get() == &container)
-            VerifyMap(*map, Depth::Stored, progress, notice);
+            VerifyMap(*map, Depth::Stored, 1, progress, notice);
         note("map '" + map->Name() + "'");
     }
     for (const auto& icon : state.icons) {

@@ -19,8 +19,10 @@ enum class Depth {
     Decoded ///< its pixels against the map's record too: whoever wrote it wrote a library
 };
 
-/// Reads every directory page, tile and icon picture of the state and compares each with its digest.
-void VerifyTiles(const LibraryState& state, Depth depth, Progress& progress, const DamageReport& report);
+/// Reads every directory page, tile and icon picture of the state and compares each with its digest, a map's
+/// tiles on so many threads (0: one a core). Reports on the caller's thread, in the order of the tiles.
+void VerifyTiles(const LibraryState& state, Depth depth, Progress& progress, const DamageReport& report,
+                 int threads = 1);
 
 /// The maps and icons of the state that lie in this container and are not whole there, as "map 'North'".
 std::vector<std::string> ObjectsWithoutPixels(const LibraryState& state, const Container& container,

@@ -319,6 +319,27 @@ TEST_F(ForgedFiles, WhoseTilesAreNoPicturesAreNamedWhenTheirPixelsAreRead) {
     }
 }
 
+TEST_F(ForgedFiles, AreToldInTheSameOrderByAnyNumberOfThreads) {
+    fs::remove(file_);
+    MakeLibrary(file_, 1, 3000);
+    Forger(file_).Run("UPDATE blob SET data = CAST(x'00' || data AS BLOB) WHERE id % 3 = 0");
+    const auto findingsOf = [this](int threads) {
+        LibraryOptions options = CheapOptions((folder_ / "scratch").string());
+        options.threads = threads;
+        const auto library = CreateAtlavexLibrary(options);
+        library->LoadFromFile(file_.string(), "");
+        std::vector<std::string> findings;
+        for (const Damage& damage : library->Verify())
+            findings.push_back(damage.object + ": " + damage.reason);
+        return findings;
+    };
+    const std::vector<std::string> findings = findingsOf(1);
+    EXPECT_GT(findings.size(), 50U);
+    EXPECT_THAT(findings, Contains(HasSubstr("level 1, row 0, column")));
+    EXPECT_EQ(findingsOf(4), findings);
+    EXPECT_EQ(findingsOf(0), findings);
+}
+
 TEST_F(ForgedFiles, WhoseTilesHaveAnotherSizeAreToldByVerify) {
     PutTile(Picture(64, PixelFormat::Rgba));
     EXPECT_THAT(Findings(), Contains(HasSubstr("another size")));
