@@ -251,8 +251,48 @@ TEST(Tiff, LargeBlocksOfEveryCoderAreReadRowByRowAndCanBeGivenUpMeanwhile) {
         EXPECT_TRUE(SamePixels(DecodeWithEngine(image), ReadTruth(image)));
         const bool isSmall = image.filename().string().starts_with("floats-small");
         EXPECT_GT(PausesInFirstBlock(image), isSmall ? 0 : 60); // one in each quarter of a megapixel
+        const std::string bytes = ReadWholeFile(image);
+        WriteWholeFile(folder / "damaged.tiff", bytes.substr(0, bytes.size() / 2));
+        EXPECT_EQ(ErrorOf(folder / "damaged.tiff"), ErrorNumber::ImageDamaged);
+        std::string overwritten = bytes;
+        std::fill_n(overwritten.begin() + std::ssize(bytes) / 2, 100, '\x55');
+        WriteWholeFile(folder / "damaged.tiff", overwritten);
+        EXPECT_TRUE(IsOrderly(ErrorOf(folder / "damaged.tiff")));
     }
 }
+
+TEST(Tiff, BlocksWhosePixelsNeedTooMuchMemoryAreRefusedWithTheCompressionThatNeedsIt) {
+    constexpr std::uint32_t Side = 30'000;
+    const TempFolder folder;
+    const auto file = folder / "sheet.tiff";
+    struct Kind {
+        std::uint32_t compression, bits, photometric, format;
+        std::string name;
+    };
+    const Kind kinds[] = {{34887, 32, 1, 3, "LERC"}, {34676, 16, 32844, 2, "SGI log"}};
+    for (const Kind& kind : kinds) {
+        const std::vector<Tag> common = {{256, Side},
+                                         {257, Side},
+                                         {258, kind.bits},
+                                         {259, kind.compression},
+                                         {262, kind.photometric},
+                                         {277, 1},
+                                         {339, kind.format}};
+        const std::vector<Tag> tile = {{322, Side + 8}, {323, Side + 8}, {324, 8}, {325, 64}};
+        const std::vector<Tag> strip = {{273, 8}, {278, Side}, {279, 64}};
+        for (const auto& blocks : {tile, strip}) {
+            std::vector<Tag> tags = common;
+            tags.insert(tags.end(), blocks.begin(), blocks.end());
+            std::ranges::sort(tags, {}, &Tag::number);
+            WriteWholeFile(file, TiffOf(tags));
+            EXPECT_EQ(ErrorOf(file), ErrorNumber::ImageTooLarge) << kind.name;
+            const std::string sentence = SentenceOf(file);
+            EXPECT_NE(sentence.find("in their compression (" + kind.name + ")"), std::string::npos)
+                << sentence;
+        }
+    }
+}
+
 TEST(Tiff, LogarithmsOfLightAreConvertedAndJbigIsRead) {
     CheckTheme("logarithms", {.perChannel = 9});
 }

@@ -34,7 +34,7 @@ std::int64_t MemoryOfBlock(const TiffFile& file, const TiffLayout& layout) {
     case COMPRESSION_LZMA:
         return 128 * Mebi; // the longest distances
     case COMPRESSION_JPEG:
-        return layout.SamplesTogether() * 32 * Mebi; // in case of several scans
+        return std::min(layout.SamplesTogether() * 32 * Mebi, MostBlockMemory); // in case of several scans
     default:
         return MemoryOfBlockAsStrip(file, layout);
     }
@@ -73,7 +73,10 @@ void ThrowBlockTooLarge(const TiffFile& file) {
 }
 
 std::int64_t MostOpenTiffBlocks(const TiffFile& file, const TiffLayout& layout) {
-    return std::max<std::int64_t>(1, MostBlockMemory / MemoryOfBlock(file, layout));
+    const std::int64_t memory = MemoryOfBlock(file, layout);
+    if (memory > MostBlockMemory)
+        ThrowBlockTooLarge(file);
+    return MostBlockMemory / memory;
 }
 
 std::unique_ptr<TiffBlock> OpenTiffBlock(TiffFile& file, const TiffLayout& layout, std::uint32_t block,

@@ -25,7 +25,8 @@ std::int64_t TiffBlockRows(const TiffLayout& layout, std::uint32_t block);
 /// Whether a writer has left the strip or tile out because nothing is in it; it reads as zeros.
 bool IsTiffBlockLeftOut(const TiffFile& file, std::uint32_t block);
 
-/// How many of the file's blocks can be open at a time within a sensible amount of memory; at least 1.
+/// How many of the file's blocks can be open at a time within a sensible amount of memory; at least 1. Throws
+/// ImageTooLarge where even one needs too much.
 std::int64_t MostOpenTiffBlocks(const TiffFile& file, const TiffLayout& layout);
 
 /// Opens a block that was not left out. Throws ImageDamaged, or ImageTooLarge where the coder needs all of

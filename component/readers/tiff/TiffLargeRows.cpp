@@ -31,6 +31,12 @@ private:
     const TiffLayout& layout_;
 };
 
+/// How many rows of a band are put together at a time.
+std::int64_t WindowRows(const TiffLayout& layout) {
+    const std::int64_t bytes = std::max(TiffRowBytes(layout) * layout.Planes(), TiffBlockRowBytes(layout));
+    return std::clamp<std::int64_t>(WindowBytes / bytes, 1, layout.blockHeight);
+}
+
 std::vector<std::vector<std::uint8_t>> MakePlanes(const TiffFile& file, const TiffLayout& layout,
                                                   std::int64_t bytes) {
     std::vector<std::vector<std::uint8_t>> planes;
@@ -97,9 +103,7 @@ class SpooledBlocks : public TiffRows {
 public:
     SpooledBlocks(TiffFile& file, const TiffLayout& layout, std::filesystem::path spoolFolder)
         : file_(file), layout_(layout), spoolFolder_(std::move(spoolFolder)), rowBytes_(TiffRowBytes(layout)),
-          blockRowBytes_(TiffBlockRowBytes(layout)),
-          windowRows_(
-              std::clamp<std::int64_t>(WindowBytes / rowBytes_ / layout.Planes(), 1, layout.blockHeight)),
+          blockRowBytes_(TiffBlockRowBytes(layout)), windowRows_(WindowRows(layout)),
           part_(ImageBuffer(file.Path(), windowRows_ * blockRowBytes_)),
           planes_(MakePlanes(file, layout, windowRows_ * rowBytes_)) {}
 
