@@ -60,3 +60,10 @@ def scaled(values, most):
 
 def colour_map(red, green, blue):
     return 320, (3, [int(v) for v in (*red, *green, *blue)])
+
+
+def stretched(values, low, high):
+    """Numbers between two others as 0 to 255; what is no number as 0."""
+    with numpy.errstate(invalid="ignore"):
+        level = numpy.floor((values.astype(float) - low) * (255 / (high - low)) + 0.5)
+    return numpy.nan_to_num(level, nan=0).clip(0, 255).astype(numpy.uint8)
