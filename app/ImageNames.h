@@ -8,7 +8,7 @@
 QString ProposedName(const QString& fileName);
 
 /// Where the worldfile of a map image would stand: beside a file whose extension is exactly "tif" or "tiff",
-/// with the extension "tfw". Empty for any other; the case counts, and that is meant.
+/// with the extension "tfw". Empty for any other; the case counts: users are promised no question for "TIF".
 QString WorldfileFor(const QString& fileName);
 
 /// Whether a plain file of this path exists that is not hidden.

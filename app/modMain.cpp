@@ -2,9 +2,8 @@
 
 #include "app/frmMain.h"
 #include "app/modResize.h"
+#include "catalogue/FillTables.h"
 #include "catalogue/modConst.h"
-#include "catalogue/modCountryData.h"
-#include "catalogue/modGadgets.h"
 #include "platform/SessionBus.h"
 
 #include <QApplication>

@@ -8,5 +8,6 @@
 std::string CreateGUID();
 
 /// The loose test of what a user typed: after blanks at both ends are dropped, 32 to 36 characters, each a
-/// hexadecimal digit of either case or a hyphen. Where the hyphens stand is not checked: meant.
+/// hexadecimal digit of either case or a hyphen. Where the hyphens stand is not checked: identifiers that
+/// other programs made without them are kept.
 bool IsGUIDText(std::string_view text);

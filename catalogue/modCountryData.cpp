@@ -1,7 +1,5 @@
 #include "catalogue/modCountryData.h"
 
-#include "catalogue/modSPCS.h"
-
 namespace {
 
 template <std::size_t N>
@@ -10,7 +8,7 @@ using Texts = std::array<std::string_view, N>;
 constexpr Texts<4> InternationalGrids{"UTM North (wgs84)", "UTM South (wgs84)", "UTM (etrs89)", "UTM (ed50)"};
 constexpr Texts<4> InternationalDatums{"WGS84", "WGS72", "ETRS89", "ED50"};
 
-// "UTM North (wgs84)" comes last and no European grid is offered: meant.
+// "UTM North (wgs84)" comes last and no European grid is offered: the first one is what forms preselect.
 constexpr Texts<5> UnitedStatesGrids{"UTM (nad83)", "UTM (nad27)", "State Plane (nad83)",
                                      "State Plane (nad27)", "UTM North (wgs84)"};
 constexpr Texts<6> UnitedStatesDatums{"WGS84",         "NAD83",        "NAD27 (East)",
@@ -26,7 +24,7 @@ constexpr Texts<4> AustriaDatums{"WGS84", "MGI (Hermannskugel)", "ETRS89", "ED50
 constexpr Texts<4> BelgiumGrids{"Belgium Grid", "UTM North (wgs84)", "UTM (etrs89)", "UTM (ed50)"};
 constexpr Texts<4> BelgiumDatums{"WGS84", "BD72", "ETRS89", "ED50"};
 
-// Denmark has ED50 entries of its own and not the common ones: meant.
+// Denmark has ED50 entries of its own and not the common ones: users of its sheets rely on their numbers.
 constexpr Texts<5> DenmarkGrids{"System 34 (Main land)", "System 45 (Bornholm)", "UTM North (wgs84)",
                                 "UTM (etrs89)", "UTM (ed50 Denmark)"};
 constexpr Texts<3> DenmarkDatums{"WGS84", "ETRS89", "ED50 Denmark"};
@@ -116,12 +114,4 @@ std::span<const CountryRow> CountryTable() {
 
 std::span<const ZoneListRow> ZoneListTable() {
     return ZoneListRows;
-}
-
-void FillCountries() {}
-
-void FillGridsAndDatums() {}
-
-void FillZones() {
-    FillStatePlaneZones();
 }

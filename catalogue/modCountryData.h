@@ -35,10 +35,3 @@ struct ZoneListRow {
 
 /// The five such grids (the state-plane zones stand in modSPCS).
 std::span<const ZoneListRow> ZoneListTable();
-
-// Start-up calls these in this order, after FillUnits. The tables are constants, so that there is nothing to
-// fill and a second call does no harm; the order stands here once, for whoever starts the program.
-void FillCountries();
-void FillGridsAndDatums();
-/// Calls FillStatePlaneZones first.
-void FillZones();

@@ -27,8 +27,6 @@ double Finite(double value) {
 
 } // namespace
 
-void FillUnits() {}
-
 double MetersToUnit(double meters, std::string_view unit) {
     const double factor = FactorOf(unit);
     return factor == 0 ? 0 : Finite(meters / factor);

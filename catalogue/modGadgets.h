@@ -9,10 +9,6 @@
 /// The units in the order of every unit list.
 inline constexpr std::array<std::string_view, 4> Units{"meters", "yards", "U.S. feet", "Int. feet"};
 
-/// Part of the start-up order. The list is a constant, so there is nothing to fill; calling it again does
-/// no harm.
-void FillUnits();
-
 /// A length in metres as a length in the unit, and back. Both return 0 for a text that is none of the four
 /// (compared exactly); ErrorNumber::Overflow when the result is not a finite number.
 double MetersToUnit(double meters, std::string_view unit);

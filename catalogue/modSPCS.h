@@ -16,8 +16,8 @@ struct SpcsRow {
     SpcsDatum datum = SpcsDatum::Both;
 };
 
-// By state name, with exceptions that are meant: Alaska follows Alabama, Hawaii follows Georgia, Puerto Rico
-// comes last, Michigan's old zones precede its current ones, Florida lists East, West, North.
+// By state name, with exceptions that the list's users know: Alaska follows Alabama, Hawaii follows Georgia,
+// Puerto Rico comes last, Michigan's old zones precede its current ones, Florida lists East, West, North.
 // clang-format off
 inline constexpr std::array<SpcsRow, 136> SpcsTable{{
     {"0101", "Alabama East"},
@@ -178,7 +178,3 @@ inline constexpr auto SpcsNad83Name = SpcsColumn<123>(SpcsDatum::Nad83, &SpcsRow
 
 // One row too few would leave empty texts at the end.
 static_assert(!SpcsNad27Code.back().empty() && !SpcsNad83Code.back().empty());
-
-/// Part of the start-up order. The tables are constants, so there is nothing to fill; calling it again does
-/// no harm.
-void FillStatePlaneZones();

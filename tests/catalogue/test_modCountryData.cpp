@@ -1,5 +1,6 @@
 #include "catalogue/modCountryData.h"
 
+#include "catalogue/FillTables.h"
 #include "catalogue/modCountryGadgets.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,7 @@
 #include "catalogue/modGadgets.h"
 
 #include "base/ComponentError.h"
+#include "catalogue/FillTables.h"
 
 #include <gmock/gmock.h>
 

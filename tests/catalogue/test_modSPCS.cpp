@@ -1,5 +1,6 @@
 #include "catalogue/modSPCS.h"
 
+#include "catalogue/FillTables.h"
 #include "coordinates/QuorvantGrid.h"
 
 #include <gtest/gtest.h>

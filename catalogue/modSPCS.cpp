@@ -1,3 +1,0 @@
-#include "catalogue/modSPCS.h"
-
-void FillStatePlaneZones() {}
