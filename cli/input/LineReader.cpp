@@ -16,7 +16,7 @@ constexpr std::size_t LongestLine = 65536; // bytes; two numbers need some fifty
 } // namespace
 
 bool LineReader::Next(std::string& line) {
-    while (!TakeLine(line)) {
+    while (!PopLine(line)) {
         if (atEnd_)
             return false;
         ReadMore();
@@ -25,7 +25,7 @@ bool LineReader::Next(std::string& line) {
     return true;
 }
 
-bool LineReader::TakeLine(std::string& line) {
+bool LineReader::PopLine(std::string& line) {
     const std::size_t end = buffer_.find('\n', start_);
     const bool lastLine = end == std::string::npos && atEnd_ && start_ < buffer_.size();
     if (end == std::string::npos && !lastLine)

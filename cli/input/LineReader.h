@@ -21,7 +21,7 @@ public:
     std::int64_t Number() const { return number_; }
 
 private:
-    bool TakeLine(std::string& line);
+    bool PopLine(std::string& line);
     void ReadMore();
 
     std::function<void()> beforeWaiting_;

@@ -15,7 +15,7 @@ namespace {
 constexpr std::string_view Separators = " \t;\r";
 
 /// The next word of the text, which is cut off it; empty at its end.
-std::string_view TakeWord(std::string_view& text) {
+std::string_view PopWord(std::string_view& text) {
     text.remove_prefix(std::min(text.find_first_not_of(Separators), text.size()));
     const std::string_view word = text.substr(0, text.find_first_of(Separators));
     text.remove_prefix(word.size());
@@ -23,13 +23,13 @@ std::string_view TakeWord(std::string_view& text) {
 }
 
 bool IsSkipped(std::string_view line) {
-    const std::string_view word = TakeWord(line);
+    const std::string_view word = PopWord(line);
     return word.empty() || word.starts_with('#');
 }
 
 std::optional<Pair> ParsePair(std::string_view line) {
-    const auto x = TextToNumber(TakeWord(line)), y = TextToNumber(TakeWord(line));
-    if (!x || !y || !TakeWord(line).empty())
+    const auto x = TextToNumber(PopWord(line)), y = TextToNumber(PopWord(line));
+    if (!x || !y || !PopWord(line).empty())
         return std::nullopt;
     return Pair{*x, *y};
 }

@@ -58,14 +58,14 @@ GifCodes::Outcome GifCodes::Follow(unsigned code) {
 
 GifCodes::Outcome GifCodes::Read(std::span<std::uint8_t> indices) {
     if (words_)
-        indices = indices.subspan(words_->Take(indices));
+        indices = indices.subspan(words_->Pop(indices));
     while (!indices.empty() && outcome_ == Outcome::Done) {
         unsigned code = 0;
         outcome_ = NextCode(code);
         if (outcome_ == Outcome::Done)
             outcome_ = Follow(code);
         if (outcome_ == Outcome::Done)
-            indices = indices.subspan(words_->Take(indices));
+            indices = indices.subspan(words_->Pop(indices));
     }
     return indices.empty() ? Outcome::Done : outcome_;
 }

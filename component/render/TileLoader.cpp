@@ -61,7 +61,7 @@ bool TileLoader::Load(TileBlock& block, std::optional<Time> deadline) {
     const auto count = static_cast<std::size_t>(block.rows) * static_cast<std::size_t>(block.columns);
     block.tiles.assign(count, nullptr);
     memory_.Tiles().SetCapacity(std::max(UsualCacheBytes, count * tileBytes_));
-    std::vector<Missing> missing = TakeFromCache(block);
+    std::vector<Missing> missing = FillFromCache(block);
     const bool whole = missing.empty() || LoadMissing(block, missing, deadline);
     for (const Missing& tile : missing)
         if (block.tiles[tile.place])
@@ -76,10 +76,10 @@ bool TileLoader::Load(TileBlock& block, std::optional<Time> deadline) {
 
 bool TileLoader::Keeps(TileBlock block) {
     block.tiles.resize(static_cast<std::size_t>(block.rows) * static_cast<std::size_t>(block.columns));
-    return TakeFromCache(block).empty();
+    return FillFromCache(block).empty();
 }
 
-std::vector<TileLoader::Missing> TileLoader::TakeFromCache(TileBlock& block) {
+std::vector<TileLoader::Missing> TileLoader::FillFromCache(TileBlock& block) {
     std::vector<Missing> missing;
     std::size_t place = 0;
     for (std::int32_t row = block.firstRow; row < block.firstRow + block.rows; ++row)

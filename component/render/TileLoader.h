@@ -60,7 +60,7 @@ private:
     bool IsObstructed();
     /// Nothing when an obstacle stands in the way.
     TilePixels LoadTile(TileDecoder& decoder, int level, const Missing& place);
-    std::vector<Missing> TakeFromCache(TileBlock& block);
+    std::vector<Missing> FillFromCache(TileBlock& block);
     bool LoadMissing(TileBlock& block, const std::vector<Missing>& missing, std::optional<Time> deadline);
 
     const PyramidLayout& layout_;

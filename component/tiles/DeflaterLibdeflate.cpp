@@ -59,7 +59,7 @@ public:
     Stepwise(const Stepwise&) = delete;
     Stepwise& operator=(const Stepwise&) = delete;
 
-    void Take(std::span<const std::uint8_t> step, bool isLast) {
+    void Add(std::span<const std::uint8_t> step, bool isLast) {
         stream_.next_in = const_cast<Bytef*>(step.data()); // zlib only reads there
         stream_.avail_in = CheckedNarrow<uInt>(step.size());
         if (deflate(&stream_, isLast ? Z_FINISH : Z_NO_FLUSH) != (isLast ? Z_STREAM_END : Z_OK))
@@ -78,7 +78,7 @@ std::size_t CompressInSteps(std::span<const std::uint8_t> raw, std::span<std::ui
         progress.ThrowIfCancelled();
         const std::span<const std::uint8_t> step = raw.first(std::min(StepBytes, raw.size()));
         raw = raw.subspan(step.size());
-        stepwise.Take(step, raw.empty());
+        stepwise.Add(step, raw.empty());
         progress.Add(static_cast<std::int64_t>(step.size()));
     }
     return stepwise.Length();

@@ -35,7 +35,7 @@ PngTile::PngTile(std::span<const std::uint8_t> png) {
         ThrowTileDamaged("its header is missing");
     ReadSize(first.data);
     for (PngChunk chunk = reader.Next(); chunk.type != PngIend; chunk = reader.Next())
-        Take(chunk);
+        Read(chunk);
     if (parts_.empty())
         ThrowTileDamaged("it has no pixels");
     if (!reader.AtEnd())
@@ -52,7 +52,7 @@ void PngTile::ReadSize(std::span<const std::uint8_t> data) {
     header_.format = FormatOf(data[9]);
 }
 
-void PngTile::Take(const PngChunk& chunk) {
+void PngTile::Read(const PngChunk& chunk) {
     if (chunk.type == PngIdat) {
         if (partsEnded_)
             ThrowTileDamaged("its pixels are torn apart");
@@ -63,14 +63,14 @@ void PngTile::Take(const PngChunk& chunk) {
     }
     partsEnded_ = !parts_.empty();
     if (chunk.type == PngPlte)
-        TakePalette(chunk.data);
+        ReadPalette(chunk.data);
     else if (chunk.type == PngTrns)
-        TakeAlpha(chunk.data);
+        ReadAlpha(chunk.data);
     else if (!chunk.IsAncillary())
         ThrowTileDamaged("it has a chunk of unknown meaning");
 }
 
-void PngTile::TakePalette(std::span<const std::uint8_t> data) {
+void PngTile::ReadPalette(std::span<const std::uint8_t> data) {
     if (header_.format != PixelFormat::Palette || !header_.palette.empty() || partsEnded_)
         ThrowTileDamaged("a palette stands where none belongs");
     if (data.empty() || data.size() % 3 != 0 || data.size() > 3 * std::size_t{256})
@@ -80,7 +80,7 @@ void PngTile::TakePalette(std::span<const std::uint8_t> data) {
         header_.palette[i] = PaletteEntry{data[3 * i], data[3 * i + 1], data[3 * i + 2], 255};
 }
 
-void PngTile::TakeAlpha(std::span<const std::uint8_t> data) {
+void PngTile::ReadAlpha(std::span<const std::uint8_t> data) {
     // With grey and true colour this chunk would make one colour transparent, which no stored image does.
     if (header_.palette.empty() || partsEnded_ || data.size() > header_.palette.size())
         ThrowTileDamaged("transparency stands where none belongs");

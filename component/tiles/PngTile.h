@@ -22,9 +22,9 @@ public:
 
 private:
     void ReadSize(std::span<const std::uint8_t> data);
-    void Take(const PngChunk& chunk);
-    void TakePalette(std::span<const std::uint8_t> data);
-    void TakeAlpha(std::span<const std::uint8_t> data);
+    void Read(const PngChunk& chunk);
+    void ReadPalette(std::span<const std::uint8_t> data);
+    void ReadAlpha(std::span<const std::uint8_t> data);
 
     TileHeader header_;
     std::vector<std::span<const std::uint8_t>> parts_;

@@ -15,7 +15,7 @@ TileQueue::Task TileQueue::Next(Tile& tile) {
         ++bands_;
         return Task::DecodeBand;
     }
-    tile = TakeTile();
+    tile = PopTile();
     return Task::EncodeTile;
 }
 
@@ -29,7 +29,7 @@ bool TileQueue::IsOver() const {
     return HasFailed() || (allDecoded_ && !decoding_ && tilesWaiting_ == 0);
 }
 
-TileQueue::Tile TileQueue::TakeTile() {
+TileQueue::Tile TileQueue::PopTile() {
     const auto job = firstWithTiles_;
     const Tile tile{&job->strip, job->nextColumn++, job};
     --tilesWaiting_;

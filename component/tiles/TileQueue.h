@@ -61,7 +61,7 @@ public:
 private:
     bool MayDecode() const;
     bool IsOver() const;
-    Tile TakeTile();
+    Tile PopTile();
 
     const StripPlan& plan_;
     std::mutex mutex_;

@@ -48,7 +48,7 @@ void LzwWords::Spell(unsigned code, std::span<std::uint8_t> bytes) const {
     }
 }
 
-std::size_t LzwWords::Take(std::span<std::uint8_t> bytes) {
+std::size_t LzwWords::Pop(std::span<std::uint8_t> bytes) {
     const std::size_t count = std::min(length_ - given_, bytes.size());
     if (count == 0)
         return 0;

@@ -24,7 +24,7 @@ public:
     /// be here.
     bool Follow(unsigned code);
     /// Gives of the last word what has not been given yet and fits, and answers how much that was.
-    std::size_t Take(std::span<std::uint8_t> bytes);
+    std::size_t Pop(std::span<std::uint8_t> bytes);
 
 private:
     static constexpr int NoCode = -1;

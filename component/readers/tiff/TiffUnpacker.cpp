@@ -88,10 +88,10 @@ public:
     explicit Lzw(TiffBytes bytes) : bytes_(std::move(bytes)) {}
 
     void Read(std::span<std::uint8_t> out) override {
-        out = out.subspan(words_.Take(out));
+        out = out.subspan(words_.Pop(out));
         while (!out.empty()) {
             Follow(NextCode());
-            out = out.subspan(words_.Take(out));
+            out = out.subspan(words_.Pop(out));
         }
     }
 
