@@ -25,6 +25,13 @@ void* Allocate(std::size_t bytes) {
 void* operator new(std::size_t bytes) {
     return Allocate(bytes);
 }
+// All forms, so that what one of them gives is never handed to another allocator's.
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
+    return std::malloc(bytes == 0 ? 1 : bytes);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
+    std::free(memory);
+}
 void operator delete(void* memory) noexcept {
     std::free(memory);
 }

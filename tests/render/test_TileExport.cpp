@@ -1,5 +1,5 @@
-#include "component/render/TileExport.h"
 #include "base/ComponentError.h"
+#include "component/render/TileExport.h"
 #include "component/scaling/Scaling.h"
 #include "coordinates/Projection.h"
 #include "tests/render/DrawnMap.h"

@@ -1,6 +1,6 @@
-#include "component/render/ViewRenderer.h"
 #include "base/CheckedNumbers.h"
 #include "base/ComponentError.h"
+#include "component/render/ViewRenderer.h"
 #include "tests/render/DrawnMap.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include "component/Worldfile.h"
 #include "base/ComponentError.h"
+#include "component/Worldfile.h"
 #include "tests/support/RunProgram.h"
 #include "tests/support/TempFolder.h"
 
