@@ -14,6 +14,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 /// One raster map of a library. Pixels are unzoomed unless said otherwise; the integer pixel (x, y) is the
 /// centre of that pixel, (0, 0) the upper left one.
@@ -39,12 +40,13 @@ public:
 
     // Scaling. ------------------------------------------------------------------------------------------
     //
-    // A georeference is taken whole or not at all: datum, grid, identifier and zone are pending until one of
-    // the two scalings takes them together with its points, in place of all that the map had. What was not
+    // A georeference is taken whole or not at all: datum, grid, identifier, zone, the system's identity, the
+    // points as entered and check sets are pending until one of the two scalings takes them together with its
+    // points, in place of all that the map had. What was not
     // given is not kept from before. A call that fails drops what is pending; the map stays as it was.
 
-    /// The datum of the map's coordinates; drops a pending grid. ValueNotFinite for numbers that are none,
-    /// UnknownDatum for numbers that describe no ellipsoid or no shift.
+    /// The datum of the map's coordinates; drops a pending grid and what names it. ValueNotFinite for numbers
+    /// that are none, UnknownDatum for numbers that describe no ellipsoid or no shift.
     virtual void SetMapDatum(const QuorvantDatum::Numbers& datum) = 0;
     /// The grid of the map's easting/northing coordinates: two integers, then seven doubles. ValueNotFinite,
     /// UnknownGrid, UnknownZone.
@@ -53,6 +55,15 @@ public:
     /// decimal string, for display only; without a grid they are not kept.
     virtual void SetGridIdentifier(std::int32_t identifier) = 0;
     virtual void SetZone(const std::string& zone) = 0;
+    /// What a registry calls datum and grid. InvalidArgument for a shift that is unknown and yet named.
+    /// A scaling refuses an unknown shift (InvalidArgument) unless its datum is an ellipsoid alone.
+    virtual void SetSystemIdentity(const SystemIdentity& system) = 0;
+    /// What the scaling was made from, where it is fitted to more points than define it, or to parts of
+    /// pixels. ValueNotFinite; InvalidArgument for more than MostMeasuredPoints.
+    virtual void SetEnteredPoints(const std::vector<MeasuredPoint>& points) = 0;
+    /// Points to compare the scaling with. ValueNotFinite; InvalidArgument for more than MostCheckSets, or
+    /// one of more than MostMeasuredPoints.
+    virtual void SetCheckSets(const std::vector<CheckSet>& sets) = 0;
     /// Affine scaling through three points. PointsOnALine, ValueNotFinite.
     virtual void SetScalingThreePoints(const ReferencePoint& first, const ReferencePoint& second,
                                        const ReferencePoint& third) = 0;
@@ -73,7 +84,8 @@ public:
     /// The inverse. MapNotScaled, OutsideArea.
     virtual PixelPosition WorldToPixel(const WorldPosition& world) const = 0;
     /// The map's own coordinate as WGS84 longitude/latitude, and back, through the datum's nine numbers.
-    /// A map without a datum is taken as WGS84. OutsideArea.
+    /// A map without a datum is taken as WGS84. OutsideArea; ShiftUnknown where nobody knows the shift,
+    /// ProjectionNotComputed for a grid of a file whose method this program does not compute.
     virtual LonLat WorldToWgs84(const WorldPosition& world) const = 0;
     virtual WorldPosition Wgs84ToWorld(const LonLat& position) const = 0;
 

@@ -3,6 +3,7 @@
 #include "coordinates/QuorvantDatum.h"
 #include "coordinates/QuorvantGrid.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -33,6 +34,45 @@ struct ReferencePoint {
     bool operator==(const ReferencePoint&) const = default;
 };
 
+/// A place whose coordinate is known, as it was entered or measured: as a ReferencePoint, but the pixel may
+/// be a part of one, and somebody may have given it a name.
+struct MeasuredPoint {
+    double x = 0;
+    double y = 0;
+    double pixelX = 0;
+    double pixelY = 0;
+    std::string label;
+
+    bool operator==(const MeasuredPoint&) const = default;
+};
+
+/// Points that no scaling was made from, to compare it with.
+struct CheckSet {
+    std::string name;
+    std::vector<MeasuredPoint> points;
+
+    bool operator==(const CheckSet&) const = default;
+};
+
+/// What a registry calls a map's coordinate system and the shift to WGS84 whose numbers its datum has. All
+/// texts may be empty: nobody said.
+struct SystemIdentity {
+    std::string code; ///< "EPSG:25832"
+    std::string name; ///< "ETRS89 / UTM zone 32N"
+    std::string shiftCode;
+    std::string shiftName;
+    double shiftAccuracy = 0; ///< metres; 0 where it is not known
+    /// Nobody knows the way to WGS84: the datum is an ellipsoid alone, its seven other numbers are 0 and no
+    /// shift is named. Without this flag zeros mean a datum that does not differ from WGS84.
+    bool shiftUnknown = false;
+
+    bool operator==(const SystemIdentity&) const = default;
+};
+
+/// A map has at most so many points as entered, and each of its check sets so many.
+inline constexpr std::size_t MostMeasuredPoints = 65536;
+inline constexpr std::size_t MostCheckSets = 256;
+
 /// An affine map as six numbers: X = a·px + b·py + c, Y = d·px + e·py + f.
 struct Affine {
     double a = 0, b = 0, c = 0;
@@ -55,6 +95,10 @@ struct Georeference {
     std::string zone;                ///< the zone as a decimal string, empty where there is none
     ScalingKind kind = ScalingKind::None;
     std::vector<ReferencePoint> points; ///< three for Linear, four for Polar
+    SystemIdentity system;              ///< of the datum and the grid
+    /// What the scaling was made from, where that is not `points` themselves.
+    std::vector<MeasuredPoint> entered;
+    std::vector<CheckSet> checks;
 
     bool operator==(const Georeference&) const = default;
 };

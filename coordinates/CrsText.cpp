@@ -34,16 +34,15 @@ std::string DatumText(const QuorvantDatum& datum) {
     return EllipsoidText(datum) + (HasShift(datum) ? ShiftText(datum) : "");
 }
 
-/// Empty for a grid that PROJ cannot describe.
-std::string CrsDescription(const QuorvantDatum& datum, const std::optional<GridNumbers>& grid) {
-    RequireUsable(datum);
+/// Empty for a grid that PROJ cannot describe. `datumText` describes the datum.
+std::string CrsDescription(const std::string& datumText, const std::optional<GridNumbers>& grid) {
     if (!grid)
-        return "+proj=longlat" + DatumText(datum) + " +no_defs +type=crs";
+        return "+proj=longlat" + datumText + " +no_defs +type=crs";
     RequireFinite(*grid);
     const std::string projection = ProjectionText(*grid);
     if (projection.empty())
         return {};
-    return projection + DatumText(datum) + " +units=m +no_defs +type=crs";
+    return projection + datumText + " +units=m +no_defs +type=crs";
 }
 
 /// What a system is called, and what it is in the registry.
@@ -189,20 +188,49 @@ CrsText TextOf(const CrsIdentity& identity, const std::string& wkt, bool project
     return {wkt, identity.name, identity.datum ? identity.datum->code : 0, identity.datum.has_value()};
 }
 
+/// `identity` gives the name of what the description describes, if it describes anything.
+template <typename Identity>
+CrsText Describe(const std::string& description, bool projected, const Identity& identity) {
+    if (description.empty())
+        return {};
+    const CrsIdentity found = identity();
+    const std::string wkt = WktOf(description, found);
+    return wkt.empty() ? CrsText() : TextOf(found, wkt, projected);
+}
+
+/// Numbers that describe no system have no text either, nor has what PROJ cannot describe though it made it.
+template <typename Description>
+CrsText TextOrNone(const Description& describe) {
+    try {
+        return describe();
+    } catch (const ComponentError&) {
+        return {};
+    } catch (const Json::exception&) {
+        return {};
+    }
+}
+
 } // namespace
 
 CrsText DescribeCrs(const QuorvantDatum& datum, const std::optional<GridNumbers>& grid,
                     std::int32_t gridIdentifier) {
-    try {
-        const std::string description = CrsDescription(datum, grid);
-        if (description.empty())
-            return {};
-        const CrsIdentity identity = IdentityOf(datum, grid, gridIdentifier);
-        const std::string wkt = WktOf(description, identity);
-        return wkt.empty() ? CrsText() : TextOf(identity, wkt, grid.has_value());
-    } catch (const ComponentError&) {
-        return {}; // numbers that describe no system have no text either
-    } catch (const Json::exception&) {
-        return {}; // PROJ could not describe what it made
-    }
+    return TextOrNone([&] {
+        RequireUsable(datum);
+        return Describe(CrsDescription(DatumText(datum), grid), grid.has_value(),
+                        [&] { return IdentityOf(datum, grid, gridIdentifier); });
+    });
+}
+
+CrsText DescribeUnboundCrs(const QuorvantDatum& datum, const std::optional<GridNumbers>& grid,
+                           const std::string& name) {
+    return TextOrNone([&] {
+        RequireUsable(datum);
+        CrsIdentity identity;
+        identity.datumName = "Unknown datum";
+        identity.name = !name.empty() ? name : grid ? "Custom grid" : identity.datumName;
+        if (!grid)
+            identity.datumName = identity.name;
+        return Describe(CrsDescription(EllipsoidText(datum), grid), grid.has_value(),
+                        [&] { return identity; });
+    });
 }

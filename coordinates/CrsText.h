@@ -24,6 +24,11 @@ struct CrsText {
     bool northFirst = false;
 };
 
+/// The same where nobody knows the shift to WGS84: the datum's ellipsoid alone, bound to nothing and with no
+/// code, as its numbers are those of many datums. `name` is what it is said to be, or empty.
+CrsText DescribeUnboundCrs(const QuorvantDatum& datum, const std::optional<GridNumbers>& grid,
+                           const std::string& name);
+
 /// `gridIdentifier` is what the grid was chosen by, 0 where only its numbers are known. Needs no proj.db.
 CrsText DescribeCrs(const QuorvantDatum& datum, const std::optional<GridNumbers>& grid,
                     std::int32_t gridIdentifier = 0);

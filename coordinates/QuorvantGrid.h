@@ -5,7 +5,8 @@
 #include <array>
 #include <cstdint>
 
-/// Projection methods, the first integer of a grid. The numbers stand in library files and never change.
+/// Projection methods that are computed, the first integer of a grid. The numbers stand in library files and
+/// never change; docs/atlavex-format.md reserves those that follow.
 enum class ProjectionMethod : std::int32_t {
     None = 0,
     TransverseMercator = 1,
@@ -15,6 +16,12 @@ enum class ProjectionMethod : std::int32_t {
     NewZealandMapGrid = 5,
     DanishSystem34 = 6,
 };
+
+/// Whether a method is one of those that the file format keeps room for and this program does not compute: a
+/// map in it is kept and shown, its coordinates are not converted.
+constexpr bool IsReserved(std::int32_t method) {
+    return method > static_cast<std::int32_t>(ProjectionMethod::DanishSystem34);
+}
 
 /// The bare numbers of a projected grid: two integers and seven doubles.
 struct GridNumbers {

@@ -4,8 +4,10 @@
 #include "component/library/PixelBands.h"
 #include "component/library/PixelImage.h"
 #include "component/render/TileExport.h"
+#include "component/scaling/ShiftRules.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <optional>
 #include <utility>
@@ -19,6 +21,40 @@ void RequireFinite(const Numbers& numbers, const char* what) {
     if (!std::all_of(numbers.begin(), numbers.end(), [](double number) { return std::isfinite(number); }))
         throw ComponentError(ErrorNumber::ValueNotFinite,
                              std::string("The numbers of the ") + what + " are not all finite.");
+}
+
+void RequireAtMost(std::size_t count, std::size_t most, const char* what) {
+    if (count > most)
+        throw ComponentError(ErrorNumber::InvalidArgument, "A map has at most " + std::to_string(most) + " " +
+                                                               what + ", not " + std::to_string(count) + ".");
+}
+
+void RequirePossible(const std::vector<MeasuredPoint>& points) {
+    RequireAtMost(points.size(), MostMeasuredPoints, "points in a list");
+    for (const MeasuredPoint& point : points)
+        RequireFinite(std::array{point.x, point.y, point.pixelX, point.pixelY}, "points");
+}
+
+void RequirePossible(const SystemIdentity& system) {
+    RequireFinite(std::array{system.shiftAccuracy}, "shift");
+    if (system.shiftAccuracy < 0)
+        throw ComponentError(ErrorNumber::InvalidArgument, "An accuracy is not below 0.");
+    if (!IsConsistent(system))
+        throw ComponentError(ErrorNumber::InvalidArgument, "A shift that is unknown has no name.");
+}
+
+void RequireUnshifted(const Georeference& georeference) {
+    if (georeference.system.shiftUnknown && !IsEllipsoidAlone(georeference.datum))
+        throw ComponentError(ErrorNumber::InvalidArgument,
+                             "A datum whose shift is unknown is an ellipsoid alone.");
+}
+
+/// What of a pending georeference belongs to no system.
+Georeference PointsOf(Georeference pending) {
+    Georeference points;
+    points.entered = std::move(pending.entered);
+    points.checks = std::move(pending.checks);
+    return points;
 }
 
 } // namespace
@@ -50,9 +86,10 @@ void MapObject::SetMapDatum(const QuorvantDatum::Numbers& datum) {
     WithPending([&](Georeference& pending) {
         RequireFinite(datum, "datum");
         const DatumShift usable{QuorvantDatum(datum)}; // refuses numbers that no conversion can use
-        // What names a grid goes with it; what was set for the grid that is yet to come stays.
+        // What names a grid goes with it; what was set for the grid that is yet to come stays, and so do
+        // points, which belong to none.
         if (pending.grid)
-            pending = {};
+            pending = PointsOf(std::move(pending));
         pending.datum = QuorvantDatum(datum);
     });
 }
@@ -75,6 +112,29 @@ void MapObject::SetZone(const std::string& zone) {
     WithPending([&](Georeference& pending) { pending.zone = zone; });
 }
 
+void MapObject::SetSystemIdentity(const SystemIdentity& system) {
+    WithPending([&](Georeference& pending) {
+        RequirePossible(system);
+        pending.system = system;
+    });
+}
+
+void MapObject::SetEnteredPoints(const std::vector<MeasuredPoint>& points) {
+    WithPending([&](Georeference& pending) {
+        RequirePossible(points);
+        pending.entered = points;
+    });
+}
+
+void MapObject::SetCheckSets(const std::vector<CheckSet>& sets) {
+    WithPending([&](Georeference& pending) {
+        RequireAtMost(sets.size(), MostCheckSets, "check sets");
+        for (const CheckSet& set : sets)
+            RequirePossible(set.points);
+        pending.checks = sets;
+    });
+}
+
 void MapObject::SetScaling(ScalingKind kind, std::initializer_list<ReferencePoint> points) {
     WithPending([&](Georeference& pending) {
         Georeference whole = pending;
@@ -82,6 +142,7 @@ void MapObject::SetScaling(ScalingKind kind, std::initializer_list<ReferencePoin
             whole.gridIdentifier = 0;
             whole.zone.clear();
         }
+        RequireUnshifted(whole);
         whole.kind = kind;
         whole.points = points;
         Converters converters;
@@ -114,6 +175,14 @@ MapObject::Converters& MapObject::WithScaling() const {
 MapObject::Converters& MapObject::WithDatum() const {
     const Georeference& georeference = Held().record.georeference;
     const QuorvantDatum datum = georeference.datum.value_or(QuorvantDatum());
+    if (georeference.system.shiftUnknown)
+        throw ComponentError(ErrorNumber::ShiftUnknown, "The shift from the coordinates of the map '" +
+                                                            Name() + "' to WGS84 is unknown.");
+    if (georeference.grid && IsReserved(georeference.grid->method))
+        throw ComponentError(ErrorNumber::ProjectionNotComputed,
+                             "The grid of the map '" + Name() + "' has projection method " +
+                                 std::to_string(georeference.grid->method) +
+                                 ", which this program does not compute.");
     if (!converters_.shift)
         converters_.shift = std::make_unique<DatumShift>(datum);
     if (georeference.grid && !converters_.projection)

@@ -1,9 +1,9 @@
 #include "component/render/MapDescription.h"
 
 #include "component/render/ExportText.h"
+#include "component/render/PlaceText.h"
 #include "component/render/Wgs84Bounds.h"
 #include "component/scaling/Scaling.h"
-#include "coordinates/CrsText.h"
 #include "coordinates/SystemNames.h"
 
 #include <nlohmann/json.hpp>
@@ -30,15 +30,22 @@ Json DescribeLevels(const PyramidLayout& layout) {
 }
 
 SystemNames NamesOf(const Georeference& georeference) {
+    // The numbers of an ellipsoid alone are those of many datums that do not differ from WGS84.
+    if (georeference.system.shiftUnknown)
+        return {};
     return ::NamesOf(georeference.datum, georeference.grid, georeference.gridIdentifier);
 }
 
 Json DescribeDatum(const Georeference& georeference) {
     constexpr std::array names = {"SemiMajorAxis", "e2",   "DeltaX", "DeltaY",     "DeltaZ",
                                   "RotX",          "RotY", "RotZ",   "ScaleFactor"};
+    constexpr std::size_t ellipsoid = 2;
     Json numbers;
     for (std::size_t i = 0; i < names.size(); ++i)
-        numbers[names[i]] = georeference.datum->AsNumbers()[i];
+        if (i < ellipsoid || !georeference.system.shiftUnknown)
+            numbers[names[i]] = georeference.datum->AsNumbers()[i];
+        else
+            numbers[names[i]] = nullptr;
     numbers["name"] = NamesOf(georeference).DatumName();
     return numbers;
 }
@@ -63,6 +70,36 @@ Json DescribePoints(const Georeference& georeference) {
     return points;
 }
 
+Json DescribePoints(const std::vector<MeasuredPoint>& measured) {
+    Json points = Json::array();
+    for (const MeasuredPoint& point : measured)
+        points.push_back({{"x", point.x},
+                          {"y", point.y},
+                          {"pixelX", point.pixelX},
+                          {"pixelY", point.pixelY},
+                          {"label", ValidUtf8(point.label)}});
+    return points;
+}
+
+Json DescribeChecks(const Georeference& georeference) {
+    Json sets = Json::array();
+    for (const CheckSet& set : georeference.checks)
+        sets.push_back({{"name", ValidUtf8(set.name)}, {"points", DescribePoints(set.points)}});
+    return sets;
+}
+
+/// What a registry calls the system; the accuracy is null where it is not known.
+Json DescribeSystem(const SystemIdentity& system) {
+    if (system == SystemIdentity())
+        return nullptr;
+    return {{"code", ValidUtf8(system.code)},
+            {"name", ValidUtf8(system.name)},
+            {"shiftCode", ValidUtf8(system.shiftCode)},
+            {"shiftName", ValidUtf8(system.shiftName)},
+            {"shiftAccuracy", system.shiftAccuracy > 0 ? Json(system.shiftAccuracy) : Json(nullptr)},
+            {"shiftUnknown", system.shiftUnknown}};
+}
+
 /// X = a·px + b·py + c and Y = d·px + e·py + f, in this order; null where the scaling is not linear.
 Json DescribeAffine(const Georeference& georeference) {
     if (georeference.kind != ScalingKind::Linear)
@@ -78,16 +115,12 @@ Json DescribeGeoreference(const Georeference& georeference) {
             {"coordinates", georeference.grid ? "easting-northing" : "longitude-latitude"},
             {"pixelRule", "whole numbers are pixel centres, (0, 0) is the upper left pixel"},
             {"points", DescribePoints(georeference)},
+            {"enteredPoints", DescribePoints(georeference.entered)},
+            {"checkSets", DescribeChecks(georeference)},
+            {"system", DescribeSystem(georeference.system)},
             {"affine", DescribeAffine(georeference)},
             {"datum", georeference.datum ? DescribeDatum(georeference) : Json(nullptr)},
             {"grid", georeference.grid ? DescribeGrid(georeference) : Json(nullptr)}};
-}
-
-CrsText CrsOf(const Georeference& georeference) {
-    if (georeference.kind == ScalingKind::None)
-        return {};
-    return DescribeCrs(georeference.datum.value_or(QuorvantDatum()), georeference.grid,
-                       georeference.gridIdentifier);
 }
 
 Json DescribeBounds(const ExportedMap& map) {

@@ -4,7 +4,6 @@
 #include "base/NumberText.h"
 #include "component/render/ExportText.h"
 #include "component/scaling/Scaling.h"
-#include "coordinates/CrsText.h"
 
 #include <cmath>
 #include <optional>
@@ -65,12 +64,20 @@ std::string ControlPointList(const ExportedMap& map, const CrsText& crs) {
 
 } // namespace
 
+CrsText CrsOf(const Georeference& georeference) {
+    if (georeference.kind == ScalingKind::None)
+        return {};
+    const QuorvantDatum datum = georeference.datum.value_or(QuorvantDatum());
+    return georeference.system.shiftUnknown
+               ? DescribeUnboundCrs(datum, georeference.grid, ValidUtf8(georeference.system.name))
+               : DescribeCrs(datum, georeference.grid, georeference.gridIdentifier);
+}
+
 std::string PlaceText(const ExportedMap& map) {
     const Georeference& georeference = map.georeference;
     if (georeference.kind == ScalingKind::None)
         return {};
-    const CrsText crs = DescribeCrs(georeference.datum.value_or(QuorvantDatum()), georeference.grid,
-                                    georeference.gridIdentifier);
+    const CrsText crs = CrsOf(georeference);
     if (georeference.kind == ScalingKind::Polar)
         return ControlPointList(map, crs);
     const std::string place = Geotransform(georeference);

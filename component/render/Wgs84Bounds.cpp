@@ -68,7 +68,8 @@ double PlaceAt(int i, std::int32_t size) {
 } // namespace
 
 std::optional<Wgs84Bounds> BoundsOf(const PyramidLayout& layout, const Georeference& georeference) {
-    if (georeference.kind == ScalingKind::None)
+    const bool reserved = georeference.grid && IsReserved(georeference.grid->method);
+    if (georeference.kind == ScalingKind::None || georeference.system.shiftUnknown || reserved)
         return std::nullopt;
     const ToWgs84 convert(georeference);
     GrowingBounds bounds;

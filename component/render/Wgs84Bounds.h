@@ -15,5 +15,6 @@ struct Wgs84Bounds {
 };
 
 /// The bounds of the whole map, its outermost pixels' outer edges included; nothing where no place of the map
-/// has a WGS84 position. A map without a datum is taken as WGS84.
+/// has a WGS84 position, where the shift to it is unknown and where the grid's method is not computed. A map
+/// without a datum is taken as WGS84.
 std::optional<Wgs84Bounds> BoundsOf(const PyramidLayout& layout, const Georeference& georeference);

@@ -43,7 +43,7 @@ std::shared_ptr<const Envelope> Envelope::Sealed(const std::string& key, const K
     FileHeader header;
     header.sealed = true;
     envelope->Describe(header);
-    envelope->wrapped_ = WrapDataKey(dataKey, derived, ByteSpan(header.Encode()).first(FileHeader::HeadSize));
+    envelope->wrapped_ = WrapDataKey(dataKey, derived, header.BoundHead());
     envelope->keys_ = MakeKeys(std::move(derived), dataKey);
     return envelope;
 }
@@ -65,9 +65,8 @@ std::shared_ptr<const Envelope> Envelope::Of(const FileHeader& header, ByteSpan 
     if (!EqualInConstantTime(KeyedHash(headerBytes, derived.mac), mac))
         return nullptr;
     Secret dataKey(32);
-    ByteReader::Require(
-        UnwrapDataKey(header.wrapped, derived, headerBytes.first(FileHeader::HeadSize), dataKey),
-        "its data key does not open");
+    ByteReader::Require(UnwrapDataKey(header.wrapped, derived, header.BoundHead(), dataKey),
+                        "its data key does not open");
     envelope->keys_ = MakeKeys(std::move(derived), dataKey);
     return envelope;
 }
@@ -78,7 +77,7 @@ const Secret& Envelope::KeyFor(BlobKind kind) const {
 
 Bytes Envelope::BoundData(BlobKind kind, std::int64_t number) const {
     ByteWriter writer;
-    writer.Integer(FormatVersion);
+    writer.Integer(SealingVersion);
     writer.Raw(id_);
     writer.Integer(static_cast<std::uint8_t>(kind));
     writer.Integer(number);

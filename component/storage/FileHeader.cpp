@@ -29,6 +29,14 @@ Bytes FileHeader::Encode() const {
     return writer.Written();
 }
 
+Bytes FileHeader::BoundHead() const {
+    FileHeader bound = *this;
+    bound.version = SealingVersion;
+    Bytes head = bound.Encode();
+    head.resize(HeadSize);
+    return head;
+}
+
 FileHeader FileHeader::Decode(ByteSpan bytes) {
     ByteReader reader(bytes);
     FileHeader header;

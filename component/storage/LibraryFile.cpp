@@ -94,6 +94,8 @@ LibraryFile::LibraryFile(std::filesystem::path path, std::unique_ptr<Database> d
 }
 
 void LibraryFile::ReadHeader() {
+    // The first page and the header are of one moment: a save may change the version of both.
+    const ReadTransaction reading(*opening_);
     row_ = ReadHeaderRow(*opening_);
     header_ = DecodeHeader(*opening_, row_);
 }
@@ -163,7 +165,9 @@ LibraryFile::HeaderRow LibraryFile::ReadHeaderRow(Database& database) {
 FileHeader LibraryFile::DecodeHeader(Database& database, const HeaderRow& row) {
     try {
         const FileHeader header = FileHeader::Decode(row.header);
-        if (header.version != FormatVersion)
+        const std::int64_t version = database.Number("PRAGMA user_version");
+        RequireKnownVersion(database, version); // it may have changed since the file was looked at first
+        if (header.version != version)
             database.Damaged("its header names another format version");
         return header;
     } catch (const MalformedRecord& malformed) {
@@ -237,6 +241,8 @@ LibraryState LibraryFile::DecodeState() {
     if (state.maps.size() != static_cast<std::size_t>(header_.mapCount) ||
         state.icons.size() != static_cast<std::size_t>(header_.iconCount))
         GetDatabase().Damaged("its counts are not those of its header");
+    if (header_.version != FormatVersionOf(state))
+        GetDatabase().Damaged("its header names another format version than its maps need");
     if (LargestNumberIn(state) >= header_.nextNumber)
         GetDatabase().Damaged("it uses numbers that its header calls unused");
     return state;

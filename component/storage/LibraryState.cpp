@@ -1,8 +1,16 @@
 #include "component/storage/LibraryState.h"
 
 #include "component/storage/ByteCodec.h"
+#include "component/storage/FileHeader.h"
 
 #include <algorithm>
+
+std::uint32_t FormatVersionOf(const LibraryState& state) {
+    std::uint32_t version = FirstFormatVersion;
+    for (const auto& map : state.maps)
+        version = std::max(version, std::uint32_t{map->record.Version()});
+    return version;
+}
 
 std::string MetadataValue(const MetadataList& metadata, const std::string& key) {
     const auto found = std::find_if(metadata.begin(), metadata.end(),

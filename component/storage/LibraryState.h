@@ -34,6 +34,9 @@ struct LibraryState {
     std::vector<std::shared_ptr<IconState>> icons;
 };
 
+/// The version of a file that holds these maps.
+std::uint32_t FormatVersionOf(const LibraryState& state);
+
 /// The value of a key, empty when it is absent.
 std::string MetadataValue(const MetadataList& metadata, const std::string& key);
 

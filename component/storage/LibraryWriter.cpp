@@ -150,8 +150,17 @@ void LibraryWriter::WriteRecord(const RecordKey& key, ByteSpan plain) {
     records_[key] = {closed.digest, content};
 }
 
+/// In the file's first page, which the transaction covers as it does everything else.
+void LibraryWriter::WriteVersion(std::uint32_t version) {
+    Database& database = target_->GetDatabase();
+    if (database.Number("PRAGMA user_version") != version)
+        database.Execute(("PRAGMA user_version=" + std::to_string(version)).c_str());
+}
+
 void LibraryWriter::WriteHeader(FileHeader& header) {
     target_->GetEnvelope().Describe(header);
+    header.version = FormatVersionOf(state_);
+    WriteVersion(header.version);
     header.nextNumber = numbers_.Next();
     header.mapCount = static_cast<std::int32_t>(state_.maps.size());
     header.iconCount = static_cast<std::int32_t>(state_.icons.size());

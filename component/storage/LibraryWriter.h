@@ -38,7 +38,7 @@ public:
 
     /// Work that Write adds to the progress: tiles to copy and records to look at.
     std::int64_t Work() const;
-    /// `header` comes with its generation; next number, counts, root and description are filled in.
+    /// `header` comes with its generation; version, next number, counts, root and description are filled in.
     void Write(FileHeader& header, Progress& progress);
 
     const RecordTable& Records() const { return records_; }
@@ -53,6 +53,7 @@ private:
     void WriteMap(const std::shared_ptr<MapState>& map, Progress& progress);
     void WriteIcon(const std::shared_ptr<IconState>& icon);
     void WriteRecord(const RecordKey& key, ByteSpan plain);
+    void WriteVersion(std::uint32_t version);
     void WriteHeader(FileHeader& header);
 
     std::shared_ptr<Container> target_;

@@ -3,6 +3,7 @@
 #include "base/ComponentError.h"
 #include "component/scaling/Scaling.h"
 #include "component/storage/ByteCodec.h"
+#include "component/storage/MapParticulars.h"
 
 #include <cmath>
 #include <set>
@@ -10,6 +11,7 @@
 namespace {
 
 constexpr std::uint8_t RecordVersion = 1;
+constexpr std::uint8_t MapRecordWithParticulars = 2;
 
 void Require(bool holds, const char* reason) {
     ByteReader::Require(holds, reason);
@@ -93,16 +95,18 @@ std::size_t PointsOf(std::uint8_t kind) {
     throw MalformedRecord("its scaling is of an unknown kind");
 }
 
-GridNumbers ReadGrid(ByteReader& reader) {
+GridNumbers ReadGrid(ByteReader& reader, std::uint8_t version) {
     GridNumbers grid;
     grid.method = reader.Integer<std::int32_t>();
+    Require(version > RecordVersion || !IsReserved(grid.method),
+            "its projection method is none of its record's version");
     grid.zone = reader.Integer<std::int32_t>();
     for (double& number : grid.values)
         number = FiniteDouble(reader);
     return grid;
 }
 
-Georeference ReadGeoreference(ByteReader& reader) {
+Georeference ReadGeoreference(ByteReader& reader, std::uint8_t version) {
     Georeference georeference;
     if (reader.Flag()) {
         QuorvantDatum::Numbers numbers{};
@@ -111,7 +115,7 @@ Georeference ReadGeoreference(ByteReader& reader) {
         georeference.datum = QuorvantDatum(numbers);
     }
     if (reader.Flag())
-        georeference.grid = ReadGrid(reader);
+        georeference.grid = ReadGrid(reader, version);
     georeference.gridIdentifier = reader.Integer<std::int32_t>();
     georeference.zone = reader.Text();
     const auto kind = reader.Integer<std::uint8_t>();
@@ -156,9 +160,13 @@ PyramidLayout CheckedLayout(const MapRecord& record) {
 
 } // namespace
 
+std::uint8_t MapRecord::Version() const {
+    return RecordVersionFor(georeference);
+}
+
 Bytes MapRecord::Encode() const {
     ByteWriter writer;
-    writer.Integer(RecordVersion);
+    writer.Integer(Version());
     writer.Text(name);
     writer.Text(identifier);
     writer.Integer(static_cast<std::uint8_t>(format));
@@ -172,12 +180,16 @@ Bytes MapRecord::Encode() const {
         writer.Integer(page.number);
         writer.Raw(page.digest);
     }
+    if (Version() == MapRecordWithParticulars)
+        WriteParticulars(writer, georeference);
     return writer.Written();
 }
 
 MapRecord MapRecord::Decode(ByteSpan bytes) {
     ByteReader reader(bytes);
-    Require(reader.Integer<std::uint8_t>() == RecordVersion, "its record is of an unknown version");
+    const auto version = reader.Integer<std::uint8_t>();
+    Require(version == RecordVersion || version == MapRecordWithParticulars,
+            "its record is of an unknown version");
     MapRecord record;
     record.name = reader.Text();
     record.identifier = reader.Text();
@@ -187,8 +199,10 @@ MapRecord MapRecord::Decode(ByteSpan bytes) {
     record.palette = ReadPalette(reader, record.format);
     record.zoom = FiniteDouble(reader);
     Require(record.zoom > 0, "its zoom is not positive");
-    record.georeference = ReadGeoreference(reader);
+    record.georeference = ReadGeoreference(reader, version);
     record.pages = ReadPages(reader, PagesFor(CheckedLayout(record).Entries()));
+    if (version == MapRecordWithParticulars)
+        ReadParticulars(reader, record.georeference);
     reader.End();
     return record;
 }

@@ -56,6 +56,8 @@ struct MapRecord {
 
     bool operator==(const MapRecord&) const = default;
 
+    /// Of the record as it is encoded: 1, or 2 where that holds not all of it.
+    std::uint8_t Version() const;
     PyramidLayout Layout() const { return {width, height, tileWidth, tileHeight}; }
     Bytes Encode() const;
     /// Every number is checked. Throws MalformedRecord.

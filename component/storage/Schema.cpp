@@ -74,14 +74,7 @@ void CheckFirstBytes(const Database& database) {
         database.Damaged("it breaks off");
     if (BigEndian(start, 68, 4) != ApplicationId)
         NotALibrary(database);
-    const std::int64_t version = BigEndian(start, 60, 4);
-    if (version > FormatVersion)
-        throw ComponentError(ErrorNumber::NewerVersion,
-                             "The file '" + database.ShownName() + "' has format version " +
-                                 std::to_string(version) + "; this program reads versions up to " +
-                                 std::to_string(FormatVersion) + ".");
-    if (version < 1)
-        database.Damaged("its format version is impossible");
+    RequireKnownVersion(database, BigEndian(start, 60, 4));
     for (const HeaderField& field : FixedFields)
         if (BigEndian(start, field.offset, field.length) != field.value)
             database.Damaged("its first page is not that of a map library");
@@ -113,8 +106,9 @@ std::int64_t FirstOr(std::int64_t other, Database& database, const std::string& 
 } // namespace
 
 void CreateLibrarySchema(Database& database) {
-    database.Execute(("PRAGMA page_size=" + std::to_string(PageSize) + ";PRAGMA application_id=" +
-                      std::to_string(ApplicationId) + ";PRAGMA user_version=" + std::to_string(FormatVersion))
+    database.Execute(("PRAGMA page_size=" + std::to_string(PageSize) +
+                      ";PRAGMA application_id=" + std::to_string(ApplicationId) +
+                      ";PRAGMA user_version=" + std::to_string(FirstFormatVersion))
                          .c_str());
     for (const TableText& table : Tables)
         database.Execute(table.sql);
@@ -126,6 +120,16 @@ void CreateScratchSchema(Database& database) {
         ("PRAGMA page_size=" + std::to_string(ScratchPageSize) + ";PRAGMA auto_vacuum=INCREMENTAL").c_str());
     database.Execute(Tables[4].sql);
     database.Execute(Tables[5].sql);
+}
+
+void RequireKnownVersion(const Database& database, std::int64_t version) {
+    if (version > NewestFormatVersion)
+        throw ComponentError(ErrorNumber::NewerVersion,
+                             "The file '" + database.ShownName() + "' has format version " +
+                                 std::to_string(version) + "; this program reads versions up to " +
+                                 std::to_string(NewestFormatVersion) + ".");
+    if (version < FirstFormatVersion)
+        database.Damaged("its format version is impossible");
 }
 
 void CheckLibraryFile(Database& database) {

@@ -14,6 +14,9 @@ void CreateScratchSchema(Database& database);
 /// before anything in it is believed. Throws NotALibrary, NewerVersion, FileDamaged, or an I/O error.
 void CheckLibraryFile(Database& database);
 
+/// Throws NewerVersion, or FileDamaged for a format version that there never was.
+void RequireKnownVersion(const Database& database, std::int64_t version);
+
 /// The smallest and the largest number that a row of a library has; 1 and 0 when there is none.
 struct UsedNumbers {
     std::int64_t smallest = 1;

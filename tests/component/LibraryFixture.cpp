@@ -186,6 +186,27 @@ LibraryContent LibraryTest::SaveRichLibrary(const std::string& file, const std::
     return content;
 }
 
+void LibraryTest::GiveParticulars(AtlavexMap& map) {
+    map.SetMapDatum(SomeDatum);
+    map.SetMapGrid(1, 32, SomeGrid);
+    map.SetSystemIdentity(
+        {"EPSG:23032", "ED50 / UTM zone 32N", "EPSG:1612", "ED50 to WGS 84 (23)", 2.5, false});
+    map.SetEnteredPoints({{500000.25, 6000000, 0.5, 0, "north-west"},
+                          {500000, 5990000, -3.125, 199, ""},
+                          {510000, 6000000, 299, 1e9, std::string("\0\xff", 2)},
+                          {510000, 5990000, 297, 198.75, "S\u00fcd-Ost"}});
+    map.SetCheckSets({{"towers", {{505000, 5995000, 150.25, 100.5, "mill"}}},
+                      {"", {}},
+                      {"corners", {{1, 2, 3, 4, ""}, {5, 6, 7, 8, ""}}}});
+    map.SetScalingThreePoints({500000, 6000000, 0, 0}, {510000, 6000000, 299, 0}, {500000, 5990000, 0, 199});
+}
+
+void LibraryTest::GiveUnknownShift(AtlavexMap& map) {
+    map.SetMapDatum({6377397.155, 0.006674372231802145, 0, 0, 0, 0, 0, 0, 0});
+    map.SetSystemIdentity({"", "Bessel, local", "", "", 0, true});
+    map.SetScalingThreePoints({10, 50, 0, 0}, {11, 50.1, 128, 0}, {10, 49, 0, 64});
+}
+
 void LibraryTest::ExpectHolds(const std::string& file, const std::string& key,
                               const LibraryContent& content) const {
     const auto library = Open(file, key);

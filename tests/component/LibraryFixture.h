@@ -110,6 +110,10 @@ protected:
     void FillRichly(AtlavexLibrary& library);
     /// The same, saved; gives the content.
     LibraryContent SaveRichLibrary(const std::string& file, const std::string& key = {});
+    /// Scales the map linearly, with all that only files of version 2 hold.
+    static void GiveParticulars(AtlavexMap& map);
+    /// Scales it so that nothing is known of its place in WGS84.
+    static void GiveUnknownShift(AtlavexMap& map);
 
     /// Expects that the file opens under the key, is whole and holds the content.
     void ExpectHolds(const std::string& file, const std::string& key, const LibraryContent& content) const;

@@ -110,6 +110,18 @@ protected:
         EXPECT_THAT(Findings(), IsEmpty());
         EXPECT_EQ(ContentOf(*library_), content);
     }
+    /// The first map in a grid of Cassini-Soldner, in a file that says this version of itself.
+    void PutMapOfAnotherMethod(std::uint32_t version) const {
+        Forger forger(file_);
+        forger.Header().version = version;
+        forger.Run("PRAGMA user_version = " + std::to_string(version));
+        MapRecord map = forger.Map(first_);
+        map.georeference = {};
+        map.georeference.grid = GridNumbers{16, 0, {52.4, 13.6, 1, 40000, 10000, 0, 0}};
+        map.georeference.kind = ScalingKind::Linear;
+        map.georeference.points = {{25000, 20000, 0, 0}, {25100, 20000, 100, 0}, {25000, 19900, 0, 100}};
+        forger.PutMap(first_, map);
+    }
     /// Another picture in the place of the first map's last tile.
     void PutTile(const std::vector<std::uint8_t>& png) {
         Forger forger(file_);
@@ -182,6 +194,67 @@ TEST_F(ForgedFiles, OneStepBeforeTheEndOfTheirGenerationsAreNotSavedBeyondIt) {
     EXPECT_THROW(library_->SaveToFile((folder_ / "other.Atlavex").string(), ""), ComponentError);
     EXPECT_EQ(ReadWholeFile(file_), bytes);
     Load();
+}
+
+TEST_F(ForgedFiles, OfAVersionThatTheirMapsDoNotNeedAreRefused) {
+    {
+        Forger forger(file_);
+        forger.Header().version = 2;
+        forger.Run("PRAGMA user_version = 2");
+    }
+    ExpectRefused("another format version than its maps need", "not the one that the maps need");
+}
+
+TEST_F(ForgedFiles, WithAMapThatNeedsALaterVersionAreRefused) {
+    PutMapOfAnotherMethod(1);
+    ExpectRefused("another format version than its maps need", "not the one that the maps need");
+}
+
+TEST_F(ForgedFiles, WhoseHeaderAndFirstPageHaveTwoVersionsAreRefused) {
+    PutMapOfAnotherMethod(2);
+    { Forger(file_).Header().version = 1; }
+    ExpectRefused("another format version", "the header names another format version");
+    {
+        Forger forger(file_);
+        forger.Header().version = 2;
+        forger.Run("PRAGMA user_version = 1");
+    }
+    ExpectRefused("another format version", "the header names another format version");
+}
+
+/// A grid whose projection is not computed: all but that is as with any other map.
+TEST_F(ForgedFiles, WithAMethodThatIsNotComputedAreKeptWhole) {
+    PutMapOfAnotherMethod(2);
+    Load();
+    EXPECT_THAT(Findings(), IsEmpty());
+    const auto map = library_->GetMap(library_->MapIdAt(1));
+    const Georeference georeference = map->MapGeoreference();
+    EXPECT_EQ(georeference.grid->method, 16);
+    std::shared_ptr<const AtlavexImage> view;
+    EXPECT_TRUE(map->RenderView(0, 0, 50, 50, view));
+    EXPECT_NEAR(map->PixelToWorld({100, 0}).x, 25100, 1e-6);
+    for (const auto& ask : {std::function<void()>([&] {
+                                map->WorldToWgs84({25000, 20000});
+                            }),
+                            std::function<void()>([&] {
+                                map->Wgs84ToWorld({13, 52});
+                            })})
+        try {
+            ask();
+            ADD_FAILURE() << "it was computed";
+        } catch (const ComponentError& error) {
+            EXPECT_EQ(error.Number(), ErrorNumber::ProjectionNotComputed);
+            EXPECT_THAT(error.Description(), HasSubstr("projection method 16, which"));
+        }
+    fs::create_directory(folder_ / "tiles");
+    map->ExportTiles((folder_ / "tiles").string(), ".png");
+    EXPECT_THAT(ReadWholeFile(folder_ / "tiles" / "tiles.json"), HasSubstr("\"boundsWgs84\": null"));
+    for (const std::string key : {"", "key"}) {
+        library_->SaveToFile((folder_ / ("other" + key)).string(), key);
+        library_->LoadFromFile((folder_ / ("other" + key)).string(), key);
+        EXPECT_EQ(library_->GetMap(library_->MapIdAt(1))->MapGeoreference(), georeference);
+    }
+    EXPECT_EQ(ReadBySecondReader(file_).status, 0);
 }
 
 TEST_F(ForgedFiles, WhoseMapsShareATileAreToldByVerify) {

@@ -14,6 +14,11 @@ TILE, PICTURE, PAGE, MAP, ICON, METADATA = 1, 2, 3, 4, 5, 6
 BLOB_KEY, RECORD_KEY, ROOT_KEY = 1, 2, 3
 
 
+def bound_head(header):
+    """What the wrapped key is bound to: the number of the sealing in the format version's place."""
+    return struct.pack("<I", 1) + header[4:48]
+
+
 def plain_digest(data):
     return xxhash.xxh3_128(data, seed=0).digest()
 

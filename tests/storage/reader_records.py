@@ -3,6 +3,8 @@
 import math
 import struct
 
+MOST_POINTS, MOST_SETS = 65536, 256
+LAST_FIRST_METHOD = 6
 GREY, PALETTE, RGB, RGBA = 1, 2, 3, 4
 CHANNELS = {GREY: 1, PALETTE: 1, RGB: 3, RGBA: 4}
 
@@ -56,11 +58,11 @@ def parse_header(data):
         cursor.number("B"),
         cursor.number("H"),
     )
-    header = {"sealed": sealed, "passes": cursor.number("I"), "memory": cursor.number("I")}
+    header = {"version": version, "sealed": sealed, "passes": cursor.number("I"), "memory": cursor.number("I")}
     header |= {"id": cursor.raw(16), "salt": cursor.raw(16), "wrapped": cursor.raw(72)}
     header |= {"generation": cursor.number("q"), "next": cursor.number("q")}
     header |= {"maps": cursor.number("i"), "icons": cursor.number("i"), "root": cursor.raw(32)}
-    require(version == 1 and zero == 0 and cursor.raw(8) == bytes(8), "the header is odd")
+    require(version in (1, 2) and zero == 0 and cursor.raw(8) == bytes(8), "the header is odd")
     cursor.end()
     require(0 <= header["generation"] <= 2**62 and 1 <= header["next"] <= 2**62, "a count is impossible")
     require(derivation == int(sealed), "the key derivation is unknown")
@@ -97,10 +99,42 @@ def parse_georeference(cursor):
     return result
 
 
+def parse_points(cursor):
+    count = cursor.number("I")
+    require(count <= MOST_POINTS, "a list has too many points")
+    return [[cursor.finite() for _ in range(4)] + [cursor.text().hex()] for _ in range(count)]
+
+
+def parse_particulars(cursor, datum):
+    flags = cursor.number("B")
+    require(flags in (0, 1), "a flag is unknown")
+    system = {"shiftUnknown": flags == 1}
+    for field in ("code", "name", "shiftCode", "shiftName"):
+        system[field] = cursor.text().hex()
+    system["shiftAccuracy"] = cursor.finite()
+    require(math.copysign(1, system["shiftAccuracy"]) > 0, "an accuracy is negative")
+    if flags:
+        named = system["shiftCode"] or system["shiftName"] or system["shiftAccuracy"]
+        require(not named, "an unknown shift is named")
+        require(datum is not None and not any(datum[2:]), "an unknown shift is given")
+    entered, count = parse_points(cursor), cursor.number("I")
+    require(count <= MOST_SETS, "there are too many check sets")
+    checks = [{"name": cursor.text().hex(), "points": parse_points(cursor)} for _ in range(count)]
+    return {"system": system, "entered": entered, "checks": checks}
+
+
+NO_PARTICULARS = {
+    "system": {"shiftUnknown": False, "code": "", "name": "", "shiftCode": "", "shiftName": "", "shiftAccuracy": 0},
+    "entered": [],
+    "checks": [],
+}
+
+
 def parse_map(data):
     cursor = Cursor(data)
-    require(cursor.number("B") == 1, "a map record is of an unknown version")
-    result = {"ownName": cursor.text(), "identifier": cursor.text().hex(), "format": cursor.number("B")}
+    version = cursor.number("B")
+    require(version in (1, 2), "a map record is of an unknown version")
+    result = {"version": version, "ownName": cursor.text(), "identifier": cursor.text().hex(), "format": cursor.number("B")}
     require(result["format"] in CHANNELS, "the pixel format is unknown")
     for field in ("width", "height", "tileWidth", "tileHeight"):
         result[field] = cursor.number("i")
@@ -115,6 +149,12 @@ def parse_map(data):
     result["georeference"] = parse_georeference(cursor)
     count = cursor.number("I")
     result["pages"] = [(cursor.number("q"), cursor.raw(16)) for _ in range(count)]
+    georeference = result["georeference"]
+    reserved = georeference["grid"] is not None and georeference["grid"]["method"] > LAST_FIRST_METHOD
+    require(version == 2 or not reserved, "a method is none of version 1")
+    particulars = parse_particulars(cursor, georeference["datum"]) if version == 2 else NO_PARTICULARS
+    require(version == 1 or reserved or particulars != NO_PARTICULARS, "a record needs no version 2")
+    georeference |= particulars
     cursor.end()
     return result
 

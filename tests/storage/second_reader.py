@@ -18,7 +18,17 @@ from pathlib import Path
 
 sys.dont_write_bytecode = True
 
-from reader_forms import ICON, MAP, METADATA, PAGE, PICTURE, TILE, PlainForm, SealedForm  # noqa: E402
+from reader_forms import (  # noqa: E402
+    ICON,
+    MAP,
+    METADATA,
+    PAGE,
+    PICTURE,
+    TILE,
+    PlainForm,
+    SealedForm,
+    bound_head,
+)
 from reader_journal import RolledBack  # noqa: E402
 from reader_records import (  # noqa: E402
     Cursor,
@@ -57,24 +67,26 @@ def check_first_page(data):
         int.from_bytes(data[68:72], "big"),
     )
     require(application == 0x41746C78, "no map library")
-    require(version <= 1, f"format version {version} is newer than this reader")
-    require(version == 1 and page_size == 8192 and data[18] == data[19] == 1, "the first page is odd")
+    require(version <= 2, f"format version {version} is newer than this reader")
+    require(version in (1, 2) and page_size == 8192 and data[18] == data[19] == 1, "the first page is odd")
     require(data[20:24] == bytes([0, 64, 32, 32]), "the first page is odd")
     for at, value in ((44, 4), (52, 0), (56, 1), (64, 0), (72, 0), (76, 0)):
         require(int.from_bytes(data[at : at + 4], "big") == value, "the first page is odd")
     require(int.from_bytes(data[28:32], "big") * 8192 == len(data), "the length is not what it says")
+    return version
 
 
 class Library:
     def __init__(self, file, key):
         self.whole = RolledBack(file)
-        check_first_page(self.whole.file.read_bytes())
+        version = check_first_page(self.whole.file.read_bytes())
         self.database = sqlite3.connect(f"{self.whole.file.resolve().as_uri()}?mode=ro", uri=True)
         self.database.text_factory = bytes
         self.check_schema()
         self.used = {"blob": set(), "tile_index": set()}
         self.owners = {}
         self.read_header(key)
+        require(self.header["version"] == version, "the header names another format version")
         self.read_records()
 
     def all(self, sql):
@@ -102,7 +114,7 @@ class Library:
         if not hmac.compare_digest(self.form.mac(data), mac):
             raise WrongKey if self.header["sealed"] else Damaged("the header does not match its digest")
         if self.header["sealed"]:
-            self.form.unwrap(self.header["wrapped"], data[:48])
+            self.form.unwrap(self.header["wrapped"], bound_head(data))
 
     def read_records(self):
         self.stored, pieces = {}, b""
@@ -179,14 +191,17 @@ class Library:
         return {"name": name.hex(), "metadata": [[key.hex(), value.hex()] for key, value in pairs]}
 
     def dump(self, folder):
-        result = {"sealed": self.header["sealed"], "maps": [], "icons": []}
+        result = {"version": self.header["version"], "sealed": self.header["sealed"], "maps": [], "icons": []}
+        needed = 1
         for position, number in enumerate(self.maps, 1):
             sheet = parse_map(self.record(MAP, number))
             (folder / f"map-{position}.raw").write_bytes(self.sheet_pixels(number, sheet).tobytes())
+            needed = max(needed, sheet.pop("version"))
             sheet["positions"] = positions(sheet)
             sheet |= self.describe_metadata(number, sheet.pop("ownName"))
             del sheet["pages"]
             result["maps"].append(sheet)
+        require(self.header["version"] == needed, "the format version is not the one that the maps need")
         for position, number in enumerate(self.icons, 1):
             icon = parse_icon(self.record(ICON, number))
             picture = icon.pop("picture")

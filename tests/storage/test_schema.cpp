@@ -115,10 +115,11 @@ TEST_F(OpeningLibraries, RefusesOtherDatabasesAndFiles) {
 }
 
 TEST_F(OpeningLibraries, RefusesANewerVersionByItsNumber) {
-    Tamper("PRAGMA user_version = 2");
+    Tamper("PRAGMA user_version = 3");
     Refusal refusal = Open();
     EXPECT_EQ(refusal.code, static_cast<int>(ErrorNumber::NewerVersion));
-    EXPECT_NE(refusal.description.find("version 2"), std::string::npos) << refusal.description;
+    EXPECT_NE(refusal.description.find("version 3; this program reads versions up to 2."), std::string::npos)
+        << refusal.description;
     Tamper("PRAGMA user_version = 2147483647");
     refusal = Open();
     EXPECT_EQ(refusal.code, static_cast<int>(ErrorNumber::NewerVersion));

@@ -26,6 +26,13 @@ Json MetadataAsJson(const std::vector<std::pair<std::string, std::string>>& meta
     return pairs;
 }
 
+Json PointsAsJson(const std::vector<MeasuredPoint>& points) {
+    Json json = Json::array();
+    for (const MeasuredPoint& point : points)
+        json.push_back({point.x, point.y, point.pixelX, point.pixelY, Hex(point.label)});
+    return json;
+}
+
 Json GeoreferenceAsJson(const Georeference& georeference) {
     Json json{{"datum", nullptr},
               {"grid", nullptr},
@@ -41,6 +48,17 @@ Json GeoreferenceAsJson(const Georeference& georeference) {
                         {"values", georeference.grid->values}};
     for (const ReferencePoint& point : georeference.points)
         json["points"].push_back({point.x, point.y, point.pixelX, point.pixelY});
+    const SystemIdentity& system = georeference.system;
+    json["system"] = {{"code", Hex(system.code)},
+                      {"name", Hex(system.name)},
+                      {"shiftCode", Hex(system.shiftCode)},
+                      {"shiftName", Hex(system.shiftName)},
+                      {"shiftAccuracy", system.shiftAccuracy},
+                      {"shiftUnknown", system.shiftUnknown}};
+    json["entered"] = PointsAsJson(georeference.entered);
+    json["checks"] = Json::array();
+    for (const CheckSet& set : georeference.checks)
+        json["checks"].push_back({{"name", Hex(set.name)}, {"points", PointsAsJson(set.points)}});
     return json;
 }
 
@@ -97,10 +115,14 @@ protected:
     }
 
     /// Expects that the second reader finds the content in the file.
-    void ExpectReads(const std::string& file, const std::string& key, const LibraryContent& content) const {
+    void ExpectReads(const std::string& file, const std::string& key, const LibraryContent& content,
+                     int version = 1) const {
         const ProgramResult result = Read(file, key);
         ASSERT_EQ(result.status, 0) << result.err;
-        Json expected{{"sealed", !key.empty()}, {"maps", Json::array()}, {"icons", Json::array()}};
+        Json expected{{"version", version},
+                      {"sealed", !key.empty()},
+                      {"maps", Json::array()},
+                      {"icons", Json::array()}};
         for (const MapContent& map : content.maps) {
             expected["maps"].push_back(MapAsJson(map));
             const std::string raw = "dump/map-" + std::to_string(expected["maps"].size()) + ".raw";
@@ -177,6 +199,27 @@ TEST_F(SecondReader, FindsWhatWasEditedMergedAndRemoved) {
         ExpectReads(file, key, ContentOf(*library));
         library->Compact();
         ExpectReads(file, key, ContentOf(*library));
+    }
+}
+
+TEST_F(SecondReader, FindsAllThatOnlyTheSecondVersionHolds) {
+    for (const std::string key : {"", "key"}) {
+        const std::string file = PathOf("lib.Atlavex");
+        std::filesystem::remove(file);
+        SaveRichLibrary(file, key);
+        const auto library = Open(file, key);
+        GiveParticulars(*MapAt(*library, 1));
+        library->SaveToFile(file, key);
+        ExpectReads(file, key, ContentOf(*library), 2);
+        GiveUnknownShift(*MapAt(*library, 2));
+        library->SaveToFile(file, key);
+        ExpectReads(file, key, ContentOf(*library), 2);
+        library->Compact();
+        ExpectReads(file, key, ContentOf(*library), 2);
+        library->RemoveMap(library->MapIdAt(1));
+        library->RemoveMap(library->MapIdAt(1));
+        library->SaveToFile(file, key);
+        ExpectReads(file, key, ContentOf(*library), 1);
     }
 }
 

@@ -72,6 +72,18 @@ void RecordingMap::SetZone(const std::string& zone) {
     Note("SetZone", zone);
 }
 
+void RecordingMap::SetSystemIdentity(const SystemIdentity& system) {
+    Note("SetSystemIdentity", system.code);
+}
+
+void RecordingMap::SetEnteredPoints(const std::vector<MeasuredPoint>& points) {
+    Note("SetEnteredPoints", std::to_string(points.size()));
+}
+
+void RecordingMap::SetCheckSets(const std::vector<CheckSet>& sets) {
+    Note("SetCheckSets", std::to_string(sets.size()));
+}
+
 void RecordingMap::SetScalingThreePoints(const ReferencePoint& first, const ReferencePoint& second,
                                          const ReferencePoint& third) {
     Note("SetScalingThreePoints", PointText(first) + ", " + PointText(second) + ", " + PointText(third));

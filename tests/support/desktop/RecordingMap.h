@@ -50,6 +50,9 @@ public:
     void SetMapGrid(std::int32_t method, std::int32_t zone, const std::array<double, 7>& values) override;
     void SetGridIdentifier(std::int32_t identifier) override;
     void SetZone(const std::string& zone) override;
+    void SetSystemIdentity(const SystemIdentity& system) override;
+    void SetEnteredPoints(const std::vector<MeasuredPoint>& points) override;
+    void SetCheckSets(const std::vector<CheckSet>& sets) override;
     void SetScalingThreePoints(const ReferencePoint& first, const ReferencePoint& second,
                                const ReferencePoint& third) override;
     void SetScalingCorners(const ReferencePoint& upperLeft, const ReferencePoint& lowerLeft,
