@@ -30,8 +30,10 @@ public:
         Statement(database_, sql).Bind(1, number).Bind(2, bytes).Run();
     }
     Digest DigestOf(ByteSpan bytes) const { return envelope_->DigestOf(bytes); }
-    void Finish() {
+    void Finish(std::uint32_t version) {
         FileHeader header;
+        header.version = version;
+        database_.Execute(("PRAGMA user_version=" + std::to_string(version)).c_str());
         envelope_->Describe(header);
         header.generation = 1;
         header.nextNumber = 100;
@@ -77,7 +79,7 @@ void Forge(const std::filesystem::path& file, ByteReader& input) {
     library.Record(BlobKind::MetadataRecord, IconNumber, "INSERT INTO metadata VALUES(?1, ?2)", metadata);
     library.Row(PageNumber, "INSERT INTO tile_index VALUES(?1, ?2)", page);
     library.Row(BlobNumber, "INSERT INTO blob VALUES(?1, ?2)", blob);
-    library.Finish();
+    library.Finish(map.Version());
 }
 
 void Show(AtlavexMap& map) {

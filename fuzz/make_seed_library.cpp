@@ -15,6 +15,11 @@ int main(int count, char** arguments) {
     const auto map = library->AddMapFromImageFile(arguments[2], "Sheet", 64, 64);
     map->SetMetadata("author", "Surveyor");
     map->SetScalingThreePoints({10, 50, 0, 0}, {11, 50, 40, 0}, {10, 49, 0, 30});
+    const auto fitted = library->AddMapFromImageFile(arguments[2], "Fitted", 64, 64);
+    fitted->SetSystemIdentity({"EPSG:4314", "DHDN", "EPSG:1777", "DHDN to WGS 84 (2)", 3, false});
+    fitted->SetEnteredPoints({{10, 50, 0.5, 0, "north"}, {11, 50, 40, 0, ""}});
+    fitted->SetCheckSets({{"towers", {{10.5, 49.5, 20, 15.25, "mill"}}}});
+    fitted->SetScalingThreePoints({10, 50, 0, 0}, {11, 50, 40, 0}, {10, 49, 0, 30});
     library->AddIconFromImageFile(arguments[2], "Mill");
     library->SaveToFile(arguments[1], arguments[3]);
     return 0;

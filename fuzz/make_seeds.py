@@ -85,7 +85,8 @@ def write_parts(library, seeds):
             (seeds / "records" / f"{kind}-{number}").write_bytes(bytes([kind]) + record)
     for number, blob in enumerate(blobs):
         (seeds / "tile" / f"{number}.png").write_bytes(blob)
-        parts = b"".join(struct.pack("<H", len(part)) + part for part in (maps[0], icons[0], metadata[0]))
+        record = maps[number % len(maps)]
+        parts = b"".join(struct.pack("<H", len(part)) + part for part in (record, icons[0], metadata[0]))
         (seeds / "contents" / str(number)).write_bytes(parts + blob)
 
 
