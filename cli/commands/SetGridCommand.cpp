@@ -11,9 +11,12 @@ struct SetGridOptions {
     SystemOptions system;
 };
 
-/// Scales the map by the points of the scaling that it had.
-void ScaleAsBefore(AtlavexMap& map, ScalingKind kind, const std::vector<ReferencePoint>& points) {
-    if (kind == ScalingKind::Polar)
+/// Scales the map by the points of the scaling that it had; what they were fitted to stays with them.
+void ScaleAsBefore(AtlavexMap& map, const Georeference& former) {
+    const std::vector<ReferencePoint>& points = former.points;
+    map.SetEnteredPoints(former.entered);
+    map.SetCheckSets(former.checks);
+    if (former.kind == ScalingKind::Polar)
         map.SetScalingCorners(points.at(0), points.at(1), points.at(2), points.at(3));
     else
         map.SetScalingThreePoints(points.at(0), points.at(1), points.at(2));
@@ -35,7 +38,7 @@ ExitStatus RunSetGrid(const SetGridOptions& options) {
         throw ComponentError(ErrorNumber::MapNotScaled,
                              "The map '" + map->Name() + "' has no points yet; atlavex scale gives it some.");
     system.ApplyTo(*map);
-    ScaleAsBefore(*map, former.kind, former.points);
+    ScaleAsBefore(*map, former);
     RequireDefinedAt(*map, former.points);
     StampLastChanged(*map);
     library.Save();

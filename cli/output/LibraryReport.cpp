@@ -17,6 +17,9 @@ Json MetadataAsJson(const Metadata& metadata) {
 }
 
 SystemNames NamesOf(const Georeference& georeference) {
+    // The numbers of an ellipsoid alone are those of many datums that do not differ from WGS84.
+    if (georeference.system.shiftUnknown)
+        return {};
     return ::NamesOf(georeference.datum, georeference.grid, georeference.gridIdentifier);
 }
 
@@ -30,18 +33,21 @@ Json DatumAsJson(const Georeference& georeference) {
         return nullptr;
     const QuorvantDatum& datum = *georeference.datum;
     const SystemNames names = NamesOf(georeference);
+    const auto shift = [&georeference](double number) {
+        return georeference.system.shiftUnknown ? Json(nullptr) : Json(number);
+    };
     return {{"name", names.DatumName()},
             {"names", names.DatumNames()},
             {"identifier", names.datums.size() == 1 ? names.datums.front() : 0},
             {"semiMajorAxis", datum.SemiMajorAxis()},
             {"e2", datum.e2()},
-            {"deltaX", datum.DeltaX()},
-            {"deltaY", datum.DeltaY()},
-            {"deltaZ", datum.DeltaZ()},
-            {"rotX", datum.RotX()},
-            {"rotY", datum.RotY()},
-            {"rotZ", datum.RotZ()},
-            {"scaleFactor", datum.ScaleFactor()}};
+            {"deltaX", shift(datum.DeltaX())},
+            {"deltaY", shift(datum.DeltaY())},
+            {"deltaZ", shift(datum.DeltaZ())},
+            {"rotX", shift(datum.RotX())},
+            {"rotY", shift(datum.RotY())},
+            {"rotZ", shift(datum.RotZ())},
+            {"scaleFactor", shift(datum.ScaleFactor())}};
 }
 
 Json GridAsJson(const Georeference& georeference) {
@@ -83,6 +89,36 @@ Json PointsAsJson(const Georeference& georeference) {
     return points;
 }
 
+/// The accuracy is null where it is not known.
+Json SystemAsJson(const SystemIdentity& system) {
+    if (system == SystemIdentity())
+        return nullptr;
+    return {{"code", system.code},
+            {"name", system.name},
+            {"shiftCode", system.shiftCode},
+            {"shiftName", system.shiftName},
+            {"shiftAccuracy", system.shiftAccuracy > 0 ? Json(system.shiftAccuracy) : Json(nullptr)},
+            {"shiftUnknown", system.shiftUnknown}};
+}
+
+Json PointsAsJson(const std::vector<MeasuredPoint>& measured) {
+    Json points = Json::array();
+    for (const MeasuredPoint& point : measured)
+        points.push_back({{"pixelX", point.pixelX},
+                          {"pixelY", point.pixelY},
+                          {"x", point.x},
+                          {"y", point.y},
+                          {"label", point.label}});
+    return points;
+}
+
+Json CheckSetsAsJson(const Georeference& georeference) {
+    Json sets = Json::array();
+    for (const CheckSet& set : georeference.checks)
+        sets.push_back({{"name", set.name}, {"points", PointsAsJson(set.points)}});
+    return sets;
+}
+
 Json MapAsJson(const AtlavexMap& map, std::int32_t position) {
     const PyramidLayout& layout = map.Layout();
     const Georeference& georeference = map.MapGeoreference();
@@ -99,7 +135,10 @@ Json MapAsJson(const AtlavexMap& map, std::int32_t position) {
             {"datum", DatumAsJson(georeference)},
             {"grid", GridAsJson(georeference)},
             {"zone", ZoneOf(georeference)},
+            {"system", SystemAsJson(georeference.system)},
             {"referencePoints", PointsAsJson(georeference)},
+            {"enteredPoints", PointsAsJson(georeference.entered)},
+            {"checkSets", CheckSetsAsJson(georeference)},
             {"metadata", MetadataAsJson(map)}};
 }
 
@@ -141,6 +180,36 @@ std::string PointsAsText(const Georeference& georeference) {
     return text;
 }
 
+std::string WithCode(const std::string& name, const std::string& code) {
+    return name.empty() || code.empty() ? name + code : name + " (" + code + ")";
+}
+
+std::string SystemAsText(const SystemIdentity& system) {
+    std::string text;
+    if (!system.code.empty() || !system.name.empty())
+        text += Line("system", WithCode(system.name, system.code));
+    std::string shift = system.shiftUnknown ? "unknown" : WithCode(system.shiftName, system.shiftCode);
+    if (system.shiftAccuracy > 0)
+        shift += (shift.empty() ? "good to " : ", good to ") + CoordinateText(system.shiftAccuracy) + " m";
+    return shift.empty() ? text : text + Line("shift to WGS84", shift);
+}
+
+std::string PointsAsText(const std::string& title, const std::vector<MeasuredPoint>& points) {
+    std::string text;
+    for (const MeasuredPoint& point : points)
+        text += Line(title, CoordinateText(point.pixelX) + "," + CoordinateText(point.pixelY) + "=" +
+                                CoordinateText(point.x) + "," + CoordinateText(point.y) +
+                                (point.label.empty() ? "" : " " + point.label));
+    return text;
+}
+
+std::string CheckSetsAsText(const Georeference& georeference) {
+    std::string text;
+    for (const CheckSet& set : georeference.checks)
+        text += PointsAsText(set.name.empty() ? "check" : "check (" + Printable(set.name) + ")", set.points);
+    return text;
+}
+
 std::string GeoreferenceAsText(const Georeference& georeference) {
     const SystemNames names = NamesOf(georeference);
     const std::string zone = ZoneOf(georeference);
@@ -151,7 +220,8 @@ std::string GeoreferenceAsText(const Georeference& georeference) {
         text += Line("zone", zone);
     if (georeference.datum)
         text += Line("datum", NameOrNumbers(names.DatumName()));
-    return text + PointsAsText(georeference);
+    return text + SystemAsText(georeference.system) + PointsAsText(georeference) +
+           PointsAsText("entered", georeference.entered) + CheckSetsAsText(georeference);
 }
 
 std::string MapAsText(const AtlavexMap& map, std::int32_t position) {
