@@ -5,14 +5,17 @@
 #include "cli/commands/ScalingOptions.h"
 #include "cli/commands/Selection.h"
 #include "cli/input/Arguments.h"
+#include "cli/output/Output.h"
 #include "component/ObjectTexts.h"
+
+#include <nlohmann/json.hpp>
 
 namespace {
 
 constexpr const char* ScalingUsage =
     "(--grid TEXT [--zone Z] | --datum TEXT)\n"
-    "         (--worldfile W | --point PX,PY=X,Y (3 times) | --corner PX,PY=X,Y (4 "
-    "times))";
+    "         (--worldfile W | --point PX,PY=X,Y (3 times or more) | --corner PX,PY=X,Y (4 times))\n"
+    "         [--check PX,PY=X,Y ...] [--max-residual PIXELS] [--json]";
 
 void AddScalingOptions(CLI::App& command, ScalingOptions& scaling, const std::string& worldfileHelp) {
     AddText(command, "--grid", "TEXT", scaling.system.grid,
@@ -28,11 +31,29 @@ void AddScalingOptions(CLI::App& command, ScalingOptions& scaling, const std::st
     AddText(command, "--worldfile", "W", scaling.worldfile, worldfileHelp);
     AddTexts(command, "--point", "PX,PY=X,Y", scaling.points,
              "A pixel (column, row from the upper left, 0,0 first) and its coordinate (easting,northing or "
-             "longitude,latitude); three times: 120,80=500000,6100000.");
+             "longitude,latitude); three times: 120,80=500000,6100000. More than three are fitted by least "
+             "squares, their pixels may be parts of one, and what each is off is printed.");
     AddTexts(command, "--corner", "PX,PY=X,Y", scaling.corners,
              "The same for the corners of a sheet whose meridians converge; four times: upper left, lower "
              "left, upper "
              "right, lower right.");
+    AddTexts(command, "--check", "PX,PY=X,Y", scaling.checks,
+             "A point that the scaling is only compared with; kept with the map. May be repeated.");
+    AddText(command, "--max-residual", "PIXELS", scaling.maxResidual,
+            "Refuse a scaling that puts one of more than three points, or a check, farther off; nothing is "
+            "written then.");
+    AddJson(command, scaling.json);
+}
+
+/// Scales the map, and says what its points are off. Throws when one is farther off than it may be.
+void Scale(AtlavexMap& map, const ScalingPlan& plan, bool json, Orientation orientation) {
+    plan.ApplyTo(map, orientation);
+    const FitReport report = plan.ReportOf(map);
+    if (json)
+        PrintJson(FitAsJson(report));
+    else
+        Print(FitAsText(report));
+    plan.RequireWithinBound(report);
 }
 
 // add-map
@@ -59,7 +80,7 @@ ExitStatus RunAddMap(const AddMapOptions& options) {
                                                   tile.width, tile.height);
     DescribeMap(*map, options.object);
     if (plan)
-        plan->ApplyTo(*map, map->ImageTurn());
+        Scale(*map, *plan, options.scaling.json, map->ImageTurn());
     library.Save();
     return ExitStatus::Done;
 }
@@ -106,7 +127,7 @@ ExitStatus RunScale(const ScaleOptions& options) {
     const ScalingPlan plan(options.scaling);
     OpenedLibrary library(options.library, Access::Write);
     const auto map = SelectMap(*library, options.map);
-    plan.ApplyTo(*map);
+    Scale(*map, plan, options.scaling.json, Orientation::TopLeft);
     StampLastChanged(*map);
     library.Save();
     return ExitStatus::Done;
@@ -120,7 +141,8 @@ void AddScale(CommandSet& commands) {
          "Tie a map's pixels to coordinates.",
          "Gives a map its coordinate system and ties its pixels to coordinates: through three points (any "
          "affine "
-         "map: turned, sheared), four corners of a sheet with converging meridians, or a worldfile. An "
+         "map: turned, sheared; more are fitted), four corners of a sheet with converging meridians, or a "
+         "worldfile. An "
          "earlier scaling "
          "is replaced.",
          "atlavex scale alps.Atlavex 1 --grid \"UTM (etrs89)\" --zone 32 --worldfile sheet.tfw\n"

@@ -3,6 +3,7 @@
 #include "base/NumberText.h"
 #include "cli/input/Arguments.h"
 #include "cli/output/ExitStatus.h"
+#include "cli/output/Output.h"
 #include "component/Worldfile.h"
 
 #include <algorithm>
@@ -19,9 +20,9 @@ void CheckSourceChoice(const ScalingOptions& options) {
                         (options.corners.empty() ? 0 : 1);
     if (sources != 1)
         throw UsageError("A scaling needs one of --worldfile, three --point or four --corner.");
-    if (!options.points.empty() && options.points.size() != PointCount)
-        throw UsageError("A scaling needs --point three times, not " + std::to_string(options.points.size()) +
-                         ".");
+    if (!options.points.empty() && options.points.size() < PointCount)
+        throw UsageError("A scaling needs --point three times or more, not " +
+                         std::to_string(options.points.size()) + ".");
     if (!options.corners.empty() && options.corners.size() != CornerCount)
         throw UsageError("A scaling needs --corner four times, not " +
                          std::to_string(options.corners.size()) + ".");
@@ -31,6 +32,13 @@ std::vector<ReferencePoint> ParsePoints(std::string_view option, const std::vect
     std::vector<ReferencePoint> points;
     std::transform(texts.begin(), texts.end(), std::back_inserter(points),
                    [option](const std::string& text) { return ParseReferencePoint(option, text); });
+    return points;
+}
+
+std::vector<MeasuredPoint> ParseMeasured(std::string_view option, const std::vector<std::string>& texts) {
+    std::vector<MeasuredPoint> points;
+    std::transform(texts.begin(), texts.end(), std::back_inserter(points),
+                   [option](const std::string& text) { return ParseMeasuredPoint(option, text); });
     return points;
 }
 
@@ -50,10 +58,11 @@ void RequireOnEarth(const WorldPosition& world, const std::string& where) {
                              (latitude ? "±90" : "±360") + " degrees.");
 }
 
-void RequirePointsOnEarth(const std::vector<ReferencePoint>& points) {
+template <typename Point>
+void RequirePointsOnEarth(const std::vector<Point>& points, const std::string& kind) {
     int number = 0;
-    for (const ReferencePoint& point : points)
-        RequireOnEarth({point.x, point.y}, "Point " + std::to_string(++number));
+    for (const Point& point : points)
+        RequireOnEarth({point.x, point.y}, kind + " " + std::to_string(++number));
 }
 
 void RequirePixelOnEarth(const AtlavexMap& map, const PixelPosition& pixel) {
@@ -82,13 +91,37 @@ ScalingPlan::ScalingPlan(const ScalingOptions& options) {
     CheckSystemChoice(options.system, "A scaling");
     CheckSourceChoice(options);
     ChoosePoints(options);
+    checks_ = ParseMeasured("--check", options.checks);
+    ChooseBound(options);
     system_.emplace(options.system);
     if (!system_->HasGrid())
-        RequirePointsOnEarth(points_);
+        RequireOnEarth();
+}
+
+void ScalingPlan::RequireOnEarth() const {
+    // Fitted ones only stand for those that were given.
+    if (fitted_.empty())
+        RequirePointsOnEarth(points_, "Point");
+    RequirePointsOnEarth(fitted_, "Point");
+    RequirePointsOnEarth(checks_, "Check");
+}
+
+void ScalingPlan::ChooseBound(const ScalingOptions& options) {
+    if (options.maxResidual.empty())
+        return;
+    if (fitted_.empty() && checks_.empty())
+        throw UsageError("--max-residual needs more than three --point, or --check.");
+    maxResidual_ = ParseNumber("--max-residual", options.maxResidual);
+    if (*maxResidual_ < 0)
+        throw UsageError("--max-residual: a point is not less than 0 pixels off.");
 }
 
 void ScalingPlan::ChoosePoints(const ScalingOptions& options) {
-    if (!options.points.empty()) {
+    if (options.points.size() > PointCount) {
+        fitted_ = ParseMeasured("--point", options.points);
+        const auto points = FitAffine(fitted_);
+        points_.assign(points.begin(), points.end());
+    } else if (!options.points.empty()) {
         points_ = ParsePoints("--point", options.points);
         CheckScaling(ScalingKind::Linear, points_);
     } else if (!options.corners.empty()) {
@@ -102,6 +135,9 @@ void ScalingPlan::ChoosePoints(const ScalingOptions& options) {
 
 void ScalingPlan::ApplyTo(AtlavexMap& map, Orientation orientation) const {
     system_->ApplyTo(map);
+    map.SetEnteredPoints(fitted_);
+    if (!checks_.empty())
+        map.SetCheckSets({{"", checks_}});
     if (points_.size() == CornerCount) {
         map.SetScalingCorners(points_[0], points_[1], points_[2], points_[3]);
     } else if (worldfile_) {
@@ -111,5 +147,21 @@ void ScalingPlan::ApplyTo(AtlavexMap& map, Orientation orientation) const {
     } else {
         map.SetScalingThreePoints(points_[0], points_[1], points_[2]);
     }
-    RequireOnEarth(map);
+    ::RequireOnEarth(map);
+}
+
+FitReport ScalingPlan::ReportOf(const AtlavexMap& map) const {
+    return {map.MapGeoreference(), fitted_, checks_};
+}
+
+void ScalingPlan::RequireWithinBound(const FitReport& report) const {
+    if (!maxResidual_)
+        return;
+    for (const auto& [kind, points] : {std::pair("Point", &report.points), {"Check", &report.checks}})
+        for (const ComparedPoint& point : *points)
+            if (!(point.residual.pixels <= *maxResidual_))
+                throw CommandFailure(ExitStatus::Failed,
+                                     NameOfPoint(kind, point) + " is " + ResidualText(point.residual.pixels) +
+                                         " pixels off, more than --max-residual " +
+                                         CoordinateText(*maxResidual_) + "; nothing was written.");
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/commands/CoordinateSystem.h"
+#include "cli/output/FitReport.h"
 #include "component/Worldfile.h"
 
 #include <cstdint>
@@ -9,14 +10,22 @@
 #include <string>
 #include <vector>
 
-/// The scaling arguments as typed: a grid or a datum, and a worldfile, three points or four corners.
+/// The scaling arguments as typed: a grid or a datum, and a worldfile, three or more points or four corners;
+/// points to check it, and how far any may be off.
 struct ScalingOptions {
     SystemOptions system;
     std::string worldfile;
     std::vector<std::string> points;
     std::vector<std::string> corners;
+    std::vector<std::string> checks;
+    std::string maxResidual;
+    bool json = false;
 
-    bool Given() const { return system.Given() || !(worldfile.empty() && points.empty() && corners.empty()); }
+    bool Given() const {
+        return system.Given() || json ||
+               !(worldfile.empty() && points.empty() && corners.empty() && checks.empty() &&
+                 maxResidual.empty());
+    }
 };
 
 /// A scaling that was checked as far as it can be without the map: names are known, the worldfile was read,
@@ -27,15 +36,26 @@ public:
     /// unknown and for numbers that describe no scaling.
     explicit ScalingPlan(const ScalingOptions& options);
 
-    /// Gives the map its datum, grid and scaling. `orientation` is the turn from the pixels as stored, which
+    /// Gives the map its datum, grid and scaling, and what that was made from or is compared with where the
+    /// three points or four corners do not say it. `orientation` is the turn from the pixels as stored, which
     /// a worldfile counts, to the map's; points and corners count the map's own pixels. Throws OutsideArea
     /// when pixels of the map would lie beyond a pole; the map is then not to be saved.
     void ApplyTo(AtlavexMap& map, Orientation orientation = Orientation::TopLeft) const;
 
+    /// What the map's scaling makes of the points that it was fitted to and of the check points.
+    FitReport ReportOf(const AtlavexMap& map) const;
+    /// Throws CommandFailure for a point that is farther off than it may be; the map is then not to be saved.
+    void RequireWithinBound(const FitReport& report) const;
+
 private:
     void ChoosePoints(const ScalingOptions& options);
+    void ChooseBound(const ScalingOptions& options);
+    void RequireOnEarth() const;
 
     std::optional<CoordinateSystem> system_; ///< always there; known after the points are
     std::optional<Affine> worldfile_;
     std::vector<ReferencePoint> points_; ///< three points or four corners
+    std::vector<MeasuredPoint> fitted_;  ///< more than three points, to which those three are fitted
+    std::vector<MeasuredPoint> checks_;
+    std::optional<double> maxResidual_; ///< pixels
 };

@@ -70,16 +70,21 @@ PixelOffset ParseOffset(std::string_view option, std::string_view text) {
     return {*x, *y};
 }
 
-ReferencePoint ParseReferencePoint(std::string_view option, std::string_view text) {
+MeasuredPoint ParseMeasuredPoint(std::string_view option, std::string_view text) {
     constexpr std::string_view Expected = "of the form PX,PY=X,Y, such as 120,80=12.5,55.75";
     const auto sides = SplitOnce(text, '=');
     const auto pixel = sides ? NumbersWithComma(sides->first) : std::nullopt;
     const auto world = sides ? NumbersWithComma(sides->second) : std::nullopt;
     if (!pixel || !world)
         Refuse(option, text, Expected);
+    return {world->first, world->second, pixel->first, pixel->second, {}};
+}
+
+ReferencePoint ParseReferencePoint(std::string_view option, std::string_view text) {
+    const MeasuredPoint point = ParseMeasuredPoint(option, text);
     try {
-        return {world->first, world->second, CheckedRound<std::int32_t>(pixel->first),
-                CheckedRound<std::int32_t>(pixel->second)};
+        return {point.x, point.y, CheckedRound<std::int32_t>(point.pixelX),
+                CheckedRound<std::int32_t>(point.pixelY)};
     } catch (const ComponentError&) {
         Refuse(option, text, "a pixel that a map can have");
     }

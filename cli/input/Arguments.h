@@ -33,5 +33,8 @@ PixelOffset ParseOffset(std::string_view option, std::string_view text);
 /// even, as a click in the editor is.
 ReferencePoint ParseReferencePoint(std::string_view option, std::string_view text);
 
+/// The same with the pixel as it is, a part of one or not.
+MeasuredPoint ParseMeasuredPoint(std::string_view option, std::string_view text);
+
 /// "KEY=VALUE", cut at the first "="; the key is not empty.
 std::pair<std::string, std::string> ParseKeyValue(std::string_view text);

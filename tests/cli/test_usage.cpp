@@ -173,7 +173,7 @@ TEST_F(Usage, AScalingNeedsOneSystemAndOneSource) {
     ExpectFailure(2, scale + points + Words{"--datum", "ED50", "--zone", "32"}, "--zone");
     ExpectFailure(2, scale + Words{"--datum", "ED50"}, "--worldfile");
     ExpectFailure(2, scale + points + Words{"--datum", "ED50", "--worldfile", In("w")}, "one of");
-    ExpectFailure(2, scale + points + Words{"--datum", "ED50", "--point", "1,1=1,1"}, "three times");
+    ExpectFailure(2, scale + Words{"--datum", "ED50", "--point", "1,1=1,1"}, "three times or more");
     ExpectFailure(2, scale + Words{"--datum", "ED50", "--corner", "1,1=1,1"}, "four times");
     ExpectFailure(2, {"add-map", library, In("none.png"), "--zone", "32"});
 }
