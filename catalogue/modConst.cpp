@@ -1,8 +1,7 @@
 #include "catalogue/modConst.h"
 
 std::string VersionText() {
-    return std::to_string(VersionMajor) + "." + std::to_string(VersionMinor) + "." +
-           std::to_string(VersionRevision);
+    return QUORVANT_VERSION; // the build's, which names its packages by it, too
 }
 
 std::string ApplicationText() {
