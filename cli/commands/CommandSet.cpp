@@ -1,6 +1,7 @@
 #include "cli/commands/CommandSet.h"
 
 #include "catalogue/modConst.h"
+#include "cli/commands/Completion.h"
 #include "cli/commands/HelpText.h"
 #include "cli/input/RawArguments.h"
 #include "cli/input/Suggestion.h"
@@ -14,6 +15,7 @@
 namespace {
 
 constexpr const char* HelpCommand = "help";
+constexpr const char* CompletionCommand = "complete"; // asked by shells, not listed
 
 /// "help" asks for what --help tells, and "help COMMAND" for what COMMAND --help tells.
 std::vector<const char*> WithHelpAsOption(std::vector<const char*> arguments) {
@@ -175,6 +177,11 @@ ExitStatus CommandSet::Parse(int argumentCount, const char* const* arguments) {
 }
 
 ExitStatus CommandSet::Run(int argumentCount, const char* const* arguments) {
+    if (argumentCount > 1 && std::string_view(arguments[1]) == CompletionCommand) {
+        Print(CompletionOf(*app_, {arguments + 2, arguments + argumentCount}));
+        FlushOutput();
+        return ExitStatus::Done;
+    }
     const std::vector<const char*> words = WithHelpAsOption({arguments, arguments + argumentCount});
     const int count = static_cast<int>(words.size());
     CheckCommandName(count, words.data());

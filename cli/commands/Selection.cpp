@@ -3,8 +3,10 @@
 #include "base/NumberText.h"
 #include "cli/input/Suggestion.h"
 #include "cli/output/ExitStatus.h"
+#include "cli/output/Output.h"
 
 #include <algorithm>
+#include <map>
 #include <string_view>
 #include <vector>
 
@@ -59,6 +61,35 @@ std::vector<std::string> NamesOf(AtlavexLibrary& library, ObjectKind kind) {
     return names;
 }
 
+/// How many objects each name, and each name or identifier, stands for.
+struct Uses {
+    std::map<std::string, int> ofName;
+    std::map<std::string, int> ofText;
+};
+
+Uses CountUses(AtlavexLibrary& library, ObjectKind kind, const std::vector<std::string>& names) {
+    Uses uses;
+    for (std::size_t index = 0; index < names.size(); ++index) {
+        ++uses.ofName[names[index]];
+        ++uses.ofText[names[index]];
+        if (kind == ObjectKind::Icon)
+            continue;
+        const auto map = library.GetMap(library.MapIdAt(static_cast<std::int32_t>(index) + 1));
+        if (map->Identifier() != names[index])
+            ++uses.ofText[map->Identifier()];
+    }
+    return uses;
+}
+
+std::string SelectorOf(const std::string& name, std::size_t position, const Uses& uses) {
+    const bool canBeTyped = Printable(name) == name;
+    const bool isPlain = !name.empty() && !IsPosition(name) && name.front() != '-' &&
+                         !name.starts_with("name:") && !name.starts_with("id:");
+    if (canBeTyped && isPlain && uses.ofText.at(name) == 1)
+        return name;
+    return canBeTyped && uses.ofName.at(name) == 1 ? "name:" + name : std::to_string(position);
+}
+
 std::int32_t CheckPosition(const AtlavexLibrary& library, ObjectKind kind, const std::string& text) {
     const auto position = TextToWholeNumber(text);
     if (!position || *position < 1 || *position > CountOf(library, kind))
@@ -98,6 +129,17 @@ std::int32_t SelectPosition(AtlavexLibrary& library, ObjectKind kind, const std:
         throw CommandFailure(ExitStatus::Failed, "'" + text + "' stands for more than one " + KindName(kind) +
                                                      ": choose one of the positions " + ListOf(found) + ".");
     return found.front();
+}
+
+std::vector<Selector> SelectorsOf(AtlavexLibrary& library, ObjectKind kind) {
+    const std::vector<std::string> names = NamesOf(library, kind);
+    const Uses uses = CountUses(library, kind, names);
+    std::vector<Selector> selectors;
+    for (const std::string& name : names) {
+        const std::size_t position = selectors.size() + 1;
+        selectors.push_back({SelectorOf(name, position, uses), std::to_string(position) + " " + name});
+    }
+    return selectors;
 }
 
 std::shared_ptr<AtlavexMap> SelectMap(AtlavexLibrary& library, const std::string& text) {
