@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QFileInfo>
+#include <QIcon>
 #include <QScreen>
 
 #include <iostream>
@@ -30,6 +31,17 @@ constexpr std::string_view HelpPage = "Usage: quorvant-studio [FILE.Atlavex]\n"
                                       "\n"
                                       "  --help     Print this page.\n"
                                       "  --version  Print the version.\n";
+
+/// Under this name the desktop knows the program: its entry in menus, its icon.
+constexpr QLatin1String DesktopName("quorvant-studio");
+
+/// The desktop's own drawing of the program's icon, or the one that the program brings along.
+QIcon ProgramIcon() {
+    QIcon own;
+    for (const int size : {16, 32, 48, 128})
+        own.addFile(QStringLiteral(":/icons/%1/%2.png").arg(size).arg(DesktopName));
+    return QIcon::fromTheme(DesktopName, own);
+}
 
 void FillCatalogue() {
     FillUnits();
@@ -73,8 +85,10 @@ int main(int argc, char** argv) {
     // Before there is a QApplication, which needs a display.
     if (argc == 2 && AnswerOption(argv[1]))
         return 0;
+    QGuiApplication::setDesktopFileName(DesktopName);
     std::optional<SilentBusGuard> guard(std::in_place);
     QApplication application(argc, argv);
     guard.reset();
+    QApplication::setWindowIcon(ProgramIcon());
     return RunStudio(application);
 }

@@ -20,6 +20,12 @@ if(QUORVANT_MOLD)
     add_link_options(-fuse-ld=mold)
 endif()
 
+# The programs read files from anywhere: their tables of addresses can only be read once they have started.
+set(QUORVANT_PROGRAM_LINK_OPTIONS "")
+if(UNIX AND NOT APPLE)
+    set(QUORVANT_PROGRAM_LINK_OPTIONS -Wl,-z,relro,-z,now)
+endif()
+
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 find_package(Qt6 6.4 REQUIRED COMPONENTS DBus Widgets)
