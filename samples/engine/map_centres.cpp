@@ -20,7 +20,8 @@ int main(int argumentCount, char** arguments) {
             const auto map = library->GetMap(library->MapIdAt(position));
             if (!map->IsScaled())
                 continue;
-            const WorldPosition middle = map->PixelToWorld({(map->Width() - 1) / 2.0, (map->Height() - 1) / 2.0});
+            const WorldPosition middle =
+                map->PixelToWorld({(map->Width() - 1) / 2.0, (map->Height() - 1) / 2.0});
             const LonLat place = map->WorldToWgs84(middle);
             std::cout << place.longitude << ' ' << place.latitude << ' ' << map->Name() << '\n';
         }

@@ -38,7 +38,8 @@ TEST_F(Completion, OffersTheCommandsWithWhatTheyDo) {
 }
 
 TEST_F(Completion, OffersTheOptionsThatAreNotGivenYet) {
-    EXPECT_THAT(Offered({"info", "a", ""}), ElementsAre("words", "--help", "--key-file", "--key-env", "--json"));
+    EXPECT_THAT(Offered({"info", "a", ""}),
+                ElementsAre("words", "--help", "--key-file", "--key-env", "--json"));
     EXPECT_THAT(Offered({"info", "--json", "a", "--"}), Not(Contains("--json")));
     const Words again = Offered({"scale", "a", "1", "--point", "0,0=1,1", "-"});
     EXPECT_THAT(again, Contains("--point")) << "It is given three times.";
@@ -74,8 +75,7 @@ TEST_F(Completion, OffersEachMapByATextThatChoosesIt) {
     for (const char* const name : {"North", "Twice", "Twice", "12", "name:x", "-dash", "two\nlines"})
         Do({"add-map", library, Bmp("image.bmp", 40, 30), std::string("--name=") + name});
     Words texts = Offered({"locate", library, ""});
-    EXPECT_THAT(texts,
-                ElementsAre("words", "North", "2", "3", "name:12", "name:name:x", "name:-dash", "7"));
+    EXPECT_THAT(texts, ElementsAre("words", "North", "2", "3", "name:12", "name:name:x", "name:-dash", "7"));
     texts.erase(texts.begin());
     for (const std::string& text : texts)
         Do({"extract", library, text, "--out", In("out.png")});
