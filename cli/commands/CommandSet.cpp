@@ -71,6 +71,10 @@ void AddRequired(CLI::App& command, const std::string& name, std::string& target
     AddOne(command, name, form, target, help)->required();
 }
 
+void AddOptional(CLI::App& command, const std::string& name, std::string& target, const std::string& help) {
+    AddOne(command, name, "", target, help);
+}
+
 void AddText(CLI::App& command, const std::string& name, const std::string& form, std::string& target,
              const std::string& help) {
     AddOne(command, name, form, target, help);
@@ -129,6 +133,7 @@ CommandSet::CommandSet() : app_(std::make_unique<CLI::App>("", "atlavex")) {
     AddIconCommands(*this);
     AddObjectCommands(*this);
     AddReadCommands(*this);
+    AddReviewCommand(*this);
     AddCoordinateCommands(*this);
     AddOutputCommands(*this);
 }

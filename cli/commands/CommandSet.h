@@ -56,6 +56,8 @@ private:
 /// the help ("WxH").
 void AddRequired(CLI::App& command, const std::string& name, std::string& target, const std::string& help,
                  const std::string& form = "");
+/// A positional text that may be left out; its name is in capitals.
+void AddOptional(CLI::App& command, const std::string& name, std::string& target, const std::string& help);
 /// A text that may be given.
 void AddText(CLI::App& command, const std::string& name, const std::string& form, std::string& target,
              const std::string& help);
@@ -84,5 +86,6 @@ void AddSetGridCommand(CommandSet& commands);
 void AddIconCommands(CommandSet& commands);
 void AddObjectCommands(CommandSet& commands);
 void AddReadCommands(CommandSet& commands);
+void AddReviewCommand(CommandSet& commands);
 void AddCoordinateCommands(CommandSet& commands);
 void AddOutputCommands(CommandSet& commands);

@@ -6,6 +6,7 @@
 #include "cli/commands/Selection.h"
 #include "cli/input/Arguments.h"
 #include "cli/output/Output.h"
+#include "cli/output/ScalingRemarks.h"
 #include "component/ObjectTexts.h"
 
 #include <nlohmann/json.hpp>
@@ -82,6 +83,7 @@ ExitStatus RunAddMap(const AddMapOptions& options) {
     if (plan)
         Scale(*map, *plan, options.scaling.json, map->ImageTurn());
     library.Save();
+    PrintRemarksOn(*map);
     return ExitStatus::Done;
 }
 
@@ -130,6 +132,7 @@ ExitStatus RunScale(const ScaleOptions& options) {
     Scale(*map, plan, options.scaling.json, Orientation::TopLeft);
     StampLastChanged(*map);
     library.Save();
+    PrintRemarksOn(*map);
     return ExitStatus::Done;
 }
 

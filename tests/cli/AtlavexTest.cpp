@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <map>
 #include <random>
+#include <sstream>
 
 namespace fs = std::filesystem;
 
@@ -56,6 +57,16 @@ std::string AtlavexTest::Do(const Words& arguments, const std::string& input) co
     EXPECT_EQ(result.status, 0) << testing::PrintToString(arguments);
     EXPECT_EQ(result.err, "") << testing::PrintToString(arguments);
     return result.out;
+}
+
+void AtlavexTest::DoDoubted(const Words& arguments) const {
+    const ProgramResult result = Run(arguments);
+    EXPECT_EQ(result.status, 0) << testing::PrintToString(arguments);
+    std::istringstream lines(result.err);
+    int remarks = 0;
+    for (std::string line; std::getline(lines, line); ++remarks)
+        EXPECT_TRUE(line.starts_with("atlavex: Map '")) << line;
+    EXPECT_GT(remarks, 0) << testing::PrintToString(arguments);
 }
 
 nlohmann::ordered_json AtlavexTest::DoJson(const Words& arguments, const std::string& input) const {

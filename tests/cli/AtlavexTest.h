@@ -20,7 +20,10 @@ protected:
     ProgramResult Run(const Words& arguments, const std::string& input = {}) const;
     /// Runs a command that must succeed without a message; answers what it printed.
     std::string Do(const Words& arguments, const std::string& input = {}) const;
-    /// The same, read as JSON.
+    /// The same for a command that scales a map in an unlikely way: every line of message is a remark on a
+    /// map.
+    void DoDoubted(const Words& arguments) const;
+    /// Do, read as JSON.
     nlohmann::ordered_json DoJson(const Words& arguments, const std::string& input = {}) const;
     /// Runs a command that must end with the status and one line of message that holds the text; every file
     /// of the folder stays as it was and none is added. Answers what it printed.

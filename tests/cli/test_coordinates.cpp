@@ -122,8 +122,8 @@ TEST_F(Coordinates, LocateInWgs84IsProjectionAndShiftInOne) {
 
 TEST_F(Coordinates, NumbersReadBackToTheSameValue) {
     const std::string library = ScaledLibrary();
-    Do({"scale", library, "1", "--datum", "WGS84", "--point", "0,0=0.1,48.3", "--point", "0,97=9.7,47.1",
-        "--point", "89,97=10.3,47.2"});
+    DoDoubted({"scale", library, "1", "--datum", "WGS84", "--point", "0,0=0.1,48.3", "--point",
+               "0,97=9.7,47.1", "--point", "89,97=10.3,47.2"});
     const std::string pixels = ManyPixels();
     const auto text = ReadPairs(Do({"locate", library, "1"}, pixels));
     const auto json = DoJson({"locate", library, "1"}, pixels);

@@ -33,6 +33,7 @@ const std::map<std::string, Words> Commands{
     {"offset", ChangeOptions},
     {"merge", ChangeOptions + Words{"--other-key-file", "--other-key-env"}},
     {"rekey", ChangeOptions + Words{"--new-key-file", "--new-key-env", "--no-key"}},
+    {"review", KeyOptions + Words{"--strict", "--json"}},
     {"verify", KeyOptions + Words{"--json"}},
     {"compact", ChangeOptions},
     {"catalogue", {"--json"}},
