@@ -23,6 +23,9 @@
 #include <QFileInfo>
 #include <QScopedValueRollback>
 
+#include <iostream>
+#include <utility>
+
 namespace {
 
 /// Milliseconds before a draft is shown. What comes on top, the draft itself and the painting, is about as
@@ -105,8 +108,22 @@ void frmMain::Run(const std::function<void()>& command) {
     } catch (const std::exception& error) {
         ShowMessage(this, QString::fromStdString(SentenceOf(error)));
     }
+    KeepUnsavedWork();
     wizardCommands_->ShowPrompt();
     EnableMenus();
+}
+
+void frmMain::KeepUnsavedWork() noexcept {
+    try {
+        if (state_.objAtlavex != nullptr)
+            state_.objAtlavex->KeepUnsavedWork();
+        keepingFailed_ = false;
+    } catch (const std::exception& error) {
+        // No command fails for it; whoever looks there is told, once.
+        if (!std::exchange(keepingFailed_, true))
+            std::cerr << "quorvant-studio: Unsaved work is not kept for the case of a crash. "
+                      << SentenceOf(error) << std::endl;
+    }
 }
 
 void frmMain::Quietly(const std::function<void()>& handler) noexcept {
@@ -164,6 +181,7 @@ std::shared_ptr<AtlavexLibrary> frmMain::CreateLibrary() {
     LibraryOptions options;
     options.viewPatience = ViewPatience;
     options.scratchFolder = ScratchFolder();
+    options.keepUnsavedWork = true;
     std::shared_ptr<AtlavexLibrary> library = makeLibrary_(options);
     progress_->Follow(*library);
     return library;

@@ -105,6 +105,8 @@ private:
     /// Runs a command: nothing when one is running, a component's error shown, the menus right afterwards,
     /// and so the prompt of a wizard that waits.
     void Run(const std::function<void()>& command);
+    /// What a command has done outlives the program from here on.
+    void KeepUnsavedWork() noexcept;
     /// Runs what must stay silent when it fails, and is no command: mouse moves, scrolling, layout.
     void Quietly(const std::function<void()>& handler) noexcept;
     void MakeCommands();
@@ -127,6 +129,7 @@ private:
     void EndCall() override;
 
     EditorState state_;
+    bool keepingFailed_ = false;
     bool running_ = false; ///< a command is on the stack, perhaps with a box or a dialog open
     LibraryMaker makeLibrary_;
     std::unique_ptr<Ui::frmMain> ui_;

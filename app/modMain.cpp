@@ -4,6 +4,7 @@
 #include "app/modResize.h"
 #include "catalogue/FillTables.h"
 #include "catalogue/modConst.h"
+#include "component/Recovery.h"
 #include "platform/SessionBus.h"
 
 #include <QApplication>
@@ -65,6 +66,24 @@ bool AnswerOption(const char* argument) {
     return true;
 }
 
+/// Says what programs left that ended unexpectedly, to whoever started this one in a terminal or reads its
+/// journal.
+void TellUnsavedWork() noexcept {
+    try {
+        for (const UnsavedWork& work : FindUnsavedWork())
+            if (!work.isInUse)
+                std::cerr << "quorvant-studio: Unsaved work was left by a program that ended unexpectedly"
+                          << (work.library.empty() ? std::string() : ", on '" + work.library + "'")
+                          << (work.time.empty() ? std::string() : ", last changed " + work.time)
+                          << ". It stays in '" << work.scratch << "' until it is recovered, by\n"
+                          << "    atlavex recover '" << work.scratch << "' --to NEW.Atlavex\n"
+                          << "or discarded, by\n"
+                          << "    atlavex recover '" << work.scratch << "' --discard" << std::endl;
+    } catch (const std::exception&) {
+        return; // the program starts all the same
+    }
+}
+
 /// Shows the main window, with the library file of the command line, if one is named, and runs until it is
 /// closed.
 int RunStudio(QApplication& application) {
@@ -86,6 +105,7 @@ int main(int argc, char** argv) {
     if (argc == 2 && AnswerOption(argv[1]))
         return 0;
     QGuiApplication::setDesktopFileName(DesktopName);
+    TellUnsavedWork(); // before the desktop has a say: it may be what stands in the way
     std::optional<SilentBusGuard> guard(std::in_place);
     QApplication application(argc, argv);
     guard.reset();

@@ -77,11 +77,16 @@ FileDescriptor MakeLockedFile(const std::filesystem::path& file) {
     }
 }
 
-void RemoveIfAbandoned(const std::filesystem::path& file) noexcept {
-    const FileDescriptor found(open(file.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+FileDescriptor LockAbandoned(const std::filesystem::path& file) noexcept {
+    FileDescriptor found(open(file.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     // Between opening and locking, its maker may have put it in its place, or another have swept it; the name
     // is then gone, or that of a file that was made since.
-    if (found.IsOpen() && flock(found.Number(), LOCK_EX | LOCK_NB) == 0 && Names(file, found))
+    const bool held = found.IsOpen() && flock(found.Number(), LOCK_EX | LOCK_NB) == 0 && Names(file, found);
+    return held ? std::move(found) : FileDescriptor();
+}
+
+void RemoveIfAbandoned(const std::filesystem::path& file) noexcept {
+    if (const FileDescriptor held = LockAbandoned(file); held.IsOpen())
         unlink(file.c_str());
 }
 

@@ -25,5 +25,9 @@ FileDescriptor MakeLockedFile(const std::filesystem::path& file);
 /// Removes a file that MakeLockedFile made once and nobody holds any more.
 void RemoveIfAbandoned(const std::filesystem::path& file) noexcept;
 
+/// The lock of a file that MakeLockedFile made once. Not open while somebody else holds it, or where there is
+/// no such file of this user's.
+FileDescriptor LockAbandoned(const std::filesystem::path& file) noexcept;
+
 /// The mode that the user's settings give to new files.
 mode_t UsualMode();

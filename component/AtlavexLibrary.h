@@ -23,9 +23,13 @@ enum class NewTiles {
 struct LibraryOptions {
     NewTiles newTiles = NewTiles::Scratch;
     std::string scratchFolder; ///< see AtlavexLibrary::SetScratchFolder
-    int keyOperations = 3;     ///< Argon2id passes for a new key, 1 to 4
-    int keyMemoryMiB = 256;    ///< Argon2id memory for a new key, 8 to 512 MiB
-    int threads = 0;           ///< workers inside one call; 0: one a core
+    /// For a program that works on a library for long: what is not saved yet stands in the scratch, records
+    /// and all, so that it can be recovered when the program is killed (component/Recovery.h). See
+    /// KeepUnsavedWork.
+    bool keepUnsavedWork = false;
+    int keyOperations = 3;  ///< Argon2id passes for a new key, 1 to 4
+    int keyMemoryMiB = 256; ///< Argon2id memory for a new key, 8 to 512 MiB
+    int threads = 0;        ///< workers inside one call; 0: one a core
     /// Milliseconds that the tiles of a view may take before a draft is shown (see AtlavexMap::ViewIsDraft);
     /// 0: as long as they take.
     int viewPatience = 0;
@@ -45,6 +49,12 @@ struct LibraryOptions {
 struct Damage {
     std::string object; ///< "Map 2 'North', level 0, row 3, column 4"
     std::string reason; ///< one sentence
+};
+
+/// What came of loading unsaved work.
+struct LoadedWork {
+    std::vector<std::string> notes; ///< what is worth knowing, in sentences: that the file has changed since
+    std::vector<std::string> missing; ///< what was there and could not be had again: "map 'North'"
 };
 
 /// One open map library. Texts are UTF-8. Positions count from 1. Maps and icons handed out stay the same
@@ -94,6 +104,19 @@ public:
     virtual void MergeFromFile(const std::string& file, const std::string& key) = 0;
     /// Whether the last LoadFromFile or MergeFromFile could open the file: false after a wrong key.
     virtual bool KeyFitted() const = 0;
+
+    /// With LibraryOptions::keepUnsavedWork: writes what has changed since the last time into the scratch, in
+    /// one step, so that a program that is killed at any moment leaves the work as it was before or after. To
+    /// be called after every change; adding, merging and removing do it by themselves. Costs what changed.
+    /// Throws DiskFull, FileNotWritable: the library is as it was, and the scratch holds what it held.
+    virtual void KeepUnsavedWork() {}
+    /// Replaces the content by what a killed program left in a scratch, as it was in that program: the
+    /// content of the file that the work belongs to (`base` where one is named, else the path in the scratch)
+    /// with the unsaved changes. It is not saved; SaveToFile under the same key does that, to any name. The
+    /// scratch stays, and nobody else can have it as long as the library holds it. A wrong key is no error:
+    /// nothing is loaded (KeyFitted). Errors: FileLocked while a program uses the scratch, FileDamaged.
+    virtual LoadedWork LoadUnsavedWork(const std::string& scratch, const std::string& key,
+                                       const std::string& base) = 0;
 
     /// Ends the operation that is running (to be called from inside an event). Takes effect within 50 ms; the
     /// derivation of a key from its text (some 0.6 s) and the wait for the disk at the end of a save are

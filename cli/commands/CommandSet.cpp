@@ -133,6 +133,7 @@ CommandSet::CommandSet() : app_(std::make_unique<CLI::App>("", "atlavex")) {
     AddIconCommands(*this);
     AddObjectCommands(*this);
     AddReadCommands(*this);
+    AddRecoverCommand(*this);
     AddReviewCommand(*this);
     AddCoordinateCommands(*this);
     AddOutputCommands(*this);

@@ -86,6 +86,7 @@ void AddSetGridCommand(CommandSet& commands);
 void AddIconCommands(CommandSet& commands);
 void AddObjectCommands(CommandSet& commands);
 void AddReadCommands(CommandSet& commands);
+void AddRecoverCommand(CommandSet& commands);
 void AddReviewCommand(CommandSet& commands);
 void AddCoordinateCommands(CommandSet& commands);
 void AddOutputCommands(CommandSet& commands);

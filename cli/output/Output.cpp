@@ -98,6 +98,15 @@ std::string Printable(std::string_view text) {
     return shown;
 }
 
+std::string PrintableLines(std::string_view text) {
+    std::string shown;
+    for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
+        shown += Printable(text.substr(0, end)) + "\n";
+        text.remove_prefix(end + 1);
+    }
+    return shown + Printable(text);
+}
+
 std::string CoordinateText(double value) {
     constexpr double Smallest = 1e-6, Largest = 1e15;
     const double size = std::abs(value);

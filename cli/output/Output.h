@@ -24,6 +24,9 @@ void PrintMessage(std::string_view sentence);
 /// the direction of writing are shown as escapes such as \n, \x1b or \u202e.
 std::string Printable(std::string_view text);
 
+/// The same for several lines: their ends stay.
+std::string PrintableLines(std::string_view text);
+
 /// A coordinate as text: the fewest digits that read back the same, without an exponent unless the number is
 /// very large or very small.
 std::string CoordinateText(double value);

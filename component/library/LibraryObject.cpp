@@ -135,8 +135,15 @@ std::shared_ptr<Container> LibraryObject::ContainerForNew() {
         }
         return file_->Tiles();
     }
+    return Scratch();
+}
+
+std::shared_ptr<Container> LibraryObject::Scratch() {
     if (!scratch_)
-        scratch_ = MakeScratch(files_, options_.scratchFolder, envelope_);
+        scratch_ = MakeScratch(files_, options_.scratchFolder, envelope_,
+                               KeepsWork() ? ScratchKind::Kept : ScratchKind::TilesOnly);
+    if (KeepsWork())
+        keeper_.Use(scratch_);
     return scratch_;
 }
 
@@ -174,6 +181,7 @@ std::shared_ptr<AtlavexMap> LibraryObject::ImportMap(const std::string& file, co
     savepoint->Keep();
     map->id = numbers_.Allocate();
     auto added = Append(std::move(map));
+    KeepQuietly(state_);
     RaiseRemarks(reader->Remarks());
     return added;
 }
@@ -197,6 +205,7 @@ std::shared_ptr<AtlavexIcon> LibraryObject::ImportIcon(const std::string& file, 
     savepoint->Keep();
     icon->id = numbers_.Allocate();
     auto added = Append(std::move(icon));
+    KeepQuietly(state_);
     RaiseRemarks(image->Remarks());
     return added;
 }
@@ -211,7 +220,10 @@ void LibraryObject::RemoveMap(const std::string& reference) {
     if (found == state_.maps.end())
         NoSuchMap();
     std::shared_ptr<MapState> map = *found;
-    if (IsUnsaved(map->container, {BlobKind::MapRecord, map->id}) && !IsAloneInScratch(map->container)) {
+    // First the records, then the tiles: after a kill between the two, nothing names what is gone.
+    const bool mayGo = KeepQuietly(Without(map->id));
+    if (mayGo && IsUnsaved(map->container, {BlobKind::MapRecord, map->id}) &&
+        !IsAloneInScratch(map->container)) {
         Savepoint savepoint(map->container->GetDatabase());
         RemoveTiles(map->container, map->record);
         savepoint.Keep();
@@ -226,7 +238,9 @@ void LibraryObject::RemoveIcon(const std::string& reference) {
     if (found == state_.icons.end())
         NoSuchIcon();
     std::shared_ptr<IconState> icon = *found;
-    if (IsUnsaved(icon->container, {BlobKind::IconRecord, icon->id}) && !IsAloneInScratch(icon->container))
+    const bool mayGo = KeepQuietly(Without(icon->id)); // as for a map
+    if (mayGo && IsUnsaved(icon->container, {BlobKind::IconRecord, icon->id}) &&
+        !IsAloneInScratch(icon->container))
         icon->container->Remove(BlobKind::IconPicture, icon->record.picture.number);
     Forget(iconObjects_, icon->id);
     state_.icons.erase(found);
@@ -261,7 +275,7 @@ void LibraryObject::LeaveSpace(std::shared_ptr<Object> removed) noexcept {
 
 void LibraryObject::LeaveScratch() noexcept {
     try {
-        if (scratch_ && ObjectsIn(scratch_) == 0)
+        if (scratch_ && ObjectsIn(scratch_) == 0 && !keeper_.Holds())
             disposal_.Dispose(std::move(scratch_));
     } catch (const std::exception&) {
         scratch_.reset(); // no memory for a thread: here and now

@@ -5,6 +5,7 @@
 #include "component/library/MapObject.h"
 #include "component/storage/KnownFiles.h"
 #include "component/storage/Sealing.h"
+#include "component/storage/UnsavedRecords.h"
 #include "component/storage/files/Disposal.h"
 
 #include <algorithm>
@@ -50,6 +51,9 @@ public:
     std::vector<std::string> NotesOfLastSave() const override { return notes_; }
     void MergeFromFile(const std::string& file, const std::string& key) override;
     bool KeyFitted() const override { return keyFitted_; }
+    void KeepUnsavedWork() override;
+    LoadedWork LoadUnsavedWork(const std::string& scratch, const std::string& key,
+                               const std::string& base) override;
     void CancelOperation() override { operations_->Cancel(); }
 
     std::vector<Damage> Verify() override;
@@ -75,6 +79,16 @@ private:
     std::shared_ptr<const Envelope> NewEnvelope(const std::string& key) const;
     bool IsOpenFile(const std::filesystem::path& path) const;
     std::shared_ptr<Container> ContainerForNew();
+    std::shared_ptr<Container> Scratch();
+    bool KeepsWork() const { return options_.keepUnsavedWork && options_.newTiles == NewTiles::Scratch; }
+    void Keep(const LibraryState& state);
+    /// Keeps the work after a step of its own; whether it could. What stood in the way is told by the next
+    /// KeepUnsavedWork.
+    bool KeepQuietly(const LibraryState& state) noexcept;
+    /// Nothing is unsaved any more.
+    void NoteSaved();
+    UnsavedKeeper::Base BaseOfWork() const;
+    LibraryState Without(std::int64_t id) const;
     void SaveHere(Progress& progress);
     /// `over` is the open file when the new one takes its place.
     void SaveAnew(const std::filesystem::path& target, LibraryFile* over,
@@ -135,6 +149,7 @@ private:
     std::unique_ptr<LibraryFile> file_;
     KnownFiles known_; ///< since the last load
     std::shared_ptr<Container> scratch_;
+    UnsavedKeeper keeper_;
     std::unique_ptr<Transaction> direct_; ///< open while new tiles stand in the library file unsaved
     std::map<std::int64_t, std::shared_ptr<MapObject>> mapObjects_;
     std::map<std::int64_t, std::shared_ptr<IconObject>> iconObjects_;

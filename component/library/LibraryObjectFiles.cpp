@@ -80,6 +80,7 @@ void LibraryObject::LoadFromFile(const std::string& file, const std::string& key
         key_.Remember(key); // as it is: a choice between two texts would copy it
     else
         key_.Remember({});
+    NoteSaved();
 }
 
 std::shared_ptr<const Envelope> LibraryObject::NewEnvelope(const std::string& key) const {
@@ -105,6 +106,7 @@ void LibraryObject::SaveToFile(const std::string& file, const std::string& key) 
                      progress);
         // Here, where the file is known to be saved: a handler may still throw, the folder not be synced.
         key_.Remember(key);
+        NoteSaved();
         if (!sameFile || !sameKey)
             SyncFolderOf(*files_, target);
     });
@@ -321,4 +323,5 @@ void LibraryObject::MergeFromFile(const std::string& file, const std::string& ke
     });
     state_.maps.insert(state_.maps.end(), added.maps.begin(), added.maps.end());
     state_.icons.insert(state_.icons.end(), added.icons.begin(), added.icons.end());
+    KeepQuietly(state_);
 }

@@ -36,6 +36,8 @@ Place PlaceOf(BlobKind kind) {
         return {"icon", "record", "INSERT OR REPLACE"};
     case BlobKind::MetadataRecord:
         return {"metadata", "record", "INSERT OR REPLACE"};
+    case BlobKind::UnsavedState:
+        return {"unsaved", "data", "INSERT OR REPLACE"};
     }
     throw ComponentError(ErrorNumber::InvalidArgument, "There is no such record.");
 }

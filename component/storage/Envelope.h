@@ -15,6 +15,7 @@ enum class BlobKind : std::uint8_t {
     MapRecord = 4,
     IconRecord = 5,
     MetadataRecord = 6,
+    UnsavedState = 7, ///< in a scratch alone
 };
 
 /// A blob in the form in which it is stored.

@@ -23,6 +23,10 @@ constexpr std::array<TableText, 6> Tables = {{
     {"blob", "CREATE TABLE blob(id INTEGER PRIMARY KEY, data BLOB NOT NULL)"},
 }};
 
+/// What a kept scratch has beside the tables of a library.
+constexpr TableText UnsavedTable{"unsaved",
+                                 "CREATE TABLE unsaved(id INTEGER PRIMARY KEY, data BLOB NOT NULL)"};
+
 /// Giving pages back takes longer by the square of their number.
 constexpr std::int64_t ScratchPageSize = 2 * PageSize;
 
@@ -87,11 +91,19 @@ bool AsksForALog(const Database& database) {
     return BigEndian(start, 18, 2) != 0x0101;
 }
 
+bool IsNext(Statement& rows, const TableText& table) {
+    return rows.Step() && rows.Text(0) == "table" && rows.Text(1) == table.name &&
+           rows.Text(2) == table.name && rows.Text(3) == table.sql;
+}
+
+Statement SchemaRows(Database& database) {
+    return {database, "SELECT type, name, tbl_name, sql FROM sqlite_schema ORDER BY rowid"};
+}
+
 void CheckSchema(Database& database) {
-    Statement rows(database, "SELECT type, name, tbl_name, sql FROM sqlite_schema ORDER BY rowid");
+    Statement rows = SchemaRows(database);
     for (const TableText& table : Tables)
-        if (!rows.Step() || rows.Text(0) != "table" || rows.Text(1) != table.name ||
-            rows.Text(2) != table.name || rows.Text(3) != table.sql)
+        if (!IsNext(rows, table))
             database.Damaged("its tables are not those of a map library");
     if (rows.Step())
         database.Damaged("it holds a table that no map library has");
@@ -130,6 +142,23 @@ void RequireKnownVersion(const Database& database, std::int64_t version) {
                                  std::to_string(NewestFormatVersion) + ".");
     if (version < FirstFormatVersion)
         database.Damaged("its format version is impossible");
+}
+
+void CreateKeptScratchSchema(Database& database) {
+    database.Execute(
+        ("PRAGMA page_size=" + std::to_string(ScratchPageSize) + ";PRAGMA auto_vacuum=INCREMENTAL").c_str());
+    for (const TableText& table : Tables)
+        database.Execute(table.sql);
+    database.Execute(UnsavedTable.sql);
+}
+
+void CheckKeptScratchSchema(Database& database) {
+    Statement rows = SchemaRows(database);
+    const bool isOurs =
+        std::ranges::all_of(Tables, [&rows](const TableText& table) { return IsNext(rows, table); }) &&
+        IsNext(rows, UnsavedTable) && !rows.Step();
+    if (!isOurs)
+        database.Damaged("its tables are not those of unsaved work");
 }
 
 void CheckLibraryFile(Database& database) {

@@ -9,6 +9,10 @@ inline constexpr std::int64_t ApplicationId = 0x41746C78;
 void CreateLibrarySchema(Database& database);
 /// Makes the two tables that unsaved tiles need in an empty database.
 void CreateScratchSchema(Database& database);
+/// The same with those for records, so that a crash loses nothing.
+void CreateKeptScratchSchema(Database& database);
+/// Throws FileDamaged unless a file has these tables and nothing else.
+void CheckKeptScratchSchema(Database& database);
 
 /// Checks that the file is a library of a version that is read, whole and with our tables and nothing else,
 /// before anything in it is believed. Throws NotALibrary, NewerVersion, FileDamaged, or an I/O error.

@@ -12,6 +12,7 @@ frmMain& EditorTest::Start(const QString& commandLine, bool diagnosticMode) {
         LibraryOptions options = Options();
         if (!asked.scratchFolder.empty())
             options.scratchFolder = asked.scratchFolder;
+        options.keepUnsavedWork = asked.keepUnsavedWork;
         const auto library =
             std::make_shared<RecordingLibrary>(CreateAtlavexLibrary(options), calls_, probe_);
         library->usualScratchFolder = Options().scratchFolder;

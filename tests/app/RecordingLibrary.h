@@ -92,6 +92,11 @@ public:
     }
     std::vector<std::string> NotesOfLastSave() const override { return real_->NotesOfLastSave(); }
     bool KeyFitted() const override { return real_->KeyFitted(); }
+    void KeepUnsavedWork() override { real_->KeepUnsavedWork(); }
+    LoadedWork LoadUnsavedWork(const std::string& scratch, const std::string& key,
+                               const std::string& base) override {
+        return real_->LoadUnsavedWork(scratch, key, base);
+    }
     void CancelOperation() override {
         log_.emplace_back("CancelOperation");
         real_->CancelOperation();

@@ -33,6 +33,7 @@ const std::map<std::string, Words> Commands{
     {"offset", ChangeOptions},
     {"merge", ChangeOptions + Words{"--other-key-file", "--other-key-env"}},
     {"rekey", ChangeOptions + Words{"--new-key-file", "--new-key-env", "--no-key"}},
+    {"recover", KeyOptions + Words{"--to", "--base", "--discard", "--json"}},
     {"review", KeyOptions + Words{"--strict", "--json"}},
     {"verify", KeyOptions + Words{"--json"}},
     {"compact", ChangeOptions},

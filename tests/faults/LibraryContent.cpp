@@ -1,5 +1,6 @@
 #include "tests/faults/LibraryContent.h"
 
+#include <algorithm>
 #include <bit>
 #include <span>
 #include <string_view>
@@ -81,6 +82,11 @@ std::string ContentOf(AtlavexLibrary& library) {
         AddIcon(print, *library.GetIcon(library.IconIdAt(i)));
     return std::to_string(library.MapCount()) + " maps, " + std::to_string(library.IconCount()) +
            " icons, content " + print.Shown();
+}
+
+std::string OneLine(std::string content) {
+    std::ranges::replace(content, '\n', ' ');
+    return content;
 }
 
 LibraryOptions CheapOptions(const std::string& scratchFolder) {

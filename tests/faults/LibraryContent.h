@@ -8,5 +8,8 @@
 /// icon — as a short text: equal for equal content, whatever file, key or order of writing it came from.
 std::string ContentOf(AtlavexLibrary& library);
 
+/// The same content as one line.
+std::string OneLine(std::string content);
+
 /// Options for tests: cheap keys, the scratch in the given folder.
 LibraryOptions CheapOptions(const std::string& scratchFolder);

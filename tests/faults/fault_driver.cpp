@@ -10,6 +10,8 @@
 #include "tests/faults/LibraryContent.h"
 
 #include <cstdlib>
+#include <fstream>
+#include <functional>
 #include <iostream>
 #include <map>
 #include <new>
@@ -109,6 +111,53 @@ void Export(const Job& job) {
     library->GetMap(library->MapIdAt(1))->ExportTiles(job.argument, ".png");
 }
 
+/// Does one step after the other and keeps the work; says after each, in the file of the argument, what there
+/// is.
+void DoSteps(const Job& job, AtlavexLibrary& library) {
+    std::ofstream said(job.argument, std::ios::app);
+    const std::string image = Environment("FAULT_IMAGE");
+    const auto map = [&](std::int32_t position) { return library.GetMap(library.MapIdAt(position)); };
+    const std::vector<std::function<void()>> steps{
+        [] {},
+        [&] { library.AddMapFromImageFile(image, "Added first", 128, 64); },
+        [&] { map(library.MapCount())->SetIdentifier("first"); },
+        [&] { map(library.MapCount())->SetMetadata("remark", "remarkable"); },
+        [&] {
+            map(library.MapCount())->SetMapDatum(QuorvantDatum().AsNumbers());
+            map(library.MapCount())->SetScalingThreePoints({9, 48, 0, 0}, {10, 48, 99, 0}, {9, 47, 0, 99});
+        },
+        [&] { library.AddIconFromImageFile(image, "Added icon"); },
+        [&] { library.GetIcon(library.IconIdAt(library.IconCount()))->SetOffsetX(-7); },
+        [&] { map(1)->SetMetadata("name", "Renamed"); },
+        [&] { library.AddMapFromImageFile(image, "Added second", 64, 64); },
+        [&] { library.AddMapFromImageFile(image, "Added third", 256, 256); },
+        [&] { library.RemoveMap(library.MapIdAt(1)); },
+        [&] { library.RemoveMap(library.MapIdAt(library.MapCount() - 1)); },
+        [&] { library.GetIcon(library.IconIdAt(1))->SetMetadata("remark", "remarkable too"); },
+        [&] { map(1)->SetMetadata("remark", "last"); }};
+    for (const auto& step : steps) {
+        step();
+        library.KeepUnsavedWork();
+        said << OneLine(ContentOf(library)) << std::endl;
+    }
+}
+
+std::unique_ptr<AtlavexLibrary> NewKeepingLibrary(const Job& job) {
+    LibraryOptions options = CheapOptions(job.scratch);
+    options.keepUnsavedWork = true;
+    return CreateAtlavexLibrary(options);
+}
+
+void Edit(const Job& job) {
+    const auto library = NewKeepingLibrary(job);
+    library->LoadFromFile(job.file, job.key);
+    DoSteps(job, *library);
+}
+
+void EditNew(const Job& job) {
+    DoSteps(job, *NewKeepingLibrary(job));
+}
+
 void Read(const Job& job) {
     const auto library = Load(job);
     for (const Damage& damage : library->Verify())
@@ -128,6 +177,8 @@ void Do(const std::string& operation, const Job& job) {
                                                                            {"merge", Merge},
                                                                            {"compact", Compact},
                                                                            {"export", Export},
+                                                                           {"edit", Edit},
+                                                                           {"edit-new", EditNew},
                                                                            {"read", Read}};
     operations.at(operation)(job);
 }

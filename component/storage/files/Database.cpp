@@ -144,7 +144,8 @@ Database::Database(const std::filesystem::path& file, Mode mode, std::string sho
     : mode_(mode), writeBack_(file), shownName_(std::move(shownName)) {
     sqlite3* raw = nullptr;
     const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_FULLMUTEX | SQLITE_OPEN_EXRESCODE;
-    const int code = sqlite3_open_v2(file.c_str(), &raw, flags, files_.Name());
+    const int code =
+        sqlite3_open_v2(file.c_str(), &raw, flags, mode == Mode::KeptScratch ? nullptr : files_.Name());
     handle_.reset(raw);
     if (code != SQLITE_OK)
         throw ErrorOf(shownName_, code, raw != nullptr ? sqlite3_system_errno(raw) : 0);
@@ -158,7 +159,9 @@ Database::Database(const std::filesystem::path& file, Mode mode, std::string sho
     Execute("PRAGMA temp_store=MEMORY; PRAGMA mmap_size=0; PRAGMA cell_size_check=ON;"
             "PRAGMA trusted_schema=OFF; PRAGMA secure_delete=FAST;");
     // A hardened connection takes no journal_mode=OFF; in memory, none lies beside the file after a kill.
-    if (mode != Mode::Existing)
+    if (mode == Mode::KeptScratch)
+        Execute("PRAGMA cache_size=-8000; PRAGMA synchronous=OFF;");
+    else if (mode != Mode::Existing)
         Execute("PRAGMA cache_size=-8000; PRAGMA locking_mode=EXCLUSIVE; PRAGMA journal_mode=MEMORY; PRAGMA "
                 "synchronous=OFF;");
 }
@@ -200,7 +203,7 @@ Bytes Database::ReadRaw(std::int64_t offset, int length) const {
 }
 
 void Database::StartWriteBack() {
-    if (mode_ != Mode::Scratch)
+    if (mode_ != Mode::Scratch && mode_ != Mode::KeptScratch)
         writeBack_.Start();
 }
 

@@ -47,7 +47,12 @@ public:
     enum class Mode {
         Existing, ///< read and write, as far as the file permits; it must exist
         Fill,     ///< an existing empty file that is filled in one go: no journal on disk, no sync of its own
-        Scratch   ///< the same for a file that never has to outlive the program
+        Scratch,  ///< the same for a file that never has to outlive the program
+        /// A scratch, new or left behind, that outlives a killed program, though no power failure: each
+        /// transaction wholly or not at all, through a journal beside it that is never synced. No guard
+        /// stands before that journal: nobody but this user's own programs writes there, and space that is
+        /// given back is what the guard would refuse.
+        KeptScratch
     };
 
     /// `shownName` is the name that error sentences give; the path may be that of a temporary. Nothing to
