@@ -88,19 +88,45 @@ endfunction()
 # code for undefined behaviour, most of it the test framework's, would nearly double the time that it takes to
 # compile. Without any optimisation what is gained there is lost again when they run.
 set(QUORVANT_TEST_OPTIONS -O1)
-if(QUORVANT_SANITIZE MATCHES "undefined")
+# Tests that look at programs, windows and numbers from outside hold nothing that a sanitizer could find; what they
+# drive is checked as everywhere.
+set(QUORVANT_OUTSIDE_TEST_OPTIONS -O0)
+if(QUORVANT_SANITIZE)
     list(APPEND QUORVANT_TEST_OPTIONS -fno-sanitize=undefined)
+    list(APPEND QUORVANT_OUTSIDE_TEST_OPTIONS -fno-sanitize=all)
 endif()
+
+# What a source of a test costs the compiler is mostly what it includes: several at once are compiled in half the
+# time. Who changes one of them over and over sets this to OFF.
+option(QUORVANT_JOIN_TESTS "Compile several sources of a test program at once" ON)
+function(quorvant_join_sources name)
+    if(NOT QUORVANT_JOIN_TESTS)
+        return()
+    endif()
+    set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # A source that is included counts as a header, whose types should not be local ones.
+        target_compile_options(${name} PRIVATE -Wno-subobject-linkage)
+    endif()
+endfunction()
 
 # quorvant_test(NAME SOURCES file... LIBS lib... [LABELS label...] [TIMEOUT seconds])
 # One GoogleTest program; CTest lists each of its tests by name.
 function(quorvant_test name)
-    cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LIBS;LABELS" ${ARGN})
+    cmake_parse_arguments(ARG "OUTSIDE" "TIMEOUT" "SOURCES;LIBS;LABELS" ${ARGN})
+    if(QUORVANT_SANITIZE AND "release-only" IN_LIST ARG_LABELS)
+        return()
+    endif()
     add_executable(${name} ${ARG_SOURCES})
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
     target_link_libraries(${name} PRIVATE quorvant_options test_support ${ARG_LIBS} GTest::gmock GTest::gtest_main)
-    target_compile_options(${name} PRIVATE ${QUORVANT_TEST_OPTIONS})
-    target_precompile_headers(${name} REUSE_FROM test_precompiled)
+    if(ARG_OUTSIDE)
+        target_compile_options(${name} PRIVATE ${QUORVANT_OUTSIDE_TEST_OPTIONS})
+    else()
+        target_compile_options(${name} PRIVATE ${QUORVANT_TEST_OPTIONS})
+        target_precompile_headers(${name} REUSE_FROM test_precompiled)
+    endif()
+    quorvant_join_sources(${name})
     target_compile_definitions(${name} PRIVATE
         TEST_DATA_DIR="${CMAKE_SOURCE_DIR}/tests/data" SOURCE_DIR="${CMAKE_SOURCE_DIR}" BUILD_DIR="${CMAKE_BINARY_DIR}")
     if(NOT ARG_TIMEOUT)
@@ -120,6 +146,12 @@ function(quorvant_desktop_library name)
     target_compile_definitions(${name} PUBLIC QT_NO_KEYWORDS QT_NO_CAST_FROM_BYTEARRAY)
 endfunction()
 
+# What several programs over real widgets share is compiled as they are.
+function(quorvant_compile_as_desktop_test name)
+    target_compile_options(${name} PRIVATE ${QUORVANT_OUTSIDE_TEST_OPTIONS})
+    target_precompile_headers(${name} REUSE_FROM test_desktop)
+endfunction()
+
 # quorvant_desktop_test(NAME SOURCES file... LIBS lib... [LABELS label...] [TIMEOUT seconds])
 # A GoogleTest program over real widgets on Qt's offscreen platform.
 function(quorvant_desktop_test name)
@@ -127,8 +159,8 @@ function(quorvant_desktop_test name)
     add_executable(${name} ${ARG_SOURCES})
     set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
     target_link_libraries(${name} PRIVATE quorvant_options test_support test_desktop ${ARG_LIBS})
-    target_compile_options(${name} PRIVATE ${QUORVANT_TEST_OPTIONS})
-    target_precompile_headers(${name} REUSE_FROM test_desktop)
+    quorvant_compile_as_desktop_test(${name})
+    quorvant_join_sources(${name})
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 900) # a test that hangs, also on a machine that is busy with other things
     endif()

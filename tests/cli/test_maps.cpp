@@ -17,7 +17,7 @@ using Maps = AtlavexTest;
 
 constexpr const char* DatePattern = "[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}";
 
-std::vector<std::string> Keys(const nlohmann::ordered_json& object) {
+std::vector<std::string> KeysOf(const nlohmann::ordered_json& object) {
     std::vector<std::string> keys;
     for (const auto& [key, value] : object.items())
         keys.push_back(key);
@@ -32,7 +32,7 @@ TEST_F(Maps, ANewMapCarriesTheEditorsTextsInItsOrder) {
     const std::string library = NewLibrary();
     Do({"add-map", library, Bmp("north.part.bmp"), "--description", "a \"description\""});
     const auto map = DoJson({"info", library})["maps"][0];
-    EXPECT_THAT(Keys(map["metadata"]),
+    EXPECT_THAT(KeysOf(map["metadata"]),
                 ElementsAre("name", "description", "version", "created", "lastchanged"));
     EXPECT_EQ(map["metadata"]["name"], "north");
     EXPECT_EQ(map["metadata"]["description"], "a \"description\"");
@@ -311,7 +311,7 @@ TEST_F(Maps, TextsOfAnyKindComeBackAsTheyWere) {
     for (const std::string& text : texts)
         unset.push_back(text.substr(0, text.find('=')));
     Do(unset + Words{"no such key"});
-    EXPECT_THAT(Keys(DoJson({"info", library})["maps"][0]["metadata"]),
+    EXPECT_THAT(KeysOf(DoJson({"info", library})["maps"][0]["metadata"]),
                 ElementsAre("name", "description", "version", "created", "lastchanged"));
 }
 
@@ -373,7 +373,7 @@ TEST_F(Maps, RemovedObjectsAreGone) {
 TEST_F(Maps, AnIconHasItsOwnVersionAndAnOffset) {
     const std::string library = ScaledLibrary();
     auto icon = DoJson({"info", library})["icons"][0];
-    EXPECT_THAT(Keys(icon["metadata"]),
+    EXPECT_THAT(KeysOf(icon["metadata"]),
                 ElementsAre("name", "description", "version", "created", "lastchanged"));
     EXPECT_EQ(icon["metadata"]["version"], "1.0");
     EXPECT_EQ(icon["name"], "Hut");

@@ -78,11 +78,11 @@ int CodeOf(const TypedCase& row, int zone) {
 void CompareZoneWithoutCode(const TypedCase& row, int zone) {
     const double lon0 = row.lonStep * zone + row.lonBase;
     const double strip = row.identifier == 29 ? zone * 1e6 : 0;
-    const std::string json =
+    const std::string definition =
         TransverseMercatorJson(row.geographic, lon0, row.k0, 500000 + strip, row.falseNorthing);
     const ReferenceArea area{lon0 - row.lonStep, -80, lon0 + row.lonStep, 84};
     ExpectSameGrid(MakeGrid(static_cast<std::int16_t>(row.identifier), zone),
-                   ReferenceGrid(row.geographic, json), area.Points(Side));
+                   ReferenceGrid(row.geographic, definition), area.Points(Side));
 }
 
 void CompareStatePlane(std::int16_t identifier, std::span<const StatePlaneCode> codes) {

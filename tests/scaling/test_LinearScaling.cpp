@@ -39,12 +39,12 @@ Points PointsOf(const Affine& affine, std::array<PixelPosition, 3> pixels) {
     return points;
 }
 
-struct Sheet {
+struct AffineSheet {
     const char* name;
     Affine affine;
 };
 
-const Sheet Sheets[] = {
+const AffineSheet AffineSheets[] = {
     {"north up in metres", {2, 0, 500000, 0, -2, 6000000}},
     {"turned by 30 degrees", {1.7320508, 1, 3400000, 1, -1.7320508, 5800000}},
     {"turned by a quarter", {0, 2.5, 600000, 2.5, 0, 6100000}},
@@ -56,7 +56,7 @@ const Sheet Sheets[] = {
 } // namespace
 
 TEST(LinearScaling, GivesBackItsOwnPointsToABillionthOfTheSpan) {
-    for (const Sheet& sheet : Sheets) {
+    for (const AffineSheet& sheet : AffineSheets) {
         const Points points = PointsOf(sheet.affine, {{{12, 40}, {59000, 801}, {23, 59990}}});
         const auto scaling = MakeLinearScaling(points);
         for (const ReferencePoint& point : points) {
@@ -70,7 +70,7 @@ TEST(LinearScaling, GivesBackItsOwnPointsToABillionthOfTheSpan) {
 }
 
 TEST(LinearScaling, GoesToCoordinatesAndBackWithinAMillionthOfAPixel) {
-    for (const Sheet& sheet : Sheets) {
+    for (const AffineSheet& sheet : AffineSheets) {
         const auto scaling =
             MakeLinearScaling(PointsOf(sheet.affine, {{{12, 40}, {59000, 801}, {23, 59990}}}));
         for (double x = 0; x <= 60000; x += 2500.5)
@@ -83,7 +83,7 @@ TEST(LinearScaling, GoesToCoordinatesAndBackWithinAMillionthOfAPixel) {
 }
 
 TEST(LinearScaling, FindsTheSixNumbersAgain) {
-    for (const Sheet& sheet : Sheets) {
+    for (const AffineSheet& sheet : AffineSheets) {
         const Affine found = AffineOf(PointsOf(sheet.affine, {{{0, 0}, {10000, 0}, {0, 10000}}}));
         EXPECT_NEAR(found.a, sheet.affine.a, 1e-12 * 60000) << sheet.name;
         EXPECT_NEAR(found.b, sheet.affine.b, 1e-12 * 60000) << sheet.name;

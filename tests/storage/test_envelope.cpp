@@ -6,6 +6,7 @@
 #include "component/storage/Envelope.h"
 #include "component/storage/FileHeader.h"
 #include "component/storage/Sealing.h"
+#include "tests/storage/CheapKey.h"
 #include "tests/storage/Hex.h"
 
 #include <gtest/gtest.h>
@@ -37,8 +38,6 @@ constexpr std::array<SealedVector, 3> Vectors{{
     {BlobKind::MapRecord, 9, "map nine",
      "040404040404040404040404040404040404040404040404982ae4d442fb6ecc4c68431a6af383185d7b1a816d9df70f"},
 }};
-
-constexpr KeyCost Cheap{1, 8192};
 
 HeaderMac MacOf(const Bytes& bytes) {
     HeaderMac mac{};

@@ -3,6 +3,7 @@
 #include "base/ComponentError.h"
 #include "component/storage/Schema.h"
 #include "component/storage/TileDirectory.h"
+#include "tests/storage/CheapKey.h"
 #include "tests/storage/Hex.h"
 #include "tests/support/TempFolder.h"
 
@@ -13,8 +14,6 @@
 #include <thread>
 
 namespace {
-
-constexpr KeyCost Cheap{1, 8192};
 
 /// Plain and sealed.
 class TileDirectory : public testing::TestWithParam<bool> {

@@ -3,6 +3,7 @@
 #include "base/ComponentError.h"
 #include "tests/support/RunProgram.h"
 #include "tests/support/TempFolder.h"
+#include "tests/tiles/AllFormats.h"
 
 #include <gtest/gtest.h>
 
@@ -15,9 +16,6 @@
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-
-constexpr PixelFormat AllFormats[] = {PixelFormat::Grey, PixelFormat::Palette, PixelFormat::Rgb,
-                                      PixelFormat::Rgba};
 
 /// Tile sides that divide by nothing and sizes that leave one row, one column or one pixel over.
 struct Shape {

@@ -4,6 +4,7 @@
 #include "component/tiles/PngChunks.h"
 #include "component/tiles/PngFilters.h"
 #include "component/tiles/ScreenPixels.h"
+#include "tests/tiles/AllFormats.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -20,9 +21,6 @@
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-
-constexpr PixelFormat AllFormats[] = {PixelFormat::Grey, PixelFormat::Palette, PixelFormat::Rgb,
-                                      PixelFormat::Rgba};
 
 /// A tile of smooth colours under a little noise, or of nothing but noise.
 struct Sample {
