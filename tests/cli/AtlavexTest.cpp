@@ -136,3 +136,11 @@ std::set<std::string> AtlavexTest::FileNames() const {
         names.insert(entry.path().filename().string());
     return names;
 }
+
+Words Lines(const std::string& text) {
+    std::istringstream stream(text);
+    Words lines;
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}

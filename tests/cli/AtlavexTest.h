@@ -57,3 +57,6 @@ private:
 extern const Words SheetScaling;
 
 Words operator+(Words left, const Words& right);
+
+/// The lines of a text, without their ends.
+Words Lines(const std::string& text);

@@ -13,14 +13,6 @@ struct Row {
     bool operator==(const Row&) const = default;
 };
 
-std::vector<std::string> Lines(const std::string& text) {
-    std::istringstream stream(text);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(stream, line);)
-        lines.push_back(line);
-    return lines;
-}
-
 /// The cells of a table's row without the blanks around them; none for any other line.
 std::vector<std::string> Cells(const std::string& line) {
     if (!line.starts_with("| "))

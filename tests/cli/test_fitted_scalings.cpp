@@ -42,14 +42,6 @@ protected:
     std::string library_ = In("a.Atlavex");
 };
 
-std::vector<std::string> Lines(const std::string& text) {
-    std::istringstream stream(text);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(stream, line);)
-        lines.push_back(line);
-    return lines;
-}
-
 } // namespace
 
 TEST_F(FittedScalings, PrintWhatEveryPointIsOffTheWorstFirst) {

@@ -11,9 +11,9 @@ using testing::HasSubstr;
 
 namespace {
 
-using Points = std::array<ReferencePoint, 3>;
+using PointTriple = std::array<ReferencePoint, 3>;
 
-ErrorNumber FaultOf(const Points& points, std::string& sentence) {
+ErrorNumber FaultOf(const PointTriple& points, std::string& sentence) {
     try {
         MakeLinearScaling(points);
     } catch (const ComponentError& error) {
@@ -23,15 +23,15 @@ ErrorNumber FaultOf(const Points& points, std::string& sentence) {
     return ErrorNumber::Failed;
 }
 
-void ExpectLineFault(const Points& points, const char* sentence) {
+void ExpectLineFault(const PointTriple& points, const char* sentence) {
     std::string said;
     EXPECT_EQ(FaultOf(points, said), ErrorNumber::PointsOnALine) << said;
     EXPECT_THAT(said, HasSubstr(sentence));
 }
 
 /// Points of a known affine map, for the sheets below.
-Points PointsOf(const Affine& affine, std::array<PixelPosition, 3> pixels) {
-    Points points;
+PointTriple PointsOf(const Affine& affine, std::array<PixelPosition, 3> pixels) {
+    PointTriple points;
     for (std::size_t i = 0; i < 3; ++i)
         points[i] = {affine.a * pixels[i].x + affine.b * pixels[i].y + affine.c,
                      affine.d * pixels[i].x + affine.e * pixels[i].y + affine.f,
@@ -57,7 +57,7 @@ const AffineSheet AffineSheets[] = {
 
 TEST(LinearScaling, GivesBackItsOwnPointsToABillionthOfTheSpan) {
     for (const AffineSheet& sheet : AffineSheets) {
-        const Points points = PointsOf(sheet.affine, {{{12, 40}, {59000, 801}, {23, 59990}}});
+        const PointTriple points = PointsOf(sheet.affine, {{{12, 40}, {59000, 801}, {23, 59990}}});
         const auto scaling = MakeLinearScaling(points);
         for (const ReferencePoint& point : points) {
             const WorldPosition world =
@@ -96,11 +96,11 @@ TEST(LinearScaling, FindsTheSixNumbersAgain) {
 
 TEST(LinearScaling, RefusesPointsThatSpanNoTriangleAndSaysWhich) {
     ExpectLineFault({{{0, 0, 5, 5}, {1, 0, 5, 5}, {0, 1, 90, 5}}},
-                    "Points 1 and 2 are the same place on the map.");
+                    "PointTriple 1 and 2 are the same place on the map.");
     ExpectLineFault({{{0, 0, 5, 5}, {1, 0, 90, 5}, {0, 1, 5, 5}}},
-                    "Points 1 and 3 are the same place on the map.");
+                    "PointTriple 1 and 3 are the same place on the map.");
     ExpectLineFault({{{0, 0, 0, 0}, {3, 4, 90, 0}, {3, 4, 0, 90}}},
-                    "Points 2 and 3 have the same coordinates.");
+                    "PointTriple 2 and 3 have the same coordinates.");
     ExpectLineFault({{{0, 0, 0, 0}, {1, 0, 100, 100}, {0, 1, 200, 200}}},
                     "The three points lie on one line on the map.");
     ExpectLineFault({{{0, 0, 0, 0}, {1, 0, 30000, 1}, {0, 1, 60000, 0}}},
@@ -112,7 +112,7 @@ TEST(LinearScaling, RefusesPointsThatSpanNoTriangleAndSaysWhich) {
 }
 
 TEST(LinearScaling, AcceptsALongNarrowSheet) {
-    EXPECT_NO_THROW(MakeLinearScaling(Points{{{0, 0, 0, 0}, {60000, 0, 60000, 0}, {0, -500, 0, 500}}}));
+    EXPECT_NO_THROW(MakeLinearScaling(PointTriple{{{0, 0, 0, 0}, {60000, 0, 60000, 0}, {0, -500, 0, 500}}}));
 }
 
 TEST(LinearScaling, RefusesValuesThatAreNoNumbersAndSaysWhich) {
@@ -131,14 +131,15 @@ TEST(LinearScaling, RefusesValuesThatAreNoNumbersAndSaysWhich) {
 TEST(LinearScaling, TakesPixelsFromEndToEndOfTheirRange) {
     constexpr std::int32_t low = std::numeric_limits<std::int32_t>::min();
     constexpr std::int32_t high = std::numeric_limits<std::int32_t>::max();
-    const auto scaling = MakeLinearScaling(Points{{{0, 0, low, low}, {1, 0, high, low}, {0, 1, low, high}}});
+    const auto scaling =
+        MakeLinearScaling(PointTriple{{{0, 0, low, low}, {1, 0, high, low}, {0, 1, low, high}}});
     const WorldPosition middle = scaling->PixelToWorld({-0.5, -0.5});
     EXPECT_NEAR(middle.x, 0.5, 1e-12);
     EXPECT_NEAR(middle.y, 0.5, 1e-12);
 }
 
 TEST(LinearScaling, HasNoPixelForACoordinateThatIsNone) {
-    const auto scaling = MakeLinearScaling(Points{{{0, 0, 0, 0}, {1, 0, 9, 0}, {0, 1, 0, 9}}});
+    const auto scaling = MakeLinearScaling(PointTriple{{{0, 0, 0, 0}, {1, 0, 9, 0}, {0, 1, 0, 9}}});
     EXPECT_THROW(scaling->WorldToPixel({std::numeric_limits<double>::infinity(), 0}), ComponentError);
 }
 

@@ -14,7 +14,7 @@ using testing::HasSubstr;
 
 namespace {
 
-using Corners = std::array<ReferencePoint, 4>;
+using FourCorners = std::array<ReferencePoint, 4>;
 
 /// How the sheet of a projection lies on the scanned picture.
 struct Placing {
@@ -50,7 +50,7 @@ public:
         return Place(at.xy.x, at.xy.y, scale_, placing_);
     }
 
-    Corners CornerPoints() const {
+    FourCorners CornerPoints() const {
         return {Corner(west_, north_), Corner(west_, south_), Corner(east_, north_), Corner(east_, south_)};
     }
 
@@ -94,7 +94,7 @@ void ExpectAgreementWithProj(double west, double east, double south, double nort
 }
 
 /// The polar scaling by its definition: apex, angles and radii, in long double.
-WorldPosition ByDefinition(const Corners& c, long double x, long double y) {
+WorldPosition ByDefinition(const FourCorners& c, long double x, long double y) {
     using L = long double;
     const L x1 = c[0].pixelX, y1 = c[0].pixelY, x2 = c[1].pixelX, y2 = c[1].pixelY;
     const L x3 = c[2].pixelX, y3 = c[2].pixelY, x4 = c[3].pixelX, y4 = c[3].pixelY;
@@ -116,7 +116,7 @@ WorldPosition ByDefinition(const Corners& c, long double x, long double y) {
 
 struct Sheet {
     const char* name;
-    Corners corners;
+    FourCorners corners;
 };
 
 const Sheet Sheets[] = {
@@ -177,7 +177,7 @@ void ExpectRoundTrip(const Sheet& sheet, double side) {
         }
 }
 
-void ExpectImpossible(const Corners& corners, const char* sentence) {
+void ExpectImpossible(const FourCorners& corners, const char* sentence) {
     try {
         MakePolarScaling(corners);
         ADD_FAILURE() << "accepted: " << sentence;
@@ -228,7 +228,7 @@ TEST(PolarScaling, GoesToCoordinatesAndBackWithinAMillionthOfAPixel) {
 
 TEST(PolarScaling, PassesSmoothlyFromAnApexAboveThroughParallelSidesToOneBelow) {
     const auto middle = [](std::int32_t inset) {
-        const Corners corners{
+        const FourCorners corners{
             {{9, 56, inset, 0}, {9, 55, -inset, 60000}, {11, 56, 60000, 0}, {11, 55, 60000, 60000}}};
         return MakePolarScaling(corners)->PixelToWorld({31000, 29000});
     };
@@ -257,7 +257,7 @@ TEST(PolarScaling, RefusesCornersThatSpanNoSheetAndSaysWhy) {
         point.pixelY = y;
         return point;
     };
-    ASSERT_NO_THROW(MakePolarScaling(Corners{{ul, ll, ur, lr}}));
+    ASSERT_NO_THROW(MakePolarScaling(FourCorners{{ul, ll, ur, lr}}));
     ExpectImpossible({{ul, at(ll, 10, 10), ur, lr}}, "Corners 1 and 2 are the same place on the map.");
     ExpectImpossible({{ul, ll, at(ur, 10, 10), lr}}, "Corners 1 and 3 are the same place on the map.");
     ExpectImpossible({{ul, ll, at(ur, 100, 100), at(lr, 90, 10)}}, "The corners are crossed");
@@ -270,7 +270,7 @@ TEST(PolarScaling, RefusesCornersThatSpanNoSheetAndSaysWhy) {
 
 TEST(PolarScaling, RefusesEqualValuesWhereTheyMustDiffer) {
     const auto corners = [](double x3, double y2, double y4) {
-        return Corners{{{9, 56, 10, 10}, {9, y2, 0, 100}, {x3, 56, 90, 10}, {11, y4, 100, 100}}};
+        return FourCorners{{{9, 56, 10, 10}, {9, y2, 0, 100}, {x3, 56, 90, 10}, {11, y4, 100, 100}}};
     };
     ExpectImpossible(corners(9, 55, 55), "Corners 1 and 3 have the same longitude or easting.");
     ExpectImpossible(corners(11, 56, 55), "Corners 1 and 2 have the same latitude or northing.");
@@ -280,7 +280,7 @@ TEST(PolarScaling, RefusesEqualValuesWhereTheyMustDiffer) {
 }
 
 TEST(PolarScaling, RefusesValuesThatAreNoNumbers) {
-    Corners corners{{{9, 56, 10, 10}, {9, 55, 0, 100}, {11, 56, 90, 10}, {11, 55, 100, 100}}};
+    FourCorners corners{{{9, 56, 10, 10}, {9, 55, 0, 100}, {11, 56, 90, 10}, {11, 55, 100, 100}}};
     corners[2].y = std::numeric_limits<double>::quiet_NaN();
     try {
         MakePolarScaling(corners);
@@ -292,7 +292,7 @@ TEST(PolarScaling, RefusesValuesThatAreNoNumbers) {
 }
 
 TEST(PolarScaling, HasNoPixelBeyondTheApex) {
-    const Corners corners{{{0, 80, 400, 100}, {0, 40, 100, 500}, {90, 80, 600, 100}, {90, 40, 900, 500}}};
+    const FourCorners corners{{{0, 80, 400, 100}, {0, 40, 100, 500}, {90, 80, 600, 100}, {90, 40, 900, 500}}};
     const auto scaling = MakePolarScaling(corners);
     EXPECT_NO_THROW(scaling->WorldToPixel({45, 85}));
     for (const WorldPosition& world : {WorldPosition{45, 2000}, WorldPosition{4000, 60},

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr double Nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
 
 template <std::size_t Size>
 std::array<std::uint8_t, Size> Filled(std::uint8_t first) {
@@ -158,12 +158,12 @@ TEST(MapRecord, RefusesImpossibleValues) {
         {"no palette", [](MapRecord& r) { r.palette.clear(); }},
         {"257 colours", [](MapRecord& r) { r.palette.resize(257); }},
         {"zoom 0", [](MapRecord& r) { r.zoom = 0; }},
-        {"zoom not a number", [](MapRecord& r) { r.zoom = Nan; }},
+        {"zoom not a number", [](MapRecord& r) { r.zoom = NotANumber; }},
         {"datum not finite",
          [](MapRecord& r) {
-             r.georeference.datum = QuorvantDatum({1, 2, 3, 4, 5, 6, 7, 8, Nan});
+             r.georeference.datum = QuorvantDatum({1, 2, 3, 4, 5, 6, 7, 8, NotANumber});
          }},
-        {"grid not finite", [](MapRecord& r) { r.georeference.grid->values[6] = Nan; }},
+        {"grid not finite", [](MapRecord& r) { r.georeference.grid->values[6] = NotANumber; }},
         {"point not finite",
          [](MapRecord& r) { r.georeference.points[3].y = std::numeric_limits<double>::infinity(); }},
         {"scaling 3", [](MapRecord& r) { r.georeference.kind = ScalingKind{3}; }},
