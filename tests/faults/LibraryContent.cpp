@@ -41,6 +41,28 @@ void AddMetadata(Fingerprint& print, const Metadata& metadata) {
     }
 }
 
+void AddPoints(Fingerprint& print, const std::vector<MeasuredPoint>& points) {
+    print.Number(points.size());
+    for (const MeasuredPoint& point : points) {
+        for (const double number : {point.x, point.y, point.pixelX, point.pixelY})
+            print.Number(std::bit_cast<std::uint64_t>(number));
+        print.Text(point.label);
+    }
+}
+
+void AddParticulars(Fingerprint& print, const Georeference& georeference) {
+    const SystemIdentity& system = georeference.system;
+    for (const std::string& text : {system.code, system.name, system.shiftCode, system.shiftName})
+        print.Text(text);
+    print.Number(std::bit_cast<std::uint64_t>(system.shiftAccuracy));
+    print.Number(system.shiftUnknown ? 1 : 0);
+    AddPoints(print, georeference.entered);
+    for (const CheckSet& set : georeference.checks) {
+        print.Text(set.name);
+        AddPoints(print, set.points);
+    }
+}
+
 void AddGeoreference(Fingerprint& print, const Georeference& georeference) {
     print.Number(static_cast<std::uint64_t>(georeference.kind));
     print.Number(static_cast<std::uint64_t>(georeference.gridIdentifier));
@@ -51,6 +73,7 @@ void AddGeoreference(Fingerprint& print, const Georeference& georeference) {
         print.Number(static_cast<std::uint64_t>(point.pixelX));
         print.Number(static_cast<std::uint64_t>(point.pixelY));
     }
+    AddParticulars(print, georeference);
 }
 
 void AddMap(Fingerprint& print, AtlavexMap& map) {

@@ -105,12 +105,16 @@ protected:
         MakeNoiseImage(folder_ / "extra.bmp", 300, 300, 5);
     }
 
-    /// A save that adds a map, removes another and changes a text; gives what SQLite did to the files.
+    /// A save that adds a map, removes another, changes a text and takes the file to another format version;
+    /// gives what SQLite did to the files.
     std::vector<DiskEvent> Save() {
         const auto library = CreateAtlavexLibrary(CheapOptions(folder_.Path().string()));
         library->LoadFromFile(file_.string(), GetParam());
         library->AddMapFromImageFile((folder_ / "extra.bmp").string(), "Added", 256, 256);
         library->GetMap(library->MapIdAt(1))->SetMetadata("author", "Someone else");
+        library->GetMap(library->MapIdAt(1))->SetCheckSets({{"towers", {{10.5, 49.5, 20, 15.25, "mill"}}}});
+        library->GetMap(library->MapIdAt(1))
+            ->SetScalingThreePoints({10, 50, 0, 0}, {11, 50, 40, 0}, {10, 49, 0, 30});
         library->RemoveMap(library->MapIdAt(2));
         RecordingVfs::Start();
         library->SaveToFile(file_.string(), GetParam());
