@@ -51,6 +51,14 @@ struct Damage {
     std::string reason; ///< one sentence
 };
 
+/// What came of loading a damaged library.
+struct SalvageReport {
+    std::int32_t maps = 0;       ///< that were found
+    std::int32_t icons = 0;      ///< likewise
+    std::int64_t tiles = 0;      ///< that are as they were stored
+    std::vector<Damage> damages; ///< what is not; nothing when all is sound
+};
+
 /// What came of loading unsaved work.
 struct LoadedWork {
     std::vector<std::string> notes; ///< what is worth knowing, in sentences: that the file has changed since
@@ -117,6 +125,13 @@ public:
     /// nothing is loaded (KeyFitted). Errors: FileLocked while a program uses the scratch, FileDamaged.
     virtual LoadedWork LoadUnsavedWork(const std::string& scratch, const std::string& key,
                                        const std::string& base) = 0;
+
+    /// Replaces the content by all that is sound in a damaged file, which is only read: where its structure
+    /// is broken, what stands in it is found page by page. It is not saved; SaveToFile under the same key
+    /// does that, to another name. A wrong key is no error: nothing is loaded (KeyFitted). Of a sealed file
+    /// nothing is taken that does not open under its key. Errors: FileNotFound, FileNotReadable, FileDamaged
+    /// where nothing can be had.
+    virtual SalvageReport SalvageFromFile(const std::string& file, const std::string& key) = 0;
 
     /// Ends the operation that is running (to be called from inside an event). Takes effect within 50 ms; the
     /// derivation of a key from its text (some 0.6 s) and the wait for the disk at the end of a save are

@@ -135,6 +135,7 @@ CommandSet::CommandSet() : app_(std::make_unique<CLI::App>("", "atlavex")) {
     AddReadCommands(*this);
     AddRecoverCommand(*this);
     AddReviewCommand(*this);
+    AddSalvageCommand(*this);
     AddCoordinateCommands(*this);
     AddOutputCommands(*this);
 }

@@ -88,5 +88,6 @@ void AddObjectCommands(CommandSet& commands);
 void AddReadCommands(CommandSet& commands);
 void AddRecoverCommand(CommandSet& commands);
 void AddReviewCommand(CommandSet& commands);
+void AddSalvageCommand(CommandSet& commands);
 void AddCoordinateCommands(CommandSet& commands);
 void AddOutputCommands(CommandSet& commands);

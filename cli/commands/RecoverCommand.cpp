@@ -35,9 +35,11 @@ std::string Count(std::int32_t count, const std::string& one) {
 }
 
 std::string ChangesOf(const UnsavedWork& work) {
-    std::string text = Count(work.changedMaps, "map") + " and " + Count(work.changedIcons, "icon") + " added or changed";
+    std::string text =
+        Count(work.changedMaps, "map") + " and " + Count(work.changedIcons, "icon") + " added or changed";
     if (work.removedMaps > 0 || work.removedIcons > 0)
-        text += ", " + Count(work.removedMaps, "map") + " and " + Count(work.removedIcons, "icon") + " removed";
+        text +=
+            ", " + Count(work.removedMaps, "map") + " and " + Count(work.removedIcons, "icon") + " removed";
     return text;
 }
 
@@ -46,8 +48,8 @@ std::string AsText(const UnsavedWork& work) {
     if (!work.problem.empty())
         return start + work.problem + "\n";
     return start + "library: " + (work.library.empty() ? "a new one, never saved" : work.library) +
-           "\n  last change: " + work.time + "\n  unsaved: " + ChangesOf(work) + "\n  key: " +
-           (work.needsKey ? "needed" : "none") + "\n" +
+           "\n  last change: " + work.time + "\n  unsaved: " + ChangesOf(work) +
+           "\n  key: " + (work.needsKey ? "needed" : "none") + "\n" +
            (work.isInUse ? "  in use by a program that is running\n" : "");
 }
 
@@ -95,8 +97,9 @@ ExitStatus Recover(const RecoverOptions& options) {
     for (const std::string& missing : work.missing)
         PrintMessage("The " + missing + " could not be recovered: its pixels are in no file that was found.");
     if (!work.missing.empty())
-        throw CommandFailure(ExitStatus::Failed, "What was found is in '" + options.to + "'; the unsaved work stays in '" +
-                                                     options.scratch + "'.");
+        throw CommandFailure(ExitStatus::Failed, "What was found is in '" + options.to +
+                                                     "'; the unsaved work stays in '" + options.scratch +
+                                                     "'.");
     DiscardUnsavedWork(options.scratch);
     return ExitStatus::Done;
 }
@@ -126,22 +129,29 @@ ExitStatus RunRecover(const RecoverOptions& options) {
 
 void AddRecoverCommand(CommandSet& commands) {
     auto options = std::make_shared<RecoverOptions>();
-    CLI::App& command = commands.Add(
-        {"recover",
-         "[SCRATCH] [--json]\n       atlavex recover SCRATCH --to FILE [--base LIBRARY] [--key-file K | --key-env "
-         "NAME]\n       atlavex recover SCRATCH --discard",
-         "Get unsaved work back after a crash.",
-         "The editor keeps what is not saved yet in a scratch file, and an editor that was killed leaves it there. "
-         "Without an option this lists the scratches with unsaved work, or says more of one. With --to it makes a new "
-         "library as it was in the editor: the content of the file that was open and the unsaved changes. A file that "
-         "exists is never overwritten. The scratch goes when all of it is in the new library, and with --discard.",
-         "atlavex recover\natlavex recover ~/.cache/quorvant-studio/unsaved-4711-0a1b2c3d4e5f6071.scratch --to "
-         "saved.Atlavex"});
-    AddOptional(command, "SCRATCH", options->scratch, "The scratch file; all that can be found when not given.");
+    CLI::App& command = commands.Add({"recover",
+                                      "[SCRATCH] [--json]\n       atlavex recover SCRATCH --to FILE [--base "
+                                      "LIBRARY] [--key-file K | --key-env "
+                                      "NAME]\n       atlavex recover SCRATCH --discard",
+                                      "Get unsaved work back after a crash.",
+                                      "The editor keeps what is not saved yet in a scratch file, and an "
+                                      "editor that was killed leaves it there. "
+                                      "Without an option this lists the scratches with unsaved work, or says "
+                                      "more of one. With --to it makes a new "
+                                      "library as it was in the editor: the content of the file that was "
+                                      "open and the unsaved changes. A file that "
+                                      "exists is never overwritten. The scratch goes when all of it is in "
+                                      "the new library, and with --discard.",
+                                      "atlavex recover\natlavex recover "
+                                      "~/.cache/quorvant-studio/unsaved-4711-0a1b2c3d4e5f6071.scratch --to "
+                                      "saved.Atlavex"});
+    AddOptional(command, "SCRATCH", options->scratch,
+                "The scratch file; all that can be found when not given.");
     AddText(command, "--to", "FILE", options->to, "New library that is made of the work.");
     AddText(command, "--base", "LIBRARY", options->base,
             "Where the library that the work belongs to is now, when it has been moved.");
-    AddKey(command, options->key, "--key", "that opens the library that the work belongs to, when it is sealed");
+    AddKey(command, options->key, "--key",
+           "that opens the library that the work belongs to, when it is sealed");
     AddFlag(command, "--discard", options->discard, "Remove the scratch and the work in it.");
     AddJson(command, options->json);
     commands.OnRun(command, options, RunRecover);

@@ -54,6 +54,7 @@ public:
     void KeepUnsavedWork() override;
     LoadedWork LoadUnsavedWork(const std::string& scratch, const std::string& key,
                                const std::string& base) override;
+    SalvageReport SalvageFromFile(const std::string& file, const std::string& key) override;
     void CancelOperation() override { operations_->Cancel(); }
 
     std::vector<Damage> Verify() override;
@@ -85,6 +86,8 @@ private:
     /// Keeps the work after a step of its own; whether it could. What stood in the way is told by the next
     /// KeepUnsavedWork.
     bool KeepQuietly(const LibraryState& state) noexcept;
+    /// A content that stands in no file of its own takes the place of the present one.
+    void TakeUnsaved(LibraryState state, std::shared_ptr<const Envelope> envelope, const std::string& key);
     /// Nothing is unsaved any more.
     void NoteSaved();
     UnsavedKeeper::Base BaseOfWork() const;

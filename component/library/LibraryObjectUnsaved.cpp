@@ -3,6 +3,7 @@
 #include "base/Paths.h"
 #include "component/Recovery.h"
 #include "component/library/LibraryObject.h"
+#include "component/library/Salvage.h"
 #include "component/storage/Scratch.h"
 #include "component/storage/UnsavedRebuild.h"
 
@@ -55,6 +56,44 @@ LibraryState LibraryObject::Without(std::int64_t id) const {
     return state;
 }
 
+void LibraryObject::TakeUnsaved(LibraryState state, std::shared_ptr<const Envelope> envelope,
+                                const std::string& key) {
+    direct_.reset();
+    Replace(std::move(state));
+    file_.reset();
+    known_.Forget();
+    scratch_.reset();
+    envelope_ = std::move(envelope);
+    if (envelope_->IsSealed())
+        key_.Remember(key);
+    else
+        key_.Remember({});
+    if (KeepsWork())
+        keeper_.Saved({});
+}
+
+SalvageReport LibraryObject::SalvageFromFile(const std::string& file, const std::string& key) {
+    SalvageReport report;
+    LibraryState state;
+    std::shared_ptr<const Envelope> envelope;
+    operations_->Run([&](Progress& progress) {
+        DamagedFile damaged(RealPath(file));
+        if (!damaged.Open(key))
+            return;
+        envelope = damaged.GetEnvelope();
+        const auto scratch = MakeScratch(files_, options_.scratchFolder, envelope);
+        if (damaged.Header())
+            numbers_.Raise(damaged.Header()->nextNumber); // no number of the former file is given again
+        Salvage salvage(damaged, scratch, numbers_, progress);
+        state = salvage.Copy();
+        report = salvage.Report();
+    });
+    keyFitted_ = envelope != nullptr;
+    if (keyFitted_)
+        TakeUnsaved(std::move(state), std::move(envelope), key);
+    return report;
+}
+
 LoadedWork LibraryObject::LoadUnsavedWork(const std::string& scratch, const std::string& key,
                                           const std::string& base) {
     RebuiltWork work;
@@ -67,17 +106,9 @@ LoadedWork LibraryObject::LoadUnsavedWork(const std::string& scratch, const std:
     keyFitted_ = work.envelope != nullptr;
     if (!keyFitted_)
         return {};
-    direct_.reset();
-    Replace(std::move(work.state));
+    TakeUnsaved(std::move(work.state), std::move(work.envelope), key);
     file_ = std::move(work.file);
-    known_.Forget();
-    scratch_.reset();
-    envelope_ = std::move(work.envelope);
     numbers_.Raise(work.nextNumber);
-    if (envelope_->IsSealed())
-        key_.Remember(key);
-    else
-        key_.Remember({});
     if (KeepsWork())
         keeper_.Saved(file_ ? file_->ReadState() : LibraryState());
     return {std::move(work.notes), std::move(work.missing)};

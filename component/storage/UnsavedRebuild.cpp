@@ -28,8 +28,8 @@ public:
         work_.nextNumber = std::max(unsaved_.nextNumber, work_.file ? work_.file->Header().nextNumber : 1);
         for (const UnsavedState::Object& object : unsaved_.objects)
             if (!AddObject(object))
-                work_.missing.push_back((object.key.first == BlobKind::MapRecord ? "map '" : "icon '") + object.name +
-                                        "'");
+                work_.missing.push_back((object.key.first == BlobKind::MapRecord ? "map '" : "icon '") +
+                                        object.name + "'");
         AddStrangers();
         Number(renumberedMaps_, work_.state.maps);
         Number(renumberedIcons_, work_.state.icons);
@@ -76,15 +76,17 @@ private:
         try {
             const std::filesystem::path path = RealPath(name);
             if (FileHeader::Decode(LibraryFile::RowOf(path).header).id != Leader().Header().id) {
-                work_.notes.push_back("The file '" + name + "' is not the library that the work belongs to, or has "
-                                                            "another key since.");
+                work_.notes.push_back("The file '" + name +
+                                      "' is not the library that the work belongs to, or has "
+                                      "another key since.");
                 return;
             }
             work_.file = LibraryFile::Open(path, work_.envelope, name);
             file_ = work_.file->ReadState();
             if (work_.file->Header().generation != Leader().Header().generation)
-                work_.notes.push_back("The file '" + name + "' was saved since the work was begun; what is new in it "
-                                                            "stays.");
+                work_.notes.push_back("The file '" + name +
+                                      "' was saved since the work was begun; what is new in it "
+                                      "stays.");
         } catch (const ComponentError& error) {
             work_.notes.push_back(error.Description());
         } catch (const MalformedRecord& malformed) {
@@ -93,7 +95,8 @@ private:
     }
 
     bool AddObject(const UnsavedState::Object& object) {
-        return object.key.first == BlobKind::MapRecord ? AddMap(object.key.second) : AddIcon(object.key.second);
+        return object.key.first == BlobKind::MapRecord ? AddMap(object.key.second)
+                                                       : AddIcon(object.key.second);
     }
 
     Bytes Kept(const RecordKey& key) { return ReadUnsavedRecord(*containers_.front(), unsaved_, key); }
@@ -117,25 +120,29 @@ private:
     }
 
     template <typename State>
-    static std::shared_ptr<State> InFile(const std::vector<std::shared_ptr<State>>& objects, std::int64_t id) {
+    static std::shared_ptr<State> InFile(const std::vector<std::shared_ptr<State>>& objects,
+                                         std::int64_t id) {
         const auto found = std::ranges::find(objects, id, [](const auto& object) { return object->id; });
         return found != objects.end() ? *found : nullptr;
     }
 
     /// The scratch that holds a blob; nothing when none does.
     std::shared_ptr<Container> Holder(BlobKind kind, std::int64_t number) {
-        const auto holder = std::ranges::find_if(
-            containers_, [&](const auto& container) { return container->GetStored(kind, number).has_value(); });
+        const auto holder = std::ranges::find_if(containers_, [&](const auto& container) {
+            return container->GetStored(kind, number).has_value();
+        });
         return holder != containers_.end() ? *holder : nullptr;
     }
 
     bool AddMap(std::int64_t id) {
         const auto former = InFile(file_.maps, id);
-        auto map = former ? std::make_shared<MapState>(*former) : std::make_shared<MapState>(MapState{id, {}, {}, {}});
+        auto map = former ? std::make_shared<MapState>(*former)
+                          : std::make_shared<MapState>(MapState{id, {}, {}, {}});
         if (const RecordKey key{BlobKind::MapRecord, id}; unsaved_.records.contains(key)) {
             map->record = Decoded([&] { return MapRecord::Decode(Kept(key)); });
             const bool isSaved = former && former->record.pages == map->record.pages;
-            const auto holder = isSaved ? nullptr : Holder(BlobKind::DirectoryPage, map->record.pages.front().number);
+            const auto holder =
+                isSaved ? nullptr : Holder(BlobKind::DirectoryPage, map->record.pages.front().number);
             if (!PlaceObject(map, former, holder))
                 return false;
             if (!holder)
@@ -150,12 +157,13 @@ private:
 
     bool AddIcon(std::int64_t id) {
         const auto former = InFile(file_.icons, id);
-        auto icon =
-            former ? std::make_shared<IconState>(*former) : std::make_shared<IconState>(IconState{id, {}, {}, {}});
+        auto icon = former ? std::make_shared<IconState>(*former)
+                           : std::make_shared<IconState>(IconState{id, {}, {}, {}});
         if (const RecordKey key{BlobKind::IconRecord, id}; unsaved_.records.contains(key)) {
             icon->record = Decoded([&] { return IconRecord::Decode(Kept(key)); });
             const bool isSaved = former && former->record.picture == icon->record.picture;
-            const auto holder = isSaved ? nullptr : Holder(BlobKind::IconPicture, icon->record.picture.number);
+            const auto holder =
+                isSaved ? nullptr : Holder(BlobKind::IconPicture, icon->record.picture.number);
             if (!PlaceObject(icon, former, holder))
                 return false;
             if (!holder)
@@ -172,8 +180,8 @@ private:
     template <typename State>
     static bool PlaceObject(const std::shared_ptr<State>& state, const std::shared_ptr<State>& former,
                             const std::shared_ptr<Container>& holder) {
-        if (!holder &&
-            (!former || former->record.width != state->record.width || former->record.height != state->record.height))
+        if (!holder && (!former || former->record.width != state->record.width ||
+                        former->record.height != state->record.height))
             return false;
         state->container = holder ? holder : former->container;
         return true;
@@ -197,8 +205,8 @@ private:
     /// What the file has and the work never knew, because it was added since.
     void AddStrangers() {
         const auto isNew = [&](BlobKind kind, std::int64_t id) {
-            return !taken_.contains(id) && std::ranges::find(unsaved_.removed, RecordKey{kind, id}) ==
-                                               unsaved_.removed.end();
+            return !taken_.contains(id) &&
+                   std::ranges::find(unsaved_.removed, RecordKey{kind, id}) == unsaved_.removed.end();
         };
         for (const auto& map : file_.maps)
             if (isNew(BlobKind::MapRecord, map->id))

@@ -12,8 +12,9 @@ struct RebuiltWork {
     std::vector<std::string> missing; ///< what could not be had again
 };
 
-/// Reads a scratch that was left, those that belong to it, and the file: `base`, or when that is empty the one that
-/// the scratch names. A file that is gone or another library is told; what stands in the scratches is rebuilt all the
-/// same. Of a file that was saved since, what is new in it stays. Throws FileLocked, FileDamaged.
+/// Reads a scratch that was left, those that belong to it, and the file: `base`, or when that is empty the
+/// one that the scratch names. A file that is gone or another library is told; what stands in the scratches
+/// is rebuilt all the same. Of a file that was saved since, what is new in it stays. Throws FileLocked,
+/// FileDamaged.
 RebuiltWork RebuildUnsavedWork(const std::filesystem::path& scratch, const std::string& key,
                                const std::string& base);

@@ -30,7 +30,8 @@ void WriteKey(ByteWriter& writer, const RecordKey& key) {
 
 RecordKey ReadKey(ByteReader& reader) {
     const auto kind = static_cast<BlobKind>(reader.Integer<std::uint8_t>());
-    ByteReader::Require(kind == BlobKind::MapRecord || kind == BlobKind::IconRecord || kind == BlobKind::MetadataRecord,
+    ByteReader::Require(kind == BlobKind::MapRecord || kind == BlobKind::IconRecord ||
+                            kind == BlobKind::MetadataRecord,
                         "a record is of an unknown kind");
     const auto number = reader.Integer<std::int64_t>();
     ByteReader::Require(number >= 1, "a record has no number");
@@ -67,12 +68,13 @@ void ForEachRecord(const LibraryState& state, bool compared, const See& see) {
 
 std::map<RecordKey, Digest> DigestsOf(const LibraryState& state) {
     std::map<RecordKey, Digest> digests;
-    ForEachRecord(state, true, [&](const RecordKey& key, const auto& bytes) { digests[key] = PlainDigest(bytes()); });
+    ForEachRecord(state, true,
+                  [&](const RecordKey& key, const auto& bytes) { digests[key] = PlainDigest(bytes()); });
     return digests;
 }
 
-UnsavedState StateOf(const LibraryState& state, const std::vector<RecordKey>& removed, const RecordTable& kept,
-                     std::int64_t nextNumber) {
+UnsavedState StateOf(const LibraryState& state, const std::vector<RecordKey>& removed,
+                     const RecordTable& kept, std::int64_t nextNumber) {
     UnsavedState unsaved;
     unsaved.nextNumber = nextNumber;
     for (const auto& map : state.maps)
@@ -121,7 +123,8 @@ UnsavedSummary SummaryIn(Database& database) {
 LibraryFile::HeaderRow BaseIn(Database& database) {
     Statement select(database, "SELECT header, mac FROM library WHERE id = 1");
     LibraryFile::HeaderRow row;
-    if (!select.Step() || select.Blob(0).size() != FileHeader::EncodedSize || select.Blob(1).size() != row.mac.size())
+    if (!select.Step() || select.Blob(0).size() != FileHeader::EncodedSize ||
+        select.Blob(1).size() != row.mac.size())
         database.Damaged("it does not say which library it belongs to");
     row.header.assign(select.Blob(0).begin(), select.Blob(0).end());
     std::ranges::copy(select.Blob(1), row.mac.begin());
@@ -152,7 +155,8 @@ Bytes UnsavedSummary::Encode() const {
 
 UnsavedSummary UnsavedSummary::Decode(ByteSpan bytes) {
     ByteReader reader(bytes);
-    ByteReader::Require(reader.Integer<std::uint8_t>() == SummaryVersion, "its unsaved work is of a newer version");
+    ByteReader::Require(reader.Integer<std::uint8_t>() == SummaryVersion,
+                        "its unsaved work is of a newer version");
     UnsavedSummary summary;
     summary.library = reader.Text();
     summary.time = reader.Text();
@@ -190,7 +194,8 @@ Bytes UnsavedState::Encode() const {
 
 UnsavedState UnsavedState::Decode(ByteSpan bytes) {
     ByteReader reader(bytes);
-    ByteReader::Require(reader.Integer<std::uint8_t>() == StateVersion, "its unsaved work is of a newer version");
+    ByteReader::Require(reader.Integer<std::uint8_t>() == StateVersion,
+                        "its unsaved work is of a newer version");
     UnsavedState state;
     state.nextNumber = reader.Integer<std::int64_t>();
     ByteReader::Require(state.nextNumber >= 1 && state.nextNumber <= FileHeader::LargestCount,
@@ -327,8 +332,9 @@ public:
     explicit Held(const std::filesystem::path& path) : lock_(path) {
         RequireKeptScratch(path);
         if (!lock_.IsHeld())
-            throw ComponentError(ErrorNumber::FileLocked, "The unsaved work in '" + path.string() +
-                                                              "' is in use by another program, or is not there.");
+            throw ComponentError(ErrorNumber::FileLocked,
+                                 "The unsaved work in '" + path.string() +
+                                     "' is in use by another program, or is not there.");
         database_ = std::make_unique<Database>(path, Database::Mode::KeptScratch, path.string());
     }
     Database& GetDatabase() { return *database_; }

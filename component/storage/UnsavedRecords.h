@@ -5,12 +5,13 @@
 #include <map>
 #include <set>
 
-// What a kept scratch says beside its tiles, so that a program that was killed loses nothing: docs/scratch.md.
+// What a kept scratch says beside its tiles, so that a program that was killed loses nothing:
+// docs/scratch.md.
 
 /// What can be read of unsaved work without a key.
 struct UnsavedSummary {
-    std::string library; ///< path of the file that it belongs to; empty: of none yet
-    std::string time;    ///< local, when it was written
+    std::string library;                    ///< path of the file that it belongs to; empty: of none yet
+    std::string time;                       ///< local, when it was written
     std::array<std::uint8_t, 16> session{}; ///< the same in all scratches of one library in one program
     std::int64_t revision = 0;              ///< grows with every writing
     std::vector<std::string> scratches;     ///< all that hold tiles of it
@@ -32,8 +33,8 @@ struct UnsavedState {
         std::string name;
     };
     std::int64_t nextNumber = 1;
-    std::vector<Object> objects;    ///< all that there were, in their order
-    std::vector<RecordKey> removed; ///< of the file's that were there no more
+    std::vector<Object> objects;         ///< all that there were, in their order
+    std::vector<RecordKey> removed;      ///< of the file's that were there no more
     std::map<RecordKey, Digest> records; ///< those in the scratch, with their digests as stored
 
     Bytes Encode() const;
@@ -57,8 +58,8 @@ public:
     bool IsUnsaved(const LibraryState& state) const;
     /// From now on the work is kept in this scratch too.
     void Use(const std::shared_ptr<Container>& scratch);
-    /// Writes what has changed since the last time into every scratch, each in one transaction. Where nothing is
-    /// unsaved the scratches say so.
+    /// Writes what has changed since the last time into every scratch, each in one transaction. Where nothing
+    /// is unsaved the scratches say so.
     void Keep(const LibraryState& state, const Base& base, std::int64_t nextNumber);
     /// Whether the scratches hold work that is not saved.
     bool Holds() const { return holds_; }

@@ -97,6 +97,9 @@ public:
                                const std::string& base) override {
         return real_->LoadUnsavedWork(scratch, key, base);
     }
+    SalvageReport SalvageFromFile(const std::string& file, const std::string& key) override {
+        return real_->SalvageFromFile(file, key);
+    }
     void CancelOperation() override {
         log_.emplace_back("CancelOperation");
         real_->CancelOperation();

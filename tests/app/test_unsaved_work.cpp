@@ -17,7 +17,8 @@ protected:
     LibraryContent RecoveredNow() const {
         EXPECT_EQ(FindUnsavedWork().size(), 1U);
         const std::string scratch = FindUnsavedWork().at(0).scratch;
-        std::filesystem::copy_file(scratch, PathOf("copy.scratch"), std::filesystem::copy_options::overwrite_existing);
+        std::filesystem::copy_file(scratch, PathOf("copy.scratch"),
+                                   std::filesystem::copy_options::overwrite_existing);
         const auto library = NewLibrary();
         library->LoadUnsavedWork(PathOf("copy.scratch"), {}, {});
         return ContentOf(*library);
@@ -25,8 +26,8 @@ protected:
     LibraryContent Shown() const { return ContentOf(*State().objAtlavex); }
 
     static ProgramResult StartWithoutDisplay() {
-        return RunProgram({"timeout", "60", "env", "-u", "DISPLAY", "-u", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM=xcb",
-                           BUILD_DIR "/quorvant-studio"});
+        return RunProgram({"timeout", "60", "env", "-u", "DISPLAY", "-u", "WAYLAND_DISPLAY",
+                           "QT_QPA_PLATFORM=xcb", BUILD_DIR "/quorvant-studio"});
     }
 
 private:
@@ -78,7 +79,8 @@ TEST_F(KeptWork, OfAnotherProgramIsToldAtTheStart) {
     ASSERT_EQ(FindUnsavedWork().size(), 1U);
     const std::string scratch = FindUnsavedWork()[0].scratch;
     const std::string said = StartWithoutDisplay().err;
-    EXPECT_THAT(said, testing::HasSubstr("Unsaved work was left by a program that ended unexpectedly, on '" + file));
+    EXPECT_THAT(
+        said, testing::HasSubstr("Unsaved work was left by a program that ended unexpectedly, on '" + file));
     EXPECT_THAT(said, testing::HasSubstr("atlavex recover '" + scratch + "' --to NEW.Atlavex\n"));
     EXPECT_THAT(said, testing::HasSubstr("atlavex recover '" + scratch + "' --discard\n"));
     EXPECT_TRUE(std::filesystem::exists(scratch)) << "a start sweeps it no more than another import";

@@ -119,9 +119,8 @@ TEST_F(Recover, OfASealedLibraryNeedsItsKey) {
 
 TEST_F(Recover, SaysWhatIsMissingAndKeepsTheScratch) {
     const std::string library = ScaledLibrary();
-    const std::string scratch = Leave(library, {}, [this](AtlavexLibrary& open) {
-        open.AddMapFromImageFile(sheet_, "Added", 128, 128);
-    });
+    const std::string scratch = Leave(
+        library, {}, [this](AtlavexLibrary& open) { open.AddMapFromImageFile(sheet_, "Added", 128, 128); });
     std::filesystem::rename(library, In("moved.Atlavex"));
     const ProgramResult result = Run({"recover", scratch, "--to", In("part.Atlavex")});
     EXPECT_EQ(result.status, 1);

@@ -35,6 +35,7 @@ const std::map<std::string, Words> Commands{
     {"rekey", ChangeOptions + Words{"--new-key-file", "--new-key-env", "--no-key"}},
     {"recover", KeyOptions + Words{"--to", "--base", "--discard", "--json"}},
     {"review", KeyOptions + Words{"--strict", "--json"}},
+    {"salvage", KeyOptions + Words{"--to", "--json"}},
     {"verify", KeyOptions + Words{"--json"}},
     {"compact", ChangeOptions},
     {"catalogue", {"--json"}},

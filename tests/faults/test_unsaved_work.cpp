@@ -1,5 +1,5 @@
-// Programs that are killed while they work on a library: whatever the moment, what they had done is got back as it
-// was before or after the step that was under way.
+// Programs that are killed while they work on a library: whatever the moment, what they had done is got back
+// as it was before or after the step that was under way.
 
 #include "component/Recovery.h"
 #include "tests/faults/FaultLab.h"
@@ -40,14 +40,9 @@ protected:
     fs::path Steps() const { return folder_ / "steps"; }
 
     std::vector<std::string> Driver(const std::string& operation, const std::string& key) const {
-        return {"env",
-                "FAULT_KEY=" + key,
-                "FAULT_IMAGE=" + Image().string(),
-                DriverProgram(),
-                operation,
-                (folder_ / "scratch").string(),
-                File().string(),
-                Steps().string()};
+        return {"env",           "FAULT_KEY=" + key, "FAULT_IMAGE=" + Image().string(),
+                DriverProgram(), operation,          (folder_ / "scratch").string(),
+                File().string(), Steps().string()};
     }
 
     void Prepare() const {
@@ -172,8 +167,10 @@ TEST_F(UnsavedWorkAfterAKill, IsSweptByNobodyAndFoundFromTheCacheFolder) {
     ASSERT_EQ(RunProgram(Driver("edit-new", "")).status, 0);
     EXPECT_EQ(Scratches(folder_ / "scratch"), before);
     const auto found = FindUnsavedWork();
-    ASSERT_EQ(std::ranges::count(found, (folder_ / "scratch" / before[0]).string(), &UnsavedWork::scratch), 1);
+    ASSERT_EQ(std::ranges::count(found, (folder_ / "scratch" / before[0]).string(), &UnsavedWork::scratch),
+              1);
     DiscardUnsavedWork((folder_ / "scratch" / before[0]).string());
     EXPECT_TRUE(NamesIn(folder_ / "scratch", "", "").empty());
-    EXPECT_TRUE(NamesIn(folder_ / "cache" / "quorvant-studio", "", "").empty()) << "nothing leads there any more";
+    EXPECT_TRUE(NamesIn(folder_ / "cache" / "quorvant-studio", "", "").empty())
+        << "nothing leads there any more";
 }
