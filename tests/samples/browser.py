@@ -15,6 +15,7 @@ class Browser:
 
     def __init__(self, width, height):
         self.requests = []
+        self._under_way = set()
         self._answers, self._last = {}, 0
         self._profile = tempfile.TemporaryDirectory()
         command_out, self._commands = os.pipe()
@@ -60,6 +61,9 @@ class Browser:
             self._answers[message["id"]] = message
         elif message["method"] == "Network.requestWillBeSent":
             self.requests.append(message["params"]["request"]["url"])
+            self._under_way.add(message["params"]["requestId"])
+        elif message["method"] in ("Network.loadingFinished", "Network.loadingFailed"):
+            self._under_way.discard(message["params"]["requestId"])
 
     def call(self, method, **parameters):
         self._last += 1
@@ -86,12 +90,12 @@ class Browser:
         self.evaluate("new Promise(go => document.readyState === 'complete' ? go() : addEventListener('load', go))")
 
     def wait_for_pictures(self):
-        """Until two frames in a row asked for no further picture and none is on its way."""
-        while True:
+        """Until two looks in a row, two frames apart, found no further picture asked for and none on its way."""
+        quiet = 0
+        while quiet < 2:
             before = len(self.requests)
             self.evaluate("new Promise(go => requestAnimationFrame(() => requestAnimationFrame(() => setTimeout(go, 200))))")
-            if len(self.requests) == before:
-                return
+            quiet = quiet + 1 if len(self.requests) == before and not self._under_way else 0
 
     def mouse(self, kind, x, y, button="none"):
         self.call("Input.dispatchMouseEvent", type=kind, x=x, y=y, button=button,
