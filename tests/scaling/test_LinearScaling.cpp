@@ -96,11 +96,11 @@ TEST(LinearScaling, FindsTheSixNumbersAgain) {
 
 TEST(LinearScaling, RefusesPointsThatSpanNoTriangleAndSaysWhich) {
     ExpectLineFault({{{0, 0, 5, 5}, {1, 0, 5, 5}, {0, 1, 90, 5}}},
-                    "PointTriple 1 and 2 are the same place on the map.");
+                    "Points 1 and 2 are the same place on the map.");
     ExpectLineFault({{{0, 0, 5, 5}, {1, 0, 90, 5}, {0, 1, 5, 5}}},
-                    "PointTriple 1 and 3 are the same place on the map.");
+                    "Points 1 and 3 are the same place on the map.");
     ExpectLineFault({{{0, 0, 0, 0}, {3, 4, 90, 0}, {3, 4, 0, 90}}},
-                    "PointTriple 2 and 3 have the same coordinates.");
+                    "Points 2 and 3 have the same coordinates.");
     ExpectLineFault({{{0, 0, 0, 0}, {1, 0, 100, 100}, {0, 1, 200, 200}}},
                     "The three points lie on one line on the map.");
     ExpectLineFault({{{0, 0, 0, 0}, {1, 0, 30000, 1}, {0, 1, 60000, 0}}},
