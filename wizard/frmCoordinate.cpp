@@ -6,17 +6,18 @@
 #include "platform/modFields.h"
 #include "platform/modMessages.h"
 #include "ui_frmCoordinate.h"
-#include "wizard/CoordinateText.h"
 #include "wizard/FormPlacement.h"
 #include "wizard/Projections.h"
 
 #include <QGuiApplication>
+#include <QLocale>
 #include <QScreen>
 #include <QShowEvent>
 #include <QSignalBlocker>
 
 #include <array>
 #include <cmath>
+#include <string>
 
 namespace {
 
@@ -54,6 +55,15 @@ void WriteAngle(FieldChecks& checks, const AngleFields& fields, const AngleParts
     fields.hemisphere.setCurrentIndex(negative ? 1 : 0);
 }
 
+/// The decimal sign that the user's other programs write.
+char DecimalSign() {
+    return QLocale::system().decimalPoint() == QStringLiteral(",") ? ',' : '.';
+}
+
+std::string Pasted(const QString& text) {
+    return text.trimmed().toStdString();
+}
+
 std::int32_t WholePixel(const QLineEdit& field) {
     return CheckedRound<std::int32_t>(std::floor(GetNumber(field)));
 }
@@ -73,7 +83,7 @@ frmCoordinate::~frmCoordinate() = default;
 void frmCoordinate::ConnectFields() {
     checks_.Watch(*ui_->txtX, [this] { PixelX = WholePixel(*ui_->txtX); });
     checks_.Watch(*ui_->txtY, [this] { PixelY = WholePixel(*ui_->txtY); });
-    const auto paste = [this](const QString& text) { return PasteLonLat(text, PastedInto::WholeNumber); };
+    const auto paste = [this](const QString& text) { return PasteLonLat(text, WrittenAs::WholeNumber); };
     const auto decimal = [this, &paste](QLineEdit& field, void (QuorvantPosition::*set)(double)) {
         checks_.Watch(
             field,
@@ -99,7 +109,7 @@ void frmCoordinate::WatchParts(bool latitude) {
     for (QLineEdit* const field : {&fields.degrees, &fields.minutes, &fields.seconds})
         checks_.Watch(
             *field, [this, latitude] { StoreParts(latitude); },
-            [this](const QString& text) { return PasteLonLat(text, PastedInto::PartOfAngle); });
+            [this](const QString& text) { return PasteLonLat(text, WrittenAs::PartOfAngle); });
 }
 
 void frmCoordinate::ConnectLists() {
@@ -264,8 +274,8 @@ void frmCoordinate::StoreParts(bool latitude) {
     RefreshPosition();
 }
 
-FieldChecks::Restore frmCoordinate::PasteLonLat(const QString& text, PastedInto place) {
-    const std::optional<LonLat> pasted = ParseLonLat(text, QLocale::system(), place);
+FieldChecks::Restore frmCoordinate::PasteLonLat(const QString& text, WrittenAs place) {
+    const std::optional<LonLat> pasted = ParseLonLat(Pasted(text), DecimalSign(), place);
     if (!pasted)
         return {};
     const QuorvantPosition before = position_;
@@ -281,7 +291,7 @@ FieldChecks::Restore frmCoordinate::PasteLonLat(const QString& text, PastedInto 
 }
 
 FieldChecks::Restore frmCoordinate::PasteEastNorth(const QString& text) {
-    const std::optional<EastNorth> pasted = ParseEastNorth(text);
+    const std::optional<EastNorth> pasted = ParseEastNorth(Pasted(text), DecimalSign());
     if (!pasted)
         return {};
     const std::string unit = ComboText(*ui_->ddUnit).toStdString();

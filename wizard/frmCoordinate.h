@@ -1,7 +1,7 @@
 #pragma once
 
+#include "coordinates/CoordinateText.h"
 #include "coordinates/QuorvantPosition.h"
-#include "wizard/CoordinateText.h"
 #include "wizard/FieldChecks.h"
 #include "wizard/WizardForm.h"
 
@@ -67,7 +67,7 @@ private:
     void ddLonHemi_Click();
     void ddUnit_Click();
     void StoreParts(bool latitude);
-    FieldChecks::Restore PasteLonLat(const QString& text, PastedInto place);
+    FieldChecks::Restore PasteLonLat(const QString& text, WrittenAs place);
     FieldChecks::Restore PasteEastNorth(const QString& text);
     double Meters(const QLineEdit& field) const;
 

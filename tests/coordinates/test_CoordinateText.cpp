@@ -1,4 +1,4 @@
-#include "wizard/CoordinateText.h"
+#include "coordinates/CoordinateText.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,7 @@ constexpr double CopenhagenEast = 12 + 34 / 60.0 + 8 / 3600.0;
 
 } // namespace
 
-TEST(PastedLonLat, IsReadInTheFormsInUse) {
+TEST(WrittenLonLat, IsReadInTheFormsInUse) {
     const std::vector<AngleCase> cases{
         {"55°40'34\"N 12°34'08\"E", Copenhagen, CopenhagenEast},
         {"55° 40' 34\" N, 12° 34' 8\" E", Copenhagen, CopenhagenEast},
@@ -41,14 +41,14 @@ TEST(PastedLonLat, IsReadInTheFormsInUse) {
         {"0.0 0.0", 0, 0},
     };
     for (const AngleCase& row : cases) {
-        const auto position = ParseLonLat(QString::fromUtf8(row.text), QLocale::c());
+        const auto position = ParseLonLat(row.text, '.');
         ASSERT_TRUE(position.has_value()) << row.text;
         EXPECT_NEAR(position->latitude, row.latitude, 1e-12) << row.text;
         EXPECT_NEAR(position->longitude, row.longitude, 1e-12) << row.text;
     }
 }
 
-TEST(PastedLonLat, IsNothingElse) {
+TEST(WrittenLonLat, IsNothingElse) {
     for (const char* const text :
          {"", "55.676", "55.676 12.569 3", "91 12", "55 361", "55°60'N 12°E", "55.5°30'N 12°E", "55N 12N",
           "55E 12E", "-55N 12E", "abc def", "N", "N E", "55,676 12,569", "1,234 5", "nan inf", "0x10 5",
@@ -56,24 +56,23 @@ TEST(PastedLonLat, IsNothingElse) {
           // One angle, and numbers that somebody's grouping or decimal sign has cut in two.
           "12,345", "55 40", "55 40.5", "55.5 12", "55°40'", "55° 40.5'", "55° 40", "0 0", "1,5", "12,5",
           "12.5,30", "40'"}) {
-        EXPECT_FALSE(ParseLonLat(QString::fromUtf8(text), QLocale::c()).has_value()) << text;
+        EXPECT_FALSE(ParseLonLat(text, '.').has_value()) << text;
     }
 }
 
-TEST(PastedLonLat, MayHaveADecimalCommaWhereTheUserHas) {
-    const QLocale german(QLocale::German);
+TEST(WrittenLonLat, MayHaveADecimalCommaWhereTheUserHas) {
     for (const char* const text :
          {"55,676 12,569", "55,676; 12,569", "55,676, 12,569", "55.676 12.569", "55.676,12.569"}) {
-        const auto position = ParseLonLat(QString::fromUtf8(text), german);
+        const auto position = ParseLonLat(text, ',');
         ASSERT_TRUE(position.has_value()) << text;
         EXPECT_DOUBLE_EQ(position->latitude, 55.676) << text;
         EXPECT_DOUBLE_EQ(position->longitude, 12.569) << text;
     }
 }
 
-TEST(PastedLonLat, IsNoBlankBetweenTwoNumbersWhereOneAngleIsWrittenInParts) {
+TEST(WrittenLonLat, IsNoBlankBetweenTwoNumbersWhereOneAngleIsWrittenInParts) {
     const auto read = [](const char* text) {
-        return ParseLonLat(QString::fromUtf8(text), QLocale::c(), PastedInto::PartOfAngle).has_value();
+        return ParseLonLat(text, '.', WrittenAs::PartOfAngle).has_value();
     };
     EXPECT_FALSE(read("55.676 12.569"));
     EXPECT_FALSE(read("-33.9 -70.5"));
@@ -84,32 +83,38 @@ TEST(PastedLonLat, IsNoBlankBetweenTwoNumbersWhereOneAngleIsWrittenInParts) {
     EXPECT_TRUE(read("55°40'34\" 12°34'08\""));
 }
 
-TEST(PastedEastNorth, IsReadInTheFormsInUse) {
+TEST(WrittenEastNorth, IsReadInTheFormsInUse) {
     for (const char* const text : {"32633 6173000", "32633, 6173000", "32633; 6173000", "32633.0,6173000.0",
                                    "E 32633 N 6173000", "6173000N 32633E", "32633.0\n6173000"}) {
-        const auto position = ParseEastNorth(QString::fromUtf8(text), QLocale::c());
+        const auto position = ParseEastNorth(text, '.');
         ASSERT_TRUE(position.has_value()) << text;
         EXPECT_EQ(position->easting, 32633) << text;
         EXPECT_EQ(position->northing, 6173000) << text;
     }
-    EXPECT_EQ(ParseEastNorth(QStringLiteral("-1.5 -2"), QLocale::c())->easting, -1.5);
+    EXPECT_EQ(ParseEastNorth("-1.5 -2", '.')->easting, -1.5);
 }
 
-TEST(PastedEastNorth, IsNothingElse) {
+TEST(WrittenEastNorth, IsNothingElse) {
     for (const char* const text :
          {"", "32633", "1 2 3", "32633W 6173000N", "32633E 6173000E", "1e5 2e5", "a b", "55°40'N 12°E",
           "32633E 6173000",
           // One number in groups, or with another country's decimal comma.
           "617,300", "32633,5", "617,300.5", "617 300", "-617 300.25", "6 173 000", "617,300 6,173,000"})
-        EXPECT_FALSE(ParseEastNorth(QString::fromUtf8(text), QLocale::c()).has_value()) << text;
+        EXPECT_FALSE(ParseEastNorth(text, '.').has_value()) << text;
 }
 
-TEST(PastedEastNorth, IsNoNumberThatTheUsersCountryGroupsOrCutsByAComma) {
-    const QLocale german(QLocale::German);
+TEST(WrittenEastNorth, IsNoNumberThatTheUsersCountryGroupsOrCutsByAComma) {
     for (const char* const text : {"617.300", "617.300,25", "32633,5", "617 300,25", "617.300 6.173.000"})
-        EXPECT_FALSE(ParseEastNorth(QString::fromUtf8(text), german).has_value()) << text;
-    const auto both = ParseEastNorth(QStringLiteral("32633,5 6173000,25"), german);
+        EXPECT_FALSE(ParseEastNorth(text, ',').has_value()) << text;
+    const auto both = ParseEastNorth("32633,5 6173000,25", ',');
     ASSERT_TRUE(both.has_value());
     EXPECT_EQ(both->easting, 32633.5);
     EXPECT_EQ(both->northing, 6173000.25);
+}
+
+TEST(Directions, AreLettersButNoExponents) {
+    for (const char* const text : {"55N 12E", "n 1 e 2", "9°30'W", "E 500000 N 6100000", "5E"})
+        EXPECT_TRUE(HasDirections(text)) << text;
+    for (const char* const text : {"", "12.5 55.75", "1e5 2E-3", "1.e5", "9°30' 48°", "x"})
+        EXPECT_FALSE(HasDirections(text)) << text;
 }
