@@ -13,6 +13,13 @@
 Affine ReadWorldfile(const std::filesystem::path& file);
 Affine ParseWorldfile(std::string_view text, std::string_view fileName);
 
+/// The worldfile that lies beside an image under one of the usual names, the letters of their extensions
+/// large or small; of several the first of these, for "sheet.tif": sheet.tfw, sheet.tifw, sheet.tif.wld,
+/// sheet.wld.
+/// ("jpeg" gives jgw, as its first and last letter do, "jpg" too.) Throws FileNotFound, with the names that
+/// were looked for.
+std::filesystem::path FindWorldfile(const std::filesystem::path& image);
+
 /// The worldfile of an image as stored, expressed for the image as displayed. Width and height are those of
 /// the displayed image.
 Affine TurnWorldfile(const Affine& stored, Orientation orientation, std::int32_t width, std::int32_t height);

@@ -82,6 +82,10 @@ const std::map<std::string, Offering>& OfferingsByName() {
          [](const TypedLine&) {
              return Offer{"words", GridsToOffer()};
          }},
+        {"--unit",
+         [](const TypedLine&) {
+             return Offer{"words", UnitsToOffer()};
+         }},
         {"--zone",
          [](const TypedLine& line) {
              return Offer{"words", ZonesToOffer(line.Value("--grid"))};

@@ -2,6 +2,7 @@
 
 #include "catalogue/modCountryData.h"
 #include "catalogue/modCountryGadgets.h"
+#include "catalogue/modGadgets.h"
 #include "cli/commands/Selection.h"
 #include "cli/output/ExitStatus.h"
 
@@ -58,6 +59,13 @@ OfferedWords GridsToOffer() {
 
 OfferedWords DatumsToOffer() {
     return AllOf(&CountryRow::datums);
+}
+
+OfferedWords UnitsToOffer() {
+    OfferedWords words;
+    for (const std::string_view unit : Units)
+        words.push_back({std::string(unit), ""});
+    return words;
 }
 
 OfferedWords ZonesToOffer(const std::string& grid) {

@@ -18,6 +18,7 @@ OfferedWords GridsToOffer();
 /// The zones of a grid; none where it has no zones or is unknown.
 OfferedWords ZonesToOffer(const std::string& grid);
 OfferedWords DatumsToOffer();
+OfferedWords UnitsToOffer();
 /// The names of the environment's variables.
 OfferedWords VariablesToOffer();
 

@@ -2,7 +2,8 @@
 #include "cli/commands/CoordinateSystem.h"
 #include "cli/commands/Selection.h"
 #include "cli/input/Arguments.h"
-#include "cli/input/Pairs.h"
+#include "cli/input/Places.h"
+#include "coordinates/CoordinateText.h"
 #include "coordinates/Projection.h"
 
 namespace {
@@ -16,6 +17,23 @@ constexpr PairNames PixelNames{"pixelX", "pixelY"};
 constexpr PairNames WorldNames{"x", "y"};
 constexpr PairNames Wgs84Names{"longitude", "latitude"};
 
+void AddUnit(CLI::App& command, std::string& unit) {
+    AddText(
+        command, "--unit", "U", unit,
+        "Unit of eastings and northings, taken and printed: meters (when not given), yards, \"U.S. feet\" or "
+        "\"Int. feet\".");
+}
+
+/// Lines of input, each a place in this form.
+PairReading LinesIn(const PlaceForm& form) {
+    return [form](std::string_view line) {
+        if (const auto place = ReadDirections(line, form))
+            return place;
+        const auto words = TwoWords(line);
+        return words ? ReadPlace(words->first, words->second, form) : std::nullopt;
+    };
+}
+
 // locate and find
 // ----------------------------------------------------------------------------------------------
 
@@ -24,27 +42,38 @@ struct PositionOptions {
     std::string map;
     std::string x;
     std::string y;
+    std::string unit;
     bool wgs84 = false;
     bool json = false;
 };
 
-PairConversion LocateWith(const AtlavexMap& map, bool wgs84) {
-    return [&map, wgs84](const Pair& pixel) {
+PairConversion LocateWith(const AtlavexMap& map, bool wgs84, const PlaceForm& form) {
+    return [&map, wgs84, form](const Pair& pixel) {
         const WorldPosition world = map.PixelToWorld({pixel.x, pixel.y});
         if (!wgs84)
-            return Pair{world.x, world.y};
+            return form.Shown({world.x, world.y});
         const LonLat position = map.WorldToWgs84(world);
         return Pair{position.longitude, position.latitude};
     };
 }
 
-PairConversion FindWith(const AtlavexMap& map, bool wgs84) {
-    return [&map, wgs84](const Pair& place) {
+PairConversion FindWith(const AtlavexMap& map, bool wgs84, const PlaceForm& form) {
+    return [&map, wgs84, form](const Pair& place) {
+        const Pair taken = form.Taken(place);
         const WorldPosition world =
-            wgs84 ? map.Wgs84ToWorld({place.x, place.y}) : WorldPosition{place.x, place.y};
+            wgs84 ? map.Wgs84ToWorld({taken.x, taken.y}) : WorldPosition{taken.x, taken.y};
         const PixelPosition pixel = map.WorldToPixel(world);
         return Pair{pixel.x, pixel.y};
     };
+}
+
+/// What the coordinates of a map are, or WGS84's. Throws UsageError for a unit of length of degrees.
+PlaceForm FormOf(const AtlavexMap& map, const PositionOptions& options) {
+    if (!options.wgs84 && map.HasGrid())
+        return LengthsIn(options.unit);
+    if (!options.unit.empty())
+        throw UsageError("--unit is for eastings and northings; these are degrees.");
+    return Degrees();
 }
 
 std::shared_ptr<AtlavexMap> SelectScaledMap(AtlavexLibrary& library, const std::string& text) {
@@ -54,26 +83,51 @@ std::shared_ptr<AtlavexMap> SelectScaledMap(AtlavexLibrary& library, const std::
     return map;
 }
 
-/// `convert` makes the conversion of the map, once the arguments are known to be right.
-ExitStatus RunPosition(const PositionOptions& options,
-                       PairConversion (*makeConversion)(const AtlavexMap&, bool), const PairNames& from,
-                       const PairNames& to) {
-    const bool given = PairGiven(options.x, options.y);
-    const Pair pair =
-        given ? Pair{ParseNumber("The first number", options.x), ParseNumber("The second number", options.y)}
-              : Pair{};
-    const OpenedLibrary library(options.library, Access::Read);
-    const auto map = SelectScaledMap(*library, options.map);
-    const PairTask task{makeConversion(*map, options.wgs84), from, to, options.json};
-    return given ? ConvertPair(task, pair) : ConvertPairsOfInput(task);
+Pair PairOfNumbers(const PositionOptions& options) {
+    return {ParseNumber("The first number", options.x), ParseNumber("The second number", options.y)};
+}
+
+/// What can be said of a unit before the library is opened.
+void CheckUnit(const PositionOptions& options) {
+    LengthsIn(options.unit);
+    if (options.wgs84 && !options.unit.empty())
+        throw UsageError("--unit is for eastings and northings; these are degrees.");
 }
 
 ExitStatus RunLocate(const PositionOptions& options) {
-    return RunPosition(options, LocateWith, PixelNames, options.wgs84 ? Wgs84Names : WorldNames);
+    CheckUnit(options);
+    const bool given = PairGiven(options.x, options.y);
+    const Pair pixel = given ? PairOfNumbers(options) : Pair{};
+    const OpenedLibrary library(options.library, Access::Read);
+    const auto map = SelectScaledMap(*library, options.map);
+    const PairTask task{{},
+                        LocateWith(*map, options.wgs84, FormOf(*map, options)),
+                        PixelNames,
+                        options.wgs84 ? Wgs84Names : WorldNames,
+                        options.json};
+    return given ? ConvertPair(task, pixel) : ConvertPairsOfInput(task);
+}
+
+/// The coordinate of the command line, in the map's form.
+Pair PlaceGiven(const PositionOptions& options, const PlaceForm& form) {
+    const auto place = ReadPlace(options.x, options.y, form);
+    if (!place)
+        throw UsageError("'" + options.x + " " + options.y + "' is not " + PlaceExample(form) + ".");
+    return *place;
 }
 
 ExitStatus RunFind(const PositionOptions& options) {
-    return RunPosition(options, FindWith, options.wgs84 ? Wgs84Names : WorldNames, PixelNames);
+    CheckUnit(options);
+    const bool given = PairGiven(options.x, options.y);
+    // Letters mean one thing on a grid and another in degrees; numbers are numbers before the file is opened.
+    if (given && !HasDirections(options.x + " " + options.y))
+        PairOfNumbers(options);
+    const OpenedLibrary library(options.library, Access::Read);
+    const auto map = SelectScaledMap(*library, options.map);
+    const PlaceForm form = FormOf(*map, options);
+    const PairTask task{LinesIn(form), FindWith(*map, options.wgs84, form),
+                        options.wgs84 ? Wgs84Names : WorldNames, PixelNames, options.json};
+    return given ? ConvertPair(task, PlaceGiven(options, form)) : ConvertPairsOfInput(task);
 }
 
 void AddPosition(CLI::App& command, PositionOptions& options, const PairNames& names,
@@ -83,13 +137,14 @@ void AddPosition(CLI::App& command, PositionOptions& options, const PairNames& n
     AddText(command, names.x, "", options.x, numbersHelp);
     AddText(command, names.y, "", options.y, "The second number of the pair.");
     AddFlag(command, "--wgs84", options.wgs84, wgs84Help);
+    AddUnit(command, options.unit);
     AddJson(command, options.json);
 }
 
 void AddLocate(CommandSet& commands) {
     auto options = std::make_shared<PositionOptions>();
     CLI::App& command = commands.Add(
-        {"locate", "FILE MAP [PX PY] [--wgs84] [--json] [--key-file K | --key-env NAME]",
+        {"locate", "FILE MAP [PX PY] [--wgs84 | --unit U] [--json] [--key-file K | --key-env NAME]",
          "Turn pixels of a map into coordinates.",
          std::string(
              "Prints the coordinate of a pixel: easting and northing in metres for a map with a grid, else "
@@ -107,12 +162,15 @@ void AddLocate(CommandSet& commands) {
 void AddFind(CommandSet& commands) {
     auto options = std::make_shared<PositionOptions>();
     CLI::App& command = commands.Add(
-        {"find", "FILE MAP [X Y] [--wgs84] [--json] [--key-file K | --key-env NAME]",
+        {"find", "FILE MAP [X Y] [--wgs84 | --unit U] [--json] [--key-file K | --key-env NAME]",
          "Turn coordinates into pixels of a map.",
          std::string(
-             "Prints the pixel, column and row, that has a coordinate; it may lie outside the map. ") +
+             "Prints the pixel, column and row, that has a coordinate; it may lie outside the map. With "
+             "letters a coordinate may be in degrees, minutes and seconds or have its northing first: "
+             "48\u00B015'30\"N 9\u00B030'E. ") +
              StreamText,
-         "atlavex find alps.Atlavex 1 500250 6099800\natlavex find alps.Atlavex 1 9.25 47.5 --wgs84"});
+         "atlavex find alps.Atlavex 1 500250 6099800\natlavex find alps.Atlavex 1 9.25 47.5 --wgs84\n"
+         "echo \"47 30 0 N 9 15 0 E\" | atlavex find alps.Atlavex 1 --wgs84"});
     AddPosition(
         command, *options, {"X", "Y"},
         "Easting and northing in metres for a map with a grid, else longitude and latitude in degrees.",
@@ -126,6 +184,7 @@ void AddFind(CommandSet& commands) {
 struct ProjectOptions {
     std::string grid;
     std::string zone;
+    std::string unit;
     bool inverse = false;
     bool json = false;
 };
@@ -133,25 +192,27 @@ struct ProjectOptions {
 constexpr PairNames GridNames{"easting", "northing"};
 
 ExitStatus RunProject(const ProjectOptions& options) {
+    const PlaceForm lengths = LengthsIn(options.unit);
     const GridChoice named = GridByName(options.grid, options.zone);
     const GridProjection projection(named.grid.AsNumbers(), named.grid.Datum());
-    const PairConversion forward = [&projection](const Pair& pair) {
+    const PairConversion forward = [&](const Pair& pair) {
         const EastNorth position = projection.Forward({pair.x, pair.y});
-        return Pair{position.easting, position.northing};
+        return lengths.Shown({position.easting, position.northing});
     };
-    const PairConversion inverse = [&projection](const Pair& pair) {
-        const LonLat position = projection.Inverse({pair.x, pair.y});
+    const PairConversion inverse = [&](const Pair& pair) {
+        const Pair meters = lengths.Taken(pair);
+        const LonLat position = projection.Inverse({meters.x, meters.y});
         return Pair{position.longitude, position.latitude};
     };
     if (options.inverse)
-        return ConvertPairsOfInput({inverse, GridNames, Wgs84Names, options.json});
-    return ConvertPairsOfInput({forward, Wgs84Names, GridNames, options.json});
+        return ConvertPairsOfInput({LinesIn(lengths), inverse, GridNames, Wgs84Names, options.json});
+    return ConvertPairsOfInput({LinesIn(Degrees()), forward, Wgs84Names, GridNames, options.json});
 }
 
 void AddProject(CommandSet& commands) {
     auto options = std::make_shared<ProjectOptions>();
     CLI::App& command =
-        commands.Add({"project", "--grid TEXT [--zone Z] [--inverse] [--json]",
+        commands.Add({"project", "--grid TEXT [--zone Z] [--unit U] [--inverse] [--json]",
                       "Convert longitude and latitude to a grid.",
                       "Reads pairs from the standard input, one a line: longitude and latitude in degrees on "
                       "the grid's own datum; "
@@ -162,6 +223,7 @@ void AddProject(CommandSet& commands) {
                 "The grid, as atlavex catalogue lists it: \"UTM (etrs89)\".", "TEXT");
     AddText(command, "--zone", "Z", options->zone,
             "Its zone, where it has zones: a number (32, the state-plane code 4204) or its text (M31).");
+    AddUnit(command, options->unit);
     AddFlag(command, "--inverse", options->inverse, "From easting and northing to longitude and latitude.");
     AddJson(command, options->json);
     commands.OnRun(command, options, RunProject);
@@ -189,8 +251,8 @@ ExitStatus RunShift(const ShiftOptions& options) {
         return Pair{position.longitude, position.latitude};
     };
     if (options.inverse)
-        return ConvertPairsOfInput({inverse, Wgs84Names, DatumNames, options.json});
-    return ConvertPairsOfInput({forward, DatumNames, Wgs84Names, options.json});
+        return ConvertPairsOfInput({LinesIn(Degrees()), inverse, Wgs84Names, DatumNames, options.json});
+    return ConvertPairsOfInput({LinesIn(Degrees()), forward, DatumNames, Wgs84Names, options.json});
 }
 
 void AddShift(CommandSet& commands) {

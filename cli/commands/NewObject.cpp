@@ -4,6 +4,10 @@
 
 void AddNewObjectOptions(CLI::App& command, NewObject& object, const std::string& imageHelp) {
     AddRequired(command, "IMAGE", object.image, imageHelp);
+    AddDescriptionOptions(command, object);
+}
+
+void AddDescriptionOptions(CLI::App& command, NewObject& object) {
     AddText(command, "--name", "N", object.name,
             "Its name; when not given, the file name up to its first \".\".");
     AddText(command, "--description", "T", object.description, "A text that describes it.");

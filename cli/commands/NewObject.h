@@ -15,6 +15,8 @@ struct NewObject {
 
 /// IMAGE, --name and --description.
 void AddNewObjectOptions(CLI::App& command, NewObject& object, const std::string& imageHelp);
+/// --name and --description alone.
+void AddDescriptionOptions(CLI::App& command, NewObject& object);
 
 /// The name given, else the image's file name up to its first ".".
 std::string NameOfNewObject(const NewObject& object);

@@ -43,8 +43,8 @@ void ThrowWrongKey(const std::string& file) {
 }
 
 OpenedLibrary::OpenedLibrary(Access access, std::string file, const std::string& wait)
-    : turn_(std::make_unique<Turn>(file, ParseWait(wait))), library_(MakeLibrary(access, *turn_)),
-      file_(std::move(file)) {
+    : access_(access), turn_(std::make_unique<Turn>(file, ParseWait(wait))),
+      library_(MakeLibrary(access, *turn_)), file_(std::move(file)) {
     WatchWork();
 }
 
@@ -58,13 +58,26 @@ void OpenedLibrary::Load(const KeyOptions& key) {
         key_ = ObtainKey(key, file_);
     else
         RefuseKey(key, file_);
+    LoadUnder(key_);
+    if (!library_->IsSealed())
+        RefuseKey(key, file_); // it may have become plain while the command waited
+}
+
+void OpenedLibrary::LoadUnder(const SecretText& key) {
     ThrowIfInterrupted();
-    library_->LoadFromFile(file_, key_.Text());
+    library_->LoadFromFile(file_, key.Text());
     ThrowIfInterrupted(); // a load that is broken off comes back without an error
     if (!library_->KeyFitted())
         ThrowWrongKey(file_);
-    if (!library_->IsSealed())
-        RefuseKey(key, file_); // it may have become plain while the command waited
+}
+
+void OpenedLibrary::LoadAgain() {
+    library_.reset(); // lets go of the file before it is locked anew
+    library_ = MakeLibrary(access_, *turn_);
+    WatchWork();
+    InTurn([this] { LoadUnder(key_); });
+    if (!library_->IsSealed() && !key_.Empty())
+        throw CommandFailure(ExitStatus::WrongKey, "'" + file_ + "' is not sealed any more.");
 }
 
 OpenedLibrary OpenedLibrary::MakeNew() {

@@ -26,6 +26,9 @@ public:
     /// Loads the file. Throws ComponentError, or CommandFailure (ExitStatus::WrongKey), also when a key is
     /// named for a file that is not sealed.
     OpenedLibrary(const LibraryChoice& choice, Access access);
+    /// Loads the file anew, with the key that it was opened with: the next step of a command of several, each
+    /// saved by itself. What was not saved is dropped. Throws as the constructor does.
+    void LoadAgain();
     /// A new, empty library without a file.
     static OpenedLibrary MakeNew();
 
@@ -44,8 +47,10 @@ public:
 private:
     explicit OpenedLibrary(Access access, std::string file = {}, const std::string& wait = {});
     void Load(const KeyOptions& key);
+    void LoadUnder(const SecretText& key);
     void WatchWork();
 
+    Access access_;
     // On the heap, because the library's events point at it.
     std::unique_ptr<ProgressBar> progress_ = std::make_unique<ProgressBar>();
     std::unique_ptr<Turn> turn_;

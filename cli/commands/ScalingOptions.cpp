@@ -28,18 +28,30 @@ void CheckSourceChoice(const ScalingOptions& options) {
                          std::to_string(options.corners.size()) + ".");
 }
 
-std::vector<ReferencePoint> ParsePoints(std::string_view option, const std::vector<std::string>& texts) {
+std::vector<ReferencePoint> ParsePoints(std::string_view option, const std::vector<std::string>& texts,
+                                        const PlaceForm& form) {
     std::vector<ReferencePoint> points;
     std::transform(texts.begin(), texts.end(), std::back_inserter(points),
-                   [option](const std::string& text) { return ParseReferencePoint(option, text); });
+                   [&](const std::string& text) { return ParseReferencePoint(option, text, form); });
     return points;
 }
 
-std::vector<MeasuredPoint> ParseMeasured(std::string_view option, const std::vector<std::string>& texts) {
+std::vector<MeasuredPoint> ParseMeasured(std::string_view option, const std::vector<std::string>& texts,
+                                         const PlaceForm& form) {
     std::vector<MeasuredPoint> points;
     std::transform(texts.begin(), texts.end(), std::back_inserter(points),
-                   [option](const std::string& text) { return ParseMeasuredPoint(option, text); });
+                   [&](const std::string& text) { return ParseMeasuredPoint(option, text, form); });
     return points;
+}
+
+/// A worldfile says no unit, and what others made it with cannot be known from its numbers.
+PlaceForm FormOf(const ScalingOptions& options) {
+    const PlaceForm lengths = LengthsIn(options.unit);
+    if (!options.unit.empty() && options.system.grid.empty())
+        throw UsageError("--unit is for eastings and northings on a --grid.");
+    if (!options.unit.empty() && !options.worldfile.empty())
+        throw UsageError("--unit is for --point, --corner and --check; a worldfile is in metres.");
+    return options.system.grid.empty() ? Degrees() : lengths;
 }
 
 /// What rounding may add to a pole that is a point's own latitude.
@@ -90,8 +102,9 @@ void RequireOnEarth(const AtlavexMap& map) {
 ScalingPlan::ScalingPlan(const ScalingOptions& options) {
     CheckSystemChoice(options.system, "A scaling");
     CheckSourceChoice(options);
-    ChoosePoints(options);
-    checks_ = ParseMeasured("--check", options.checks);
+    const PlaceForm form = FormOf(options);
+    ChoosePoints(options, form);
+    checks_ = ParseMeasured("--check", options.checks, form);
     ChooseBound(options);
     system_.emplace(options.system);
     if (!system_->HasGrid())
@@ -116,16 +129,16 @@ void ScalingPlan::ChooseBound(const ScalingOptions& options) {
         throw UsageError("--max-residual: a point is not less than 0 pixels off.");
 }
 
-void ScalingPlan::ChoosePoints(const ScalingOptions& options) {
+void ScalingPlan::ChoosePoints(const ScalingOptions& options, const PlaceForm& form) {
     if (options.points.size() > PointCount) {
-        fitted_ = ParseMeasured("--point", options.points);
+        fitted_ = ParseMeasured("--point", options.points, form);
         const auto points = FitAffine(fitted_);
         points_.assign(points.begin(), points.end());
     } else if (!options.points.empty()) {
-        points_ = ParsePoints("--point", options.points);
+        points_ = ParsePoints("--point", options.points, form);
         CheckScaling(ScalingKind::Linear, points_);
     } else if (!options.corners.empty()) {
-        points_ = ParsePoints("--corner", options.corners);
+        points_ = ParsePoints("--corner", options.corners, form);
         CheckScaling(ScalingKind::Polar, points_);
     } else {
         worldfile_ = ReadWorldfile(options.worldfile);

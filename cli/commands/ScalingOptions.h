@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/commands/CoordinateSystem.h"
+#include "cli/input/Places.h"
 #include "cli/output/FitReport.h"
 #include "component/Worldfile.h"
 
@@ -14,6 +15,7 @@
 /// points to check it, and how far any may be off.
 struct ScalingOptions {
     SystemOptions system;
+    std::string unit; ///< of the coordinates on a grid; metres when empty
     std::string worldfile;
     std::vector<std::string> points;
     std::vector<std::string> corners;
@@ -23,7 +25,7 @@ struct ScalingOptions {
 
     bool Given() const {
         return system.Given() || json ||
-               !(worldfile.empty() && points.empty() && corners.empty() && checks.empty() &&
+               !(unit.empty() && worldfile.empty() && points.empty() && corners.empty() && checks.empty() &&
                  maxResidual.empty());
     }
 };
@@ -48,7 +50,7 @@ public:
     void RequireWithinBound(const FitReport& report) const;
 
 private:
-    void ChoosePoints(const ScalingOptions& options);
+    void ChoosePoints(const ScalingOptions& options, const PlaceForm& form);
     void ChooseBound(const ScalingOptions& options);
     void RequireOnEarth() const;
 

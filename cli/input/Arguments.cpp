@@ -28,19 +28,14 @@ std::optional<std::int32_t> WholeNumber(std::string_view text) {
     return TextToWholeNumber(text);
 }
 
-struct NumberPair {
-    double first = 0;
-    double second = 0;
-};
-
-std::optional<NumberPair> NumbersWithComma(std::string_view text) {
+std::optional<Pair> NumbersWithComma(std::string_view text) {
     const auto parts = SplitOnce(text, ',');
     if (!parts)
         return std::nullopt;
     const auto first = TextToNumber(parts->first), second = TextToNumber(parts->second);
     if (!first || !second)
         return std::nullopt;
-    return NumberPair{*first, *second};
+    return Pair{*first, *second};
 }
 
 } // namespace
@@ -70,18 +65,25 @@ PixelOffset ParseOffset(std::string_view option, std::string_view text) {
     return {*x, *y};
 }
 
-MeasuredPoint ParseMeasuredPoint(std::string_view option, std::string_view text) {
-    constexpr std::string_view Expected = "of the form PX,PY=X,Y, such as 120,80=12.5,55.75";
+MeasuredPoint ParseMeasuredPoint(std::string_view option, std::string_view text, const PlaceForm& form) {
     const auto sides = SplitOnce(text, '=');
     const auto pixel = sides ? NumbersWithComma(sides->first) : std::nullopt;
-    const auto world = sides ? NumbersWithComma(sides->second) : std::nullopt;
-    if (!pixel || !world)
-        Refuse(option, text, Expected);
-    return {world->first, world->second, pixel->first, pixel->second, {}};
+    auto place = sides ? ReadDirections(sides->second, form) : std::nullopt;
+    if (sides && !place)
+        place = NumbersWithComma(sides->second);
+    if (!pixel || !place)
+        Refuse(option, text,
+               form.isLength
+                   ? "of the form PX,PY=X,Y, such as 120,80=500000,6100000 or "
+                     "\"120,80=N 6100000 E 500000\""
+                   : "of the form PX,PY=X,Y, such as 120,80=12.5,55.75 or "
+                     "\"120,80=55\u00B045'N 12\u00B030'E\" (longitude first, unless letters say otherwise)");
+    const Pair world = form.Taken(*place);
+    return {world.x, world.y, pixel->x, pixel->y, {}};
 }
 
-ReferencePoint ParseReferencePoint(std::string_view option, std::string_view text) {
-    const MeasuredPoint point = ParseMeasuredPoint(option, text);
+ReferencePoint ParseReferencePoint(std::string_view option, std::string_view text, const PlaceForm& form) {
+    const MeasuredPoint point = ParseMeasuredPoint(option, text, form);
     try {
         return {point.x, point.y, CheckedRound<std::int32_t>(point.pixelX),
                 CheckedRound<std::int32_t>(point.pixelY)};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cli/input/Places.h"
 #include "component/Georeference.h"
 
 #include <cstdint>
@@ -29,12 +30,12 @@ PixelSize ParseSize(std::string_view option, std::string_view text);
 /// "-5,12": two whole numbers.
 PixelOffset ParseOffset(std::string_view option, std::string_view text);
 
-/// "PX,PY=X,Y": a pixel and its coordinate. A pixel between two centres is rounded to the nearest, ties to
-/// even, as a click in the editor is.
-ReferencePoint ParseReferencePoint(std::string_view option, std::string_view text);
+/// "PX,PY=X,Y": a pixel and its coordinate, in the form; the answer's is in metres or degrees. A pixel
+/// between two centres is rounded to the nearest, ties to even, as a click in the editor is.
+ReferencePoint ParseReferencePoint(std::string_view option, std::string_view text, const PlaceForm& form);
 
 /// The same with the pixel as it is, a part of one or not.
-MeasuredPoint ParseMeasuredPoint(std::string_view option, std::string_view text);
+MeasuredPoint ParseMeasuredPoint(std::string_view option, std::string_view text, const PlaceForm& form);
 
 /// "KEY=VALUE", cut at the first "="; the key is not empty.
 std::pair<std::string, std::string> ParseKeyValue(std::string_view text);

@@ -7,8 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include <optional>
-#include <string_view>
+#include <utility>
 
 namespace {
 
@@ -27,9 +26,11 @@ bool IsSkipped(std::string_view line) {
     return word.empty() || word.starts_with('#');
 }
 
-std::optional<Pair> ParsePair(std::string_view line) {
-    const auto x = TextToNumber(PopWord(line)), y = TextToNumber(PopWord(line));
-    if (!x || !y || !PopWord(line).empty())
+std::optional<Pair> TwoNumbers(std::string_view line) {
+    const auto words = TwoWords(line);
+    const auto x = words ? TextToNumber(words->first) : std::nullopt;
+    const auto y = words ? TextToNumber(words->second) : std::nullopt;
+    if (!x || !y)
         return std::nullopt;
     return Pair{*x, *y};
 }
@@ -85,7 +86,7 @@ void ConvertLines(const PairTask& task, PairPrinter& printer) {
         ThrowIfInterrupted();
         if (IsSkipped(line))
             continue;
-        const auto from = ParsePair(line);
+        const auto from = task.read ? task.read(line) : TwoNumbers(line);
         if (!from)
             throw CommandFailure(
                 ExitStatus::Failed,
@@ -95,6 +96,13 @@ void ConvertLines(const PairTask& task, PairPrinter& printer) {
 }
 
 } // namespace
+
+std::optional<std::pair<std::string_view, std::string_view>> TwoWords(std::string_view line) {
+    const std::string_view first = PopWord(line), second = PopWord(line);
+    if (second.empty() || !PopWord(line).empty())
+        return std::nullopt;
+    return std::pair{first, second};
+}
 
 bool PairGiven(const std::string& x, const std::string& y) {
     if (x.empty() != y.empty())
