@@ -60,8 +60,9 @@ bool IsDirection(char letter) {
 // -----------------------------------------------------------------------------------------
 
 /// The many ways to write degrees, minutes, seconds, minus and blank.
-constexpr std::pair<std::string_view, std::string_view> SameSigns[] = {
-    {"°", "d"}, {"º", "d"}, {"′", "'"}, {"’", "'"}, {"´", "'"}, {"″", "\""}, {"”", "\""}, {"−", "-"}, {"''", "\""}};
+constexpr std::pair<std::string_view, std::string_view> SameSigns[] = {{"°", "d"},  {"º", "d"}, {"′", "'"},
+                                                                       {"’", "'"},  {"´", "'"}, {"″", "\""},
+                                                                       {"”", "\""}, {"−", "-"}, {"''", "\""}};
 
 void Replace(std::string& text, std::string_view sign, std::string_view other) {
     for (std::size_t at = 0; (at = text.find(sign, at)) != std::string::npos; at += other.size())
@@ -134,8 +135,8 @@ bool EndsWith(Cursor cursor, char sign) {
     return cursor.AtEnd();
 }
 
-/// Passes over what parts a number from the next one: the unit's sign, with a blank at either side or none, or
-/// a blank alone.
+/// Passes over what parts a number from the next one: the unit's sign, with a blank at either side or none,
+/// or a blank alone.
 bool SkipUnit(Cursor& cursor, char sign) {
     Cursor ahead = cursor;
     const bool blank = ahead.Skip(' ');
@@ -227,7 +228,8 @@ std::optional<Halves> SplitAtSeparator(const std::string& text, AtBlank rule) {
     if (text.find(Degree) != std::string::npos)
         return SplitAtDegrees(text);
     auto halves = SplitAt(",", text);
-    if (halves && halves->first.find('.') != std::string::npos && halves->second.find('.') != std::string::npos)
+    if (halves && halves->first.find('.') != std::string::npos &&
+        halves->second.find('.') != std::string::npos)
         return halves;
     return SplitAtBlank(text, rule);
 }
@@ -363,9 +365,10 @@ std::optional<EastNorth> ParseEastNorth(std::string_view text, char decimalSign)
 bool HasDirections(std::string_view text) {
     const std::string unified = Unified(text);
     for (std::size_t at = 0; at < unified.size(); ++at) {
-        const bool isExponent = unified[at] == 'E' && at > 0 && at + 1 < unified.size() &&
-                                (IsDigit(unified[at - 1]) || unified[at - 1] == '.') &&
-                                (IsDigit(unified[at + 1]) || unified[at + 1] == '-' || unified[at + 1] == '+');
+        const bool isExponent =
+            unified[at] == 'E' && at > 0 && at + 1 < unified.size() &&
+            (IsDigit(unified[at - 1]) || unified[at - 1] == '.') &&
+            (IsDigit(unified[at + 1]) || unified[at + 1] == '-' || unified[at + 1] == '+');
         if (IsDirection(unified[at]) && !isExponent)
             return true;
     }

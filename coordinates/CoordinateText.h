@@ -28,6 +28,6 @@ std::optional<LonLat> ParseLonLat(std::string_view text, char decimalSign,
 /// "N 6173000.5 E 32633".
 std::optional<EastNorth> ParseEastNorth(std::string_view text, char decimalSign);
 
-/// Whether a text says by letters which of its halves is which: it holds one of N, S, E and W, large or small,
-/// that is no exponent of a number.
+/// Whether a text says by letters which of its halves is which: it holds one of N, S, E and W, large or
+/// small, that is no exponent of a number.
 bool HasDirections(std::string_view text);

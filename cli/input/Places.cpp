@@ -53,7 +53,8 @@ std::optional<Pair> ReadPlace(std::string_view x, std::string_view y, const Plac
 }
 
 std::string PlaceExample(const PlaceForm& form) {
-    return form.isLength ? "an easting and a northing such as 500000 5316000 or N 5316000 E 500000"
-                         : "a longitude and a latitude such as 9.5 48.25 or 48\u00B015'N 9\u00B030'E (in degrees, "
-                           "minutes and seconds letters say which is which)";
+    return form.isLength
+               ? "an easting and a northing such as 500000 5316000 or N 5316000 E 500000"
+               : "a longitude and a latitude such as 9.5 48.25 or 48\u00B015'N 9\u00B030'E (in degrees, "
+                 "minutes and seconds letters say which is which)";
 }

@@ -28,11 +28,13 @@ std::vector<std::string> UsualEndings(const fs::path& image) {
     return {"." + first, extension + "w", extension + ".wld", ".wld"};
 }
 
-/// The files of a folder whose names are `stem` and something behind it. A folder that cannot be read has none.
+/// The files of a folder whose names are `stem` and something behind it. A folder that cannot be read has
+/// none.
 std::vector<fs::path> FilesNamed(const fs::path& folder, const std::string& stem) {
     std::vector<fs::path> found;
     std::error_code error;
-    for (fs::directory_iterator entries(folder, error), end; !error && entries != end; entries.increment(error))
+    for (fs::directory_iterator entries(folder, error), end; !error && entries != end;
+         entries.increment(error))
         if (entries->path().filename().string().starts_with(stem))
             found.push_back(entries->path());
     // In which order a folder lists its files is its own matter.

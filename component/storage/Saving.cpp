@@ -149,11 +149,26 @@ void NewFileSave::Place(FileReplacement::Former former, const KnownFiles& known)
     building_->replacement.Place(former, [&] { return known.StillHolds(plan_.target); });
 }
 
+std::unique_ptr<LibraryFile> NewFileSave::OpenPlaced() const {
+    constexpr int MostAttempts = 10;
+    for (int attempt = 1;; ++attempt) {
+        try {
+            return LibraryFile::Open(plan_.target, plan_.envelope, plan_.target.string());
+        } catch (const ComponentError& error) {
+            if (error.Number() != ErrorNumber::FileChanged || attempt == MostAttempts)
+                throw;
+        }
+    }
+}
+
 std::unique_ptr<LibraryFile> NewFileSave::Open() {
-    auto file = LibraryFile::Open(plan_.target, plan_.envelope, plan_.target.string());
-    if (!file->Holds(header_))
-        file->RequireUnchanged();
-    file->ReadState();
+    auto file = OpenPlaced();
+    // Others may have had their turn since the file was placed. This save is done all the same; that the file
+    // is no longer what it left is for the next one to find out, so it is compared with what stands here.
+    if (file->Holds(header_))
+        file->ReadState();
+    else
+        file->Adopt(header_, file->Records());
     written_.Apply(file->Tiles());
     return file;
 }

@@ -55,6 +55,7 @@ public:
 private:
     struct Building;
     void ReadBack();
+    std::unique_ptr<LibraryFile> OpenPlaced() const;
     [[noreturn]] void Differs(const std::string& reason);
     void RequireSoundSource();
 

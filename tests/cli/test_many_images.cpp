@@ -55,7 +55,8 @@ TEST_F(ManyImages, AreAddedInTheirOrderEachWithItsWorldfile) {
 
 TEST_F(ManyImages, OfWhichSomeFailAreAddedButForThose) {
     Write("text.png", "not an image");
-    const auto result = Run({"add-map", library_, Bmp("first.bmp"), In("text.png"), In("missing.tif"), Bmp("last.bmp")});
+    const auto result =
+        Run({"add-map", library_, Bmp("first.bmp"), In("text.png"), In("missing.tif"), Bmp("last.bmp")});
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.err, HasSubstr("'" + In("text.png") + "' was not added: "));
     EXPECT_THAT(result.err, HasSubstr("'" + In("missing.tif") + "' was not added: "));
@@ -79,7 +80,8 @@ TEST_F(ManyImages, AreAddedToASealedLibrary) {
     const Words key{"--key-file", Write("key", "secret")};
     Do(Words{"add-map", sealed, Bmp("one.bmp"), Bmp("two.bmp")} + key);
     EXPECT_THAT(NamesIn(sealed, key), ElementsAre("one", "two"));
-    ExpectFailure(3, Words{"add-map", sealed, In("one.bmp"), In("two.bmp"), "--key-file", Write("wrong", "Secret")});
+    ExpectFailure(
+        3, Words{"add-map", sealed, In("one.bmp"), In("two.bmp"), "--key-file", Write("wrong", "Secret")});
 }
 
 TEST_F(ManyImages, TakeNoOptionsThatAreMeantForOne) {
@@ -91,7 +93,8 @@ TEST_F(ManyImages, TakeNoOptionsThatAreMeantForOne) {
                                 {"--max-residual", "1"},
                                 {"--json"}})
         ExpectFailure(2, add + option, "for one image alone");
-    ExpectFailure(2, add + Words{"--datum", "WGS84", "--worldfile", Worldfile("w.bpw", 0)}, "--worldfile auto");
+    ExpectFailure(2, add + Words{"--datum", "WGS84", "--worldfile", Worldfile("w.bpw", 0)},
+                  "--worldfile auto");
     ExpectFailure(2, add + Words{"--datum", "WGS84"}, "--worldfile auto");
     ExpectFailure(2, add + Words{"--datum", "no such datum", "--worldfile", "auto"}, "no such datum");
 }
@@ -101,24 +104,23 @@ TEST_F(ManyImages, AreAtLeastOne) {
     EXPECT_THAT(NamesIn(library_), ElementsAre());
 }
 
-/// What scanners, desktop and web programs call them: the first and last letter of the image's extension and a
-/// "w", the whole extension and a "w", or "wld".
+/// What scanners, desktop and web programs call them: the first and last letter of the image's extension and
+/// a "w", the whole extension and a "w", or "wld".
 TEST_F(ManyImages, FindTheirWorldfilesUnderEveryUsualName) {
     const std::string image = Bmp("plan.bmp");
     int number = 0;
     for (const auto& [extension, names] :
-         std::vector<std::pair<std::string, Words>>{
-             {"tif", {"wld", "tif.wld", "tifw", "TFW"}},
-             {"TIFF", {"WLD", "tiff.wld", "tiffw", "tfw"}},
-             {"jpeg", {"wld", "jpeg.wld", "jpegw", "jgw"}},
-             {"jpg", {"wld", "jpg.wld", "jpgw", "JGW"}},
-             {"png", {"wld", "png.wld", "pngw", "pgw"}},
-             {"gif", {"wld", "gif.wld", "gifw", "gfw"}},
-             {"bmp", {"wld", "bmp.wld", "bmpw", "bpw"}}}) {
+         std::vector<std::pair<std::string, Words>>{{"tif", {"wld", "tif.wld", "tifw", "TFW"}},
+                                                    {"TIFF", {"WLD", "tiff.wld", "tiffw", "tfw"}},
+                                                    {"jpeg", {"wld", "jpeg.wld", "jpegw", "jgw"}},
+                                                    {"jpg", {"wld", "jpg.wld", "jpgw", "JGW"}},
+                                                    {"png", {"wld", "png.wld", "pngw", "pgw"}},
+                                                    {"gif", {"wld", "gif.wld", "gifw", "gfw"}},
+                                                    {"bmp", {"wld", "bmp.wld", "bmpw", "bpw"}}}) {
         // The reader goes by what a file holds.
         const std::string stem = "of " + extension, file = In(stem + "." + extension);
         std::filesystem::copy_file(image, file);
-        Worldfile(stem + "2.tfw", 1); // another image's
+        Worldfile(stem + "2.tfw", 1);           // another image's
         for (const std::string& name : names) { // each goes before those that lie there already
             Worldfile(stem + "." + name, 500000 + ++number);
             Do(Words{"add-map", library_, file, "--name", name + " of " + extension} + utm_);

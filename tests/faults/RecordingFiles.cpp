@@ -40,6 +40,7 @@ std::unique_ptr<FileSystem::LockedFile> RecordingFiles::CreateLocked(const std::
 void RecordingFiles::Replace(const std::filesystem::path& from, const std::filesystem::path& to) {
     Step("replace " + to.filename().string());
     real_->Replace(from, to);
+    placed();
 }
 
 bool RecordingFiles::AddName(const std::filesystem::path& file, const std::filesystem::path& name) {

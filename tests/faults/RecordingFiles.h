@@ -16,6 +16,8 @@ public:
     int failing = -1;
     /// Called with each step before it is taken.
     std::function<void(const std::string&)> watch = [](const std::string&) {};
+    /// Called when a file has been put in its place.
+    std::function<void()> placed = [] {};
 
     std::unique_ptr<LockedFile> CreateLocked(const std::filesystem::path& file) override;
     void Replace(const std::filesystem::path& from, const std::filesystem::path& to) override;

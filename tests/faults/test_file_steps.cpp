@@ -150,3 +150,31 @@ TEST_F(FileSteps, PutANewKeyOnTilesThatWereAddedDirectly) {
     EXPECT_FALSE(fs::exists(Own().string() + "-journal"));
     EXPECT_EQ(ContentOf(*library_), expected);
 }
+
+/// Whoever waits for its turn has it at once when a new file is in its place, before its maker opens it
+/// there.
+TEST_F(FileSteps, AreDoneThoughAnotherProgramSavesBeforeTheNewFileIsOpened) {
+    const auto change = [this](const std::string& value) {
+        const auto other = CreateAtlavexLibrary(CheapOptions((folder_ / "scratch").string()));
+        other->LoadFromFile(Own().string(), "");
+        other->GetMap(other->MapIdAt(1))->SetMetadata("remark", value);
+        other->SaveToFile(Own().string(), "");
+        return ContentOf(*other);
+    };
+    std::string theirs;
+    files_->placed = [&] { theirs = change("theirs"); };
+    library_->Compact();
+    ASSERT_FALSE(theirs.empty());
+    EXPECT_EQ(ContentOfFile(Own()), theirs);
+    EXPECT_EQ(ContentOf(*library_), expected_);
+    files_->placed = [] {};
+    try {
+        library_->SaveToFile(Own().string(), "");
+        FAIL() << "what the other program saved is overwritten";
+    } catch (const ComponentError& error) {
+        EXPECT_EQ(error.Number(), ErrorNumber::FileChanged);
+    }
+    EXPECT_EQ(ContentOfFile(Own()), theirs);
+    library_->SaveToFile((folder_ / "elsewhere.Atlavex").string(), "");
+    EXPECT_EQ(ContentOfFile(folder_ / "elsewhere.Atlavex"), expected_);
+}
