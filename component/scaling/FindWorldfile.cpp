@@ -55,7 +55,7 @@ fs::path FindWorldfile(const fs::path& image) {
         });
         if (file != files.end())
             return *file;
-        names += (names.empty() ? "" : ", ") + stem + ending;
+        names.append(names.empty() ? "" : ", ").append(stem).append(ending);
     }
     throw ComponentError(ErrorNumber::FileNotFound,
                          "No worldfile lies beside \"" + image.string() + "\"; looked for " + names + ".");
