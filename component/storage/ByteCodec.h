@@ -3,6 +3,7 @@
 #include "component/storage/Digest.h"
 
 #include <bit>
+#include <cmath>
 #include <concepts>
 #include <cstring>
 #include <stdexcept>
@@ -50,6 +51,11 @@ public:
         return static_cast<T>(value);
     }
     double Double() { return std::bit_cast<double>(Integer<std::uint64_t>()); }
+    double FiniteDouble() {
+        const double value = Double();
+        Require(std::isfinite(value), "a number is not finite");
+        return value;
+    }
     bool Flag() {
         const auto value = Integer<std::uint8_t>();
         Require(value <= 1, "a flag is neither 0 nor 1");

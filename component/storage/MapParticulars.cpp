@@ -2,8 +2,6 @@
 
 #include "component/scaling/ShiftRules.h"
 
-#include <cmath>
-
 namespace {
 
 constexpr std::uint8_t ShiftUnknownFlag = 1;
@@ -14,12 +12,6 @@ constexpr std::size_t SmallestSet = 4 + 4;
 
 void Require(bool holds, const char* reason) {
     ByteReader::Require(holds, reason);
-}
-
-double FiniteDouble(ByteReader& reader) {
-    const double value = reader.Double();
-    Require(std::isfinite(value), "a number is not finite");
-    return value;
 }
 
 /// A count that neither the format nor what is left of the record contradicts: memory is asked for
@@ -45,7 +37,7 @@ SystemIdentity ReadSystem(ByteReader& reader) {
     system.shiftUnknown = flags != 0;
     for (std::string* text : {&system.code, &system.name, &system.shiftCode, &system.shiftName})
         *text = reader.Text();
-    system.shiftAccuracy = FiniteDouble(reader);
+    system.shiftAccuracy = reader.FiniteDouble();
     Require(system.shiftAccuracy >= 0 && !std::signbit(system.shiftAccuracy),
             "the accuracy of its shift is negative");
     Require(IsConsistent(system), "its shift is unknown and yet named");
@@ -66,7 +58,7 @@ std::vector<MeasuredPoint> ReadPoints(ByteReader& reader) {
         ReadCount(reader, MostMeasuredPoints, SmallestPoint, "it has too many points"));
     for (MeasuredPoint& point : points) {
         for (double* number : {&point.x, &point.y, &point.pixelX, &point.pixelY})
-            *number = FiniteDouble(reader);
+            *number = reader.FiniteDouble();
         point.label = reader.Text();
     }
     return points;

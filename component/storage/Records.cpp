@@ -5,7 +5,6 @@
 #include "component/storage/ByteCodec.h"
 #include "component/storage/MapParticulars.h"
 
-#include <cmath>
 #include <set>
 
 namespace {
@@ -15,12 +14,6 @@ constexpr std::uint8_t MapRecordWithParticulars = 2;
 
 void Require(bool holds, const char* reason) {
     ByteReader::Require(holds, reason);
-}
-
-double FiniteDouble(ByteReader& reader) {
-    const double value = reader.Double();
-    Require(std::isfinite(value), "a number is not finite");
-    return value;
 }
 
 void WriteRef(ByteWriter& writer, const BlobRef& ref) {
@@ -102,7 +95,7 @@ GridNumbers ReadGrid(ByteReader& reader, std::uint8_t version) {
             "its projection method is none of its record's version");
     grid.zone = reader.Integer<std::int32_t>();
     for (double& number : grid.values)
-        number = FiniteDouble(reader);
+        number = reader.FiniteDouble();
     return grid;
 }
 
@@ -111,7 +104,7 @@ Georeference ReadGeoreference(ByteReader& reader, std::uint8_t version) {
     if (reader.Flag()) {
         QuorvantDatum::Numbers numbers{};
         for (double& number : numbers)
-            number = FiniteDouble(reader);
+            number = reader.FiniteDouble();
         georeference.datum = QuorvantDatum(numbers);
     }
     if (reader.Flag())
@@ -122,8 +115,8 @@ Georeference ReadGeoreference(ByteReader& reader, std::uint8_t version) {
     georeference.points.resize(PointsOf(kind));
     georeference.kind = static_cast<ScalingKind>(kind);
     for (ReferencePoint& point : georeference.points) {
-        point.x = FiniteDouble(reader);
-        point.y = FiniteDouble(reader);
+        point.x = reader.FiniteDouble();
+        point.y = reader.FiniteDouble();
         point.pixelX = reader.Integer<std::int32_t>();
         point.pixelY = reader.Integer<std::int32_t>();
     }
@@ -197,7 +190,7 @@ MapRecord MapRecord::Decode(ByteSpan bytes) {
     for (std::int32_t* size : {&record.width, &record.height, &record.tileWidth, &record.tileHeight})
         *size = reader.Integer<std::int32_t>();
     record.palette = ReadPalette(reader, record.format);
-    record.zoom = FiniteDouble(reader);
+    record.zoom = reader.FiniteDouble();
     Require(record.zoom > 0, "its zoom is not positive");
     record.georeference = ReadGeoreference(reader, version);
     record.pages = ReadPages(reader, PagesFor(CheckedLayout(record).Entries()));

@@ -1,7 +1,6 @@
 #include "component/storage/UnsavedRebuild.h"
 
 #include "base/Paths.h"
-#include "component/storage/ByteCodec.h"
 
 #include <algorithm>
 #include <set>
@@ -95,8 +94,9 @@ private:
     }
 
     bool AddObject(const UnsavedState::Object& object) {
-        return object.key.first == BlobKind::MapRecord ? AddMap(object.key.second)
-                                                       : AddIcon(object.key.second);
+        return object.key.first == BlobKind::MapRecord
+                   ? AddObject(object.key, file_.maps, work_.state.maps, renumberedMaps_)
+                   : AddObject(object.key, file_.icons, work_.state.icons, renumberedIcons_);
     }
 
     Bytes Kept(const RecordKey& key) { return ReadUnsavedRecord(*containers_.front(), unsaved_, key); }
@@ -105,18 +105,10 @@ private:
     void TakeMetadata(State& state, const std::shared_ptr<State>& former) {
         const RecordKey key{BlobKind::MetadataRecord, state.id};
         if (unsaved_.records.contains(key))
-            state.metadata = Decoded([&] { return DecodeMetadata(Kept(key)); });
+            state.metadata =
+                ReadingFrom(containers_.front()->GetDatabase(), [&] { return DecodeMetadata(Kept(key)); });
         else if (former)
             state.metadata = former->metadata;
-    }
-
-    template <typename Decode>
-    auto Decoded(const Decode& decode) {
-        try {
-            return decode();
-        } catch (const MalformedRecord& malformed) {
-            containers_.front()->GetDatabase().Damaged(malformed.what());
-        }
     }
 
     template <typename State>
@@ -134,45 +126,39 @@ private:
         return holder != containers_.end() ? *holder : nullptr;
     }
 
-    bool AddMap(std::int64_t id) {
-        const auto former = InFile(file_.maps, id);
-        auto map = former ? std::make_shared<MapState>(*former)
-                          : std::make_shared<MapState>(MapState{id, {}, {}, {}});
-        if (const RecordKey key{BlobKind::MapRecord, id}; unsaved_.records.contains(key)) {
-            map->record = Decoded([&] { return MapRecord::Decode(Kept(key)); });
-            const bool isSaved = former && former->record.pages == map->record.pages;
-            const auto holder =
-                isSaved ? nullptr : Holder(BlobKind::DirectoryPage, map->record.pages.front().number);
-            if (!PlaceObject(map, former, holder))
-                return false;
-            if (!holder)
-                map->record.pages = former->record.pages;
-        } else if (!former) {
-            return false;
-        }
-        TakeMetadata(*map, former);
-        Add(map, former, work_.state.maps, renumberedMaps_);
-        return true;
+    // Where the pixels of an object lie: its tile directory or its picture.
+    static auto& PixelsOf(MapRecord& record) { return record.pages; }
+    static auto& PixelsOf(IconRecord& record) { return record.picture; }
+    std::shared_ptr<Container> HolderOf(const MapRecord& record) {
+        return Holder(BlobKind::DirectoryPage, record.pages.front().number);
+    }
+    std::shared_ptr<Container> HolderOf(const IconRecord& record) {
+        return Holder(BlobKind::IconPicture, record.picture.number);
     }
 
-    bool AddIcon(std::int64_t id) {
-        const auto former = InFile(file_.icons, id);
-        auto icon = former ? std::make_shared<IconState>(*former)
-                           : std::make_shared<IconState>(IconState{id, {}, {}, {}});
-        if (const RecordKey key{BlobKind::IconRecord, id}; unsaved_.records.contains(key)) {
-            icon->record = Decoded([&] { return IconRecord::Decode(Kept(key)); });
-            const bool isSaved = former && former->record.picture == icon->record.picture;
-            const auto holder =
-                isSaved ? nullptr : Holder(BlobKind::IconPicture, icon->record.picture.number);
-            if (!PlaceObject(icon, former, holder))
+    /// Puts an object of the work into its list; false when its record or its pixels are nowhere.
+    template <typename State>
+    bool AddObject(const RecordKey& key, const std::vector<std::shared_ptr<State>>& inFile,
+                   std::vector<std::shared_ptr<State>>& list,
+                   std::vector<std::shared_ptr<State>>& renumbered) {
+        const auto former = InFile(inFile, key.second);
+        auto object = former ? std::make_shared<State>(*former)
+                             : std::make_shared<State>(State{key.second, {}, {}, {}});
+        if (unsaved_.records.contains(key)) {
+            using Record = decltype(object->record);
+            object->record =
+                ReadingFrom(containers_.front()->GetDatabase(), [&] { return Record::Decode(Kept(key)); });
+            const bool isSaved = former && PixelsOf(former->record) == PixelsOf(object->record);
+            const auto holder = isSaved ? nullptr : HolderOf(object->record);
+            if (!PlaceObject(object, former, holder))
                 return false;
             if (!holder)
-                icon->record.picture = former->record.picture;
+                PixelsOf(object->record) = PixelsOf(former->record);
         } else if (!former) {
             return false;
         }
-        TakeMetadata(*icon, former);
-        Add(icon, former, work_.state.icons, renumberedIcons_);
+        TakeMetadata(*object, former);
+        Add(object, former, list, renumbered);
         return true;
     }
 

@@ -1,6 +1,5 @@
 #include "component/storage/UnsavedRecords.h"
 
-#include "component/storage/ByteCodec.h"
 #include "component/storage/Schema.h"
 #include "component/storage/Scratch.h"
 
@@ -102,22 +101,12 @@ void PutSummary(Database& database, const UnsavedSummary& summary) {
         .Run();
 }
 
-/// Says what is malformed as damage of this file.
-template <typename Read>
-auto Reading(const Database& database, const Read& read) {
-    try {
-        return read();
-    } catch (const MalformedRecord& malformed) {
-        database.Damaged(malformed.what());
-    }
-}
-
 UnsavedSummary SummaryIn(Database& database) {
     CheckKeptScratchSchema(database);
     Statement row(database, "SELECT data FROM unsaved WHERE id = ?1");
     if (!row.Bind(1, SummaryRow).Step())
         database.Damaged("it holds no unsaved work");
-    return Reading(database, [&] { return UnsavedSummary::Decode(row.Blob(0)); });
+    return ReadingFrom(database, [&] { return UnsavedSummary::Decode(row.Blob(0)); });
 }
 
 LibraryFile::HeaderRow BaseIn(Database& database) {
@@ -132,7 +121,7 @@ LibraryFile::HeaderRow BaseIn(Database& database) {
 }
 
 FileHeader HeaderOf(const Database& database, const LibraryFile::HeaderRow& row) {
-    return Reading(database, [&] { return FileHeader::Decode(row.header); });
+    return ReadingFrom(database, [&] { return FileHeader::Decode(row.header); });
 }
 
 } // namespace
@@ -371,7 +360,7 @@ UnsavedState ReadUnsavedState(Container& scratch, const UnsavedSummary& summary)
     Bytes plain;
     if (!scratch.Get(BlobKind::UnsavedState, StateRow, summary.state, plain))
         scratch.GetDatabase().Damaged("its unsaved state does not match its digest");
-    return Reading(scratch.GetDatabase(), [&] { return UnsavedState::Decode(plain); });
+    return ReadingFrom(scratch.GetDatabase(), [&] { return UnsavedState::Decode(plain); });
 }
 
 Bytes ReadUnsavedRecord(Container& scratch, const UnsavedState& state, const RecordKey& key) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "component/storage/ByteCodec.h"
 #include "component/storage/LibraryFile.h"
 
 #include <map>
@@ -7,6 +8,16 @@
 
 // What a kept scratch says beside its tiles, so that a program that was killed loses nothing:
 // docs/scratch.md.
+
+/// Says what is malformed as damage of this file.
+template <typename Read>
+auto ReadingFrom(const Database& database, const Read& read) {
+    try {
+        return read();
+    } catch (const MalformedRecord& malformed) {
+        database.Damaged(malformed.what());
+    }
+}
 
 /// What can be read of unsaved work without a key.
 struct UnsavedSummary {
