@@ -88,16 +88,15 @@ endfunction()
 # code for undefined behaviour, most of it the test framework's, would nearly double the time that it takes to
 # compile. Without any optimisation what is gained there is lost again when they run.
 set(QUORVANT_TEST_OPTIONS -O1)
-# Tests that look at programs, windows and numbers from outside hold nothing that a sanitizer could find; what they
-# drive is checked as everywhere.
+# Tests that look at programs, windows and numbers from outside do little with memory of their own: they are compiled
+# without the sanitizers, and what they drive is checked as everywhere.
 set(QUORVANT_OUTSIDE_TEST_OPTIONS -O0)
 if(QUORVANT_SANITIZE)
     list(APPEND QUORVANT_TEST_OPTIONS -fno-sanitize=undefined)
     list(APPEND QUORVANT_OUTSIDE_TEST_OPTIONS -fno-sanitize=all)
 endif()
 
-# What a source of a test costs the compiler is mostly what it includes: several at once are compiled in half the
-# time. Who changes one of them over and over sets this to OFF.
+# What a source of a test costs the compiler is mostly what it includes, which several at once share. Who changes one of them over and over sets this to OFF.
 option(QUORVANT_JOIN_TESTS "Compile several sources of a test program at once" ON)
 function(quorvant_join_sources name)
     if(NOT QUORVANT_JOIN_TESTS)

@@ -52,10 +52,6 @@ bool IsNorthSouth(char letter) {
     return letter == 'N' || letter == 'S';
 }
 
-bool IsDirection(char letter) {
-    return IsEastWest(letter) || IsNorthSouth(letter);
-}
-
 // One way of writing
 // -----------------------------------------------------------------------------------------
 
@@ -363,14 +359,14 @@ std::optional<EastNorth> ParseEastNorth(std::string_view text, char decimalSign)
 }
 
 bool HasDirections(std::string_view text) {
-    const std::string unified = Unified(text);
-    for (std::size_t at = 0; at < unified.size(); ++at) {
-        const bool isExponent =
-            unified[at] == 'E' && at > 0 && at + 1 < unified.size() &&
-            (IsDigit(unified[at - 1]) || unified[at - 1] == '.') &&
-            (IsDigit(unified[at + 1]) || unified[at + 1] == '-' || unified[at + 1] == '+');
-        if (IsDirection(unified[at]) && !isExponent)
-            return true;
-    }
-    return false;
+    const auto isExponent = [text](std::size_t at) {
+        return (text[at] == 'E' || text[at] == 'e') && at > 0 && at + 1 < text.size() &&
+               (IsDigit(text[at - 1]) || text[at - 1] == '.') &&
+               (IsDigit(text[at + 1]) || text[at + 1] == '-' || text[at + 1] == '+');
+    };
+    constexpr std::string_view Letters = "NSEWnsew";
+    std::size_t at = text.find_first_of(Letters);
+    while (at != std::string_view::npos && isExponent(at))
+        at = text.find_first_of(Letters, at + 1);
+    return at != std::string_view::npos;
 }

@@ -27,8 +27,8 @@ void AddUnit(CLI::App& command, std::string& unit) {
 /// Lines of input, each a place in this form.
 PairReading LinesIn(const PlaceForm& form) {
     return [form](std::string_view line) {
-        if (const auto place = ReadDirections(line, form))
-            return place;
+        if (HasDirections(line))
+            return ReadDirections(line, form);
         const auto words = TwoWords(line);
         return words ? ReadPlace(words->first, words->second, form) : std::nullopt;
     };
@@ -67,12 +67,16 @@ PairConversion FindWith(const AtlavexMap& map, bool wgs84, const PlaceForm& form
     };
 }
 
+[[noreturn]] void RefuseUnit() {
+    throw UsageError("--unit is for eastings and northings; these are degrees.");
+}
+
 /// What the coordinates of a map are, or WGS84's. Throws UsageError for a unit of length of degrees.
 PlaceForm FormOf(const AtlavexMap& map, const PositionOptions& options) {
     if (!options.wgs84 && map.HasGrid())
         return LengthsIn(options.unit);
     if (!options.unit.empty())
-        throw UsageError("--unit is for eastings and northings; these are degrees.");
+        RefuseUnit();
     return Degrees();
 }
 
@@ -91,7 +95,7 @@ Pair PairOfNumbers(const PositionOptions& options) {
 void CheckUnit(const PositionOptions& options) {
     LengthsIn(options.unit);
     if (options.wgs84 && !options.unit.empty())
-        throw UsageError("--unit is for eastings and northings; these are degrees.");
+        RefuseUnit();
 }
 
 ExitStatus RunLocate(const PositionOptions& options) {

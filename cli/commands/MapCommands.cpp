@@ -92,8 +92,10 @@ std::optional<ScalingPlan> PlanFor(const std::string& image, ScalingOptions scal
 }
 
 /// Adds one image and saves; after a failure the library is not to be used any more.
-void AddImage(OpenedLibrary& library, const AddMapOptions& options, const NewObject& object,
+void AddImage(OpenedLibrary& library, const AddMapOptions& options, const std::string& image,
               const std::optional<ScalingPlan>& plan) {
+    NewObject object = options.object;
+    object.image = image;
     const PixelSize tile = ParseSize("--tile", options.tile);
     const auto map =
         library->AddMapFromImageFile(object.image, NameOfNewObject(object), tile.width, tile.height);
@@ -105,11 +107,10 @@ void AddImage(OpenedLibrary& library, const AddMapOptions& options, const NewObj
 }
 
 ExitStatus AddOneImage(const AddMapOptions& options) {
-    NewObject object = options.object;
-    object.image = options.images.front();
-    const auto plan = PlanFor(object.image, options.scaling);
+    const std::string& image = options.images.front();
+    const auto plan = PlanFor(image, options.scaling);
     OpenedLibrary library = OpenForAdding(options.library);
-    AddImage(library, options, object, plan);
+    AddImage(library, options, image, plan);
     return ExitStatus::Done;
 }
 
@@ -129,10 +130,8 @@ void RequireOptionsOfSeveral(const AddMapOptions& options) {
 
 /// Whether the image was added; says why not. What ends the whole command is thrown.
 bool TryToAdd(OpenedLibrary& library, const AddMapOptions& options, const std::string& image) {
-    NewObject object = options.object;
-    object.image = image;
     try {
-        AddImage(library, options, object, PlanFor(image, options.scaling));
+        AddImage(library, options, image, PlanFor(image, options.scaling));
         return true;
     } catch (const ComponentError& error) {
         if (IsInterrupted())
@@ -162,7 +161,7 @@ ExitStatus AddSeveralImages(const AddMapOptions& options) {
 }
 
 ExitStatus RunAddMap(const AddMapOptions& options) {
-    ParseSize("--tile", options.tile);
+    ParseSize("--tile", options.tile); // before anything is opened
     return options.images.size() == 1 ? AddOneImage(options) : AddSeveralImages(options);
 }
 

@@ -3,6 +3,7 @@
 #include "base/CheckedNumbers.h"
 #include "base/NumberText.h"
 #include "cli/output/ExitStatus.h"
+#include "coordinates/CoordinateText.h"
 
 #include <optional>
 
@@ -68,9 +69,9 @@ PixelOffset ParseOffset(std::string_view option, std::string_view text) {
 MeasuredPoint ParseMeasuredPoint(std::string_view option, std::string_view text, const PlaceForm& form) {
     const auto sides = SplitOnce(text, '=');
     const auto pixel = sides ? NumbersWithComma(sides->first) : std::nullopt;
-    auto place = sides ? ReadDirections(sides->second, form) : std::nullopt;
-    if (sides && !place)
-        place = NumbersWithComma(sides->second);
+    const auto place = !sides                         ? std::nullopt
+                       : HasDirections(sides->second) ? ReadDirections(sides->second, form)
+                                                      : NumbersWithComma(sides->second);
     if (!pixel || !place)
         Refuse(option, text,
                form.isLength

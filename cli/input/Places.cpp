@@ -33,8 +33,6 @@ PlaceForm LengthsIn(const std::string& unit) {
 }
 
 std::optional<Pair> ReadDirections(std::string_view text, const PlaceForm& form) {
-    if (!HasDirections(text))
-        return std::nullopt;
     if (form.isLength) {
         const auto position = ParseEastNorth(text, DecimalPoint);
         return position ? std::optional(Pair{position->easting, position->northing}) : std::nullopt;

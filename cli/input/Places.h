@@ -26,8 +26,8 @@ inline PlaceForm Degrees() {
     return {};
 }
 
-/// Easting and northing, or longitude and latitude, as a text has them in which letters say which is which.
-/// Nothing for any other text.
+/// Easting and northing, or longitude and latitude, of a text in which letters say which is which
+/// (HasDirections). Nothing for any other text.
 std::optional<Pair> ReadDirections(std::string_view text, const PlaceForm& form);
 
 /// The same of the two halves of a pair, each a number in the form or both with letters.

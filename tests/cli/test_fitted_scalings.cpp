@@ -5,8 +5,6 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include <sstream>
-
 using testing::HasSubstr;
 using testing::StartsWith;
 
